@@ -1,0 +1,81 @@
+# How targets are made here: one options interface for all of them, one function a kind.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+# Whatever runs lies together, so that a program finds its library and its producer without a search path.
+set(OVI_OUT_DIR "${CMAKE_BINARY_DIR}/out")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${OVI_OUT_DIR}")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${OVI_OUT_DIR}")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+if(UNIX)
+  set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+endif()
+
+find_program(OVI_CCACHE ccache)
+if(OVI_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_C_COMPILER_LAUNCHER "${OVI_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${OVI_CCACHE}")
+endif()
+
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+find_package(Threads REQUIRED)
+
+add_library(ovi_options INTERFACE)
+if(MSVC)
+  target_compile_options(ovi_options INTERFACE /W4 /utf-8 $<$<BOOL:${OVI_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(ovi_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+    $<$<BOOL:${OVI_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
+if(OVI_SANITIZE)
+  target_compile_options(ovi_options INTERFACE -fsanitize=${OVI_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(ovi_options INTERFACE -fsanitize=${OVI_SANITIZE})
+endif()
+target_link_libraries(ovi_options INTERFACE Threads::Threads)
+
+# ovi_add_layer(NAME [PUBLIC targets...] [PRIVATE targets...])
+#
+# A layer of the house: the static library of all .cpp files in this folder. Headers that other layers may see lie in
+# include/<folder>/, the others beside their sources. A layer sees just the layers that it links.
+function(ovi_add_layer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;SOURCES")
+  if(NOT arg_SOURCES)
+    file(GLOB arg_SOURCES CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  endif()
+  if(arg_SOURCES)
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/include" PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ovi_options ${arg_PRIVATE})
+  else()
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE "${CMAKE_CURRENT_SOURCE_DIR}/include")
+    target_link_libraries(${name} INTERFACE ${arg_PUBLIC})
+  endif()
+endfunction()
+
+# ovi_add_test(NAME SOURCES files... [LIBS targets...] [ENVIRONMENT NAME=value...] [TIMEOUT seconds] [LABELS labels...])
+#
+# One test program. It runs in a scratch folder of its own with the virtual camera's folder on the producer search path.
+function(ovi_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LIBS;ENVIRONMENT;LABELS")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ovi_options ${arg_LIBS} GTest::gtest GTest::gmock GTest::gtest_main)
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  set(scratch "${CMAKE_BINARY_DIR}/scratch/${name}")
+  file(MAKE_DIRECTORY "${scratch}")
+  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${scratch}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+    ENVIRONMENT "GENICAM_GENTL64_PATH=${OVI_OUT_DIR};${arg_ENVIRONMENT}")
+endfunction()
