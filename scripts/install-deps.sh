@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Puts in place what building, testing and running need: the distribution's packages, and the few libraries that no
+# package offers, built once into a cache folder keyed by version. Run it again at any time: nothing to do is quick.
+#
+#   scripts/install-deps.sh             what a native build and its tests need
+#   scripts/install-deps.sh --windows   also what building for 64-bit Windows and running it under Wine needs
+#
+# OVI_DEPS_DIR names the cache folder (default: ${XDG_CACHE_HOME:-~/.cache}/ovi-deps).
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+# shellcheck source=scripts/lib/deps.sh
+. "$here/lib/deps.sh"
+
+windows=0
+for argument in "$@"; do
+  case "$argument" in
+    --windows) windows=1 ;;
+    *) echo "install-deps.sh: unknown argument \"$argument\" (known: --windows)" >&2; exit 2 ;;
+  esac
+done
+
+native_packages=(g++ cmake ninja-build ccache clang clang-tidy clang-format pkg-config git ca-certificates cppcheck
+  libboost-filesystem-dev libboost-system-dev libpugixml-dev libcli11-dev libpng-dev zlib1g-dev libgtest-dev libgmock-dev
+  libbenchmark-dev clang-14 libclang-rt-14-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64)
+
+install_packages "${native_packages[@]}"
+install_plog
+build_miniz native
+if [ "$windows" = 1 ]; then
+  install_packages "${windows_packages[@]}"
+  # shellcheck source=scripts/lib/deps-windows.sh
+  . "$here/lib/deps-windows.sh"
+  build_windows_dependencies
+fi
+echo "install-deps: everything is in place"

@@ -1,0 +1,10 @@
+# Builds miniz's two files as one static library with a CMake package; copied beside them by the set-up script.
+cmake_minimum_required(VERSION 3.25)
+project(miniz LANGUAGES C)
+add_library(miniz STATIC src/miniz.c)
+set_target_properties(miniz PROPERTIES POSITION_INDEPENDENT_CODE ON C_VISIBILITY_PRESET hidden)
+target_compile_options(miniz PRIVATE -w)
+target_include_directories(miniz INTERFACE $<INSTALL_INTERFACE:include>)
+install(TARGETS miniz EXPORT miniz-targets ARCHIVE DESTINATION lib)
+install(FILES src/miniz.h DESTINATION include)
+install(EXPORT miniz-targets NAMESPACE miniz:: FILE miniz-config.cmake DESTINATION lib/cmake/miniz)
