@@ -27,6 +27,7 @@ windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64)
 install_packages "${native_packages[@]}"
 install_plog
 build_miniz native
+build_boost native
 if [ "$windows" = 1 ]; then
   install_packages "${windows_packages[@]}"
   # shellcheck source=scripts/lib/deps-windows.sh

@@ -12,7 +12,7 @@ say() { printf 'install-deps: %s\n' "$*"; }
 missing_packages() {
   # Prints those of the given packages that are not fully installed.
   local installed
-  installed=$(dpkg-query -W -f '${db:Status-Abbrev} ${Package}\n' "$@" 2>/dev/null | sed -n 's/^ii  *//p')
+  installed=$(dpkg-query -W -f '${db:Status-Abbrev} ${Package}\n' "$@" 2>/dev/null | sed -n 's/^ii  *//p') || true # unknown names fail
   local package
   for package in "$@"; do
     grep -qx -- "$package" <<<"$installed" || printf '%s\n' "$package"
@@ -57,6 +57,8 @@ with_suite() {
   apt-get "${options[@]}" "$@"
 }
 
+own_suite() { ( . /etc/os-release && printf "%s\n" "$VERSION_CODENAME" ); }
+
 fetch_source() {
   # fetch_source SUITE PACKAGE: downloads a source package and prints the path of its original archive.
   local folder="$deps_dir/sources/$2"
@@ -81,19 +83,56 @@ install_plog() {
   as_root dpkg -i "$folder"/libplog-dev_*.deb >/dev/null
 }
 
-# build_miniz native|windows: two files, unchanged, as one static library with a CMake package.
+# A prefix a platform, native or windows, and in it a mark for each library and version that it holds.
+built() { [ -e "$deps_dir/$1/.$2-$3" ]; }
+mark_built() { touch "$deps_dir/$1/.$2-$3"; }
+header_version() { dpkg-query -W -f '${Version}' "$1" | tr -c 'A-Za-z0-9.\n' '_'; }
+
+unpack_source() {
+  # unpack_source SUITE PACKAGE FOLDER [tar arguments]: a source package's original archive, without its top folder.
+  local archive
+  archive=$(fetch_source "$1" "$2")
+  mkdir -p "$3"
+  tar -xf "$archive" -C "$3" --strip-components=1 "${@:4}"
+}
+
+cmake_install() {
+  # cmake_install PLATFORM SOURCE-FOLDER arguments...: configures, builds and installs into the platform's prefix.
+  local platform=$1 source=$2 arguments=()
+  shift 2
+  [ "$platform" = native ] || arguments=(-DCMAKE_TOOLCHAIN_FILE="$here/../cmake/mingw.cmake" -DOVI_DEPS_WINDOWS="$deps_dir/windows")
+  cmake -S "$source" -B "$source/build-$platform" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_INSTALL_PREFIX="$deps_dir/$platform" ${arguments[@]+"${arguments[@]}"} "$@" >/dev/null
+  cmake --build "$source/build-$platform" --target install >/dev/null
+}
+
+# miniz: two files, unchanged, as one static library with a CMake package.
 build_miniz() {
-  local prefix="$deps_dir/$1" mark="$deps_dir/$1/.miniz-1"
-  [ -e "$mark" ] && return 0
-  say "building miniz for $1"
-  local archive work
-  archive=$(fetch_source "$source_suite" r-cran-zip)
+  local platform=$1 work
+  built "$platform" miniz 1 && return 0
+  say "building miniz for $platform"
   work=$(mktemp -d)
-  tar -xf "$archive" -C "$work" --strip-components=1 --wildcards '*/src/miniz.c' '*/src/miniz.h'
+  unpack_source "$source_suite" r-cran-zip "$work" --wildcards '*/src/miniz.c' '*/src/miniz.h'
   cp "$here/lib/miniz.cmake" "$work/CMakeLists.txt"
-  cmake -S "$work" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" \
-    ${toolchain_arguments[@]+"${toolchain_arguments[@]}"} >/dev/null
-  cmake --build "$work/build" --target install >/dev/null
+  cmake_install "$platform" "$work"
   rm -rf "$work"
-  touch "$mark"
+  mark_built "$platform" miniz 1
+}
+
+# Boost.Filesystem: the distribution's static library cannot go into a shared one, and none exists for Windows.
+build_boost() {
+  local platform=$1 version package work
+  package=$(dpkg-query -W -f '${db:Status-Abbrev} ${Package}\n' 'libboost-filesystem1*-dev' | sed -n 's/^ii  *//p' | head -n 1)
+  version=$(header_version "$package")
+  built "$platform" boost "$version" && return 0
+  say "building Boost.Filesystem for $platform"
+  work=$(mktemp -d)
+  unpack_source "$(own_suite)" "boost$(sed 's/^libboost-filesystem\(.*\)-dev$/\1/' <<<"$package")" "$work" \
+    --wildcards '*/libs/filesystem/src/*'
+  mkdir -p "$deps_dir/$platform/include"
+  ln -sfn /usr/include/boost "$deps_dir/$platform/include/boost"
+  cp "$here/lib/boost.cmake" "$work/CMakeLists.txt"
+  cmake_install "$platform" "$work"
+  rm -rf "$work"
+  mark_built "$platform" boost "$version"
 }

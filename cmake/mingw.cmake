@@ -1,0 +1,27 @@
+# Builds for 64-bit Windows with mingw-w64 on a Linux machine; tests run under Wine.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+# Everything of the compiler's own runtime goes inside, so that no file of it has to be shipped.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+set(CMAKE_MODULE_LINKER_FLAGS_INIT "-static")
+
+if(NOT DEFINED OVI_DEPS_WINDOWS)
+  if(DEFINED ENV{OVI_DEPS_DIR})
+    set(OVI_DEPS_WINDOWS "$ENV{OVI_DEPS_DIR}/windows")
+  elseif(DEFINED ENV{XDG_CACHE_HOME})
+    set(OVI_DEPS_WINDOWS "$ENV{XDG_CACHE_HOME}/ovi-deps/windows")
+  else()
+    set(OVI_DEPS_WINDOWS "$ENV{HOME}/.cache/ovi-deps/windows")
+  endif()
+endif()
+set(CMAKE_FIND_ROOT_PATH "${OVI_DEPS_WINDOWS}" /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_CROSSCOMPILING_EMULATOR wine)
