@@ -1,0 +1,4 @@
+/// The namespace GenApi.
+#pragma once
+
+#include "Base/GCNamespace.h"
