@@ -1,0 +1,99 @@
+// Registered events: waiting for them, reading them, and ending waits from another thread.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "gentl/base_module.h"
+#include "gentl/export_table.h"
+
+namespace GenTLCpp {
+
+class DataStream;
+
+/** Made by registerEvent of a module; unregisters itself at the end. Operations throw GenTLException. */
+class Event : public BaseModule {
+ public:
+  static constexpr int kModuleType = kEventModule;
+
+  Event(std::shared_ptr<BaseModule> module, EVENT_TYPE eventType, EVENT_HANDLE handle);
+  ~Event() override;
+
+  // An event has no open state of its own.
+  GC_ERROR closeModule() override { return GC_ERR_SUCCESS; }
+  bool isClosed() const override { return false; }
+  bool isOpen() const override { return false; }
+  bool isAccessible() const override { return parent_->isAccessible(); }
+  int moduleType() const override { return kModuleType; }
+  std::shared_ptr<Event> registerEvent(EVENT_TYPE /*eventType*/) override { return nullptr; }
+  LibraryHandle getLibraryHandle() const override { return parent_->getLibraryHandle(); }
+
+  /** The module that the event is registered on. */
+  const std::shared_ptr<BaseModule>& getParent() const noexcept { return parent_; }
+  EVENT_TYPE getEventType() const noexcept { return eventType_; }
+
+  /**
+   * Waits for the event and copies its data. Holds no lock while it waits.
+   *
+   * @param timeout  milliseconds, GENTL_INFINITE for ever
+   * @return the number of bytes that the producer wrote, at most `size`
+   * @throws TimeoutException; AbortException after a kill; ClosedException when the module is closed
+   */
+  std::size_t getData(void* buffer, std::size_t size, std::uint64_t timeout);
+
+  /** One info about data of getData, as the producer gives it; the status is not checked.
+   * @param outSize  in: room in `out`; out: bytes written, or needed when `out` is null */
+  GC_ERROR getDataInfo(const void* buffer, std::size_t size, EVENT_DATA_INFO_CMD cmd, INFO_DATATYPE* type, void* out,
+                       std::size_t* outSize) const {
+    return functions_.EventGetDataInfo(eventHandle(), buffer, size, cmd, type, out, outSize);
+  }
+  /** The event's number. */
+  std::uint64_t getDataNumericId(const void* buffer, std::size_t size) const;
+  std::size_t getMaxDataSize() const;
+  void flush();
+  /** Ends one wait: one that is under way, or else the next. */
+  void kill();
+  /** Ends the waits that are under way; later ones are not touched. May be called from any thread, and never throws. */
+  void endWaits() noexcept;
+
+  /** Once, and only while the module is open. The producer's status is ignored. */
+  void unregister() noexcept;
+  bool isUnregistered() const noexcept { return unregistered_.load(); }
+
+ protected:
+  EVENT_HANDLE eventHandle() const noexcept { return getRawHandle(); }
+
+  /** EventGetData with this thread counted as waiting; the status is checked. @return bytes written */
+  std::size_t wait(void* buffer, std::size_t size, std::uint64_t timeout);
+
+ private:
+  std::shared_ptr<BaseModule> parent_;
+  EVENT_TYPE eventType_;
+  EventFunctions functions_;
+  EVENTSRC_HANDLE moduleHandle_;
+  std::atomic<bool> unregistered_{false};
+
+  // A kill of endWaits that its waiter did not need, because data came first, hits the next wait; that wait tells by
+  // these that nobody meant it. endings_ counts the calls of endWaits, owedKills_ its kills that no wait has met yet.
+  std::atomic<std::uint32_t> waiters_{0};
+  std::atomic<std::uint32_t> endings_{0};
+  std::atomic<std::int32_t> owedKills_{0};
+};
+
+/** The event of a filled buffer; its module is a DataStream. */
+class NewBufferEvent : public Event {
+ public:
+  NewBufferEvent(const std::shared_ptr<DataStream>& stream, EVENT_HANDLE handle);
+  ~NewBufferEvent() override;
+
+  std::shared_ptr<DataStream> getStream() const;
+
+  /** Waits for a filled buffer. Allocates nothing and holds no lock. Throws as getData does, but for a closed module.
+   */
+  EVENT_NEW_BUFFER_DATA waitForBuffer(std::uint64_t timeout);
+};
+
+}  // namespace GenTLCpp

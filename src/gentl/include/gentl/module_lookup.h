@@ -1,0 +1,48 @@
+// From handles to modules, and from a module to the one above it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+
+#include "core/handle_registry.h"
+#include "gentl/base_module.h"
+#include "gentl/event.h"
+#include "ovi/ovi.h"
+
+namespace OVI {
+
+/**
+ * The module behind a handle, if it is of class T: TransportLayer, TLInterface, Device, DataStream, Buffer, Event,
+ * NewBufferEvent, or BaseModule for any.
+ *
+ * @return Success, or NotFound (-104) with `out` empty
+ */
+template<class T>
+oviErr lookupModule(std::uint64_t handle, std::shared_ptr<T>& out) {
+  std::shared_ptr<GenTLCpp::BaseModule> module = HandleRegistry::instance().find(handle);
+  out.reset();
+  if (module == nullptr) {
+    return OVI_ERR_NOT_FOUND;
+  }
+  if constexpr (std::is_same_v<T, GenTLCpp::BaseModule>) {
+    out = std::move(module);
+  } else if constexpr (std::is_same_v<T, GenTLCpp::NewBufferEvent>) {
+    out = std::dynamic_pointer_cast<T>(module);
+  } else if (module->moduleType() == T::kModuleType) {
+    out = std::static_pointer_cast<T>(std::move(module));
+  }
+  return out != nullptr ? OVI_SUCCESS : OVI_ERR_NOT_FOUND;
+}
+
+/** The module above: buffer, stream, device, interface, system; what an event is registered on. Empty for a system. */
+std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& module);
+
+/** Ends the waits for filled buffers that are under way on a stream. */
+void endStreamWaits(std::uint64_t streamHandle);
+/** The same on all streams of a device. */
+void endDeviceWaits(std::uint64_t deviceHandle);
+/** Ends all waits for events that are under way, of whatever kind. */
+void endAllWaits();
+
+}  // namespace OVI

@@ -1,0 +1,68 @@
+// What the library asks of the operating system; posix/ and windows/ answer it, and only they see system headers.
+//
+// Narrow text is what the C interface takes and gives: UTF-8 outside Windows, the ANSI code page there.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace OVI::platform {
+
+/** A loaded library; null when there is none. */
+using LibraryHandle = void*;
+
+/** Loads a library with its symbols kept to itself; the libraries that it needs are looked for in its own folder too.
+ * @return null when it cannot be loaded; lastErrorText then says why, until this thread's next call */
+LibraryHandle loadLibrary(const std::string& path);
+/** The entry point of that name, or null. */
+void* resolve(LibraryHandle library, const char* name) noexcept;
+void unload(LibraryHandle library) noexcept;
+
+/** The system's words for the calling thread's last failed call of this header, as the system gives them. */
+std::string lastErrorText();
+
+/** The local path of a file URL, percent-decoded; empty when the URL names no local file. */
+std::string urlToPath(const std::string& url);
+
+/** The folder of documents that all users of the machine share. */
+std::optional<std::string> publicDocuments();
+
+/** The folder for temporary files, as the system gives it. */
+std::string tempDirectory();
+
+/** Runs a shell command and returns what it prints to standard output; nothing when it cannot be started. */
+std::optional<std::string> runAndRead(const std::string& command);
+
+/** A file's whole content; nothing when it cannot be opened. Others may have it open. */
+std::optional<std::string> readFile(const std::string& path);
+
+/** Time of a clock that never goes back, from an arbitrary start. */
+std::uint64_t monotonicNanoseconds() noexcept;
+
+/** Writes to the debugger's channel; where there is none, nothing happens. */
+void debugOutput(const std::string& text) noexcept;
+void debugOutput(const std::wstring& text) noexcept;
+
+/** Narrow text for a log message of either character type; what the code page lacks is replaced. */
+inline const std::string& narrow(const std::string& text) {
+  return text;
+}
+std::string narrow(const std::wstring& text);
+
+/** Narrow text to UTF-8 and back. */
+std::string toUtf8(const std::string& narrowText);
+std::string fromUtf8(const std::string& utf8Text);
+
+/** What a crash handler needs to know beforehand. */
+struct CrashHandlerOptions {
+  std::string directory;       // Where the report is written, as tempDirectory gives it.
+  std::string supportAddress;  // Named in the message to the user.
+  bool quiet = false;          // No message boxes.
+};
+
+/** Installs the handler that writes a report about a crash and ends the process; once per process, the first counts.
+ * @return whether this call installed it */
+bool installCrashHandler(const CrashHandlerOptions& options);
+
+}  // namespace OVI::platform
