@@ -1,0 +1,210 @@
+// Handlers of fatal signals that write a text report with async-signal-safe calls only, after which the system's own
+// default action follows.
+#include <execinfo.h>
+#include <fcntl.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the POSIX parts of it
+#include <sys/syscall.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <ctime>
+#include <exception>
+#include <memory>
+#include <typeinfo>
+
+#include "dump_name.h"
+#include "platform/platform.h"
+#include "posix/signal_safe.h"
+
+namespace OVI::platform {
+
+namespace {
+
+struct FatalSignal {
+  int number;
+  const char* name;
+};
+
+constexpr std::array kFatalSignals = {
+    FatalSignal{SIGSEGV, "SIGSEGV (invalid memory access)"},
+    FatalSignal{SIGBUS, "SIGBUS (bad address)"},
+    FatalSignal{SIGILL, "SIGILL (illegal instruction)"},
+    FatalSignal{SIGFPE, "SIGFPE (arithmetic fault)"},
+    FatalSignal{SIGABRT, "SIGABRT (abort)"},
+    FatalSignal{SIGSYS, "SIGSYS (bad system call)"},
+    FatalSignal{SIGTRAP, "SIGTRAP (trap)"},
+};
+
+// Everything that the handler needs is made before the crash: nothing is allocated or locked in it.
+struct CrashState {
+  std::array<char, PATH_MAX> directory{};
+  std::array<char, NAME_MAX + 1> executable{};
+  std::array<char, 256> support{};
+  std::array<char, 512> exceptionText{};
+  bool quiet = false;
+  std::terminate_handler previousTerminate = nullptr;
+};
+
+CrashState state;
+std::atomic_flag reportStarted;
+
+void copyText(char* to, std::size_t size, const char* from) {
+  const std::size_t length = std::min(std::strlen(from), size - 1);
+  std::memcpy(to, from, length);
+  to[length] = 0;
+}
+
+const char* signalName(int number) noexcept {
+  for (const FatalSignal& signal : kFatalSignals)
+    if (signal.number == number)
+      return signal.name;
+  return "unknown signal";
+}
+
+std::uintptr_t instructionPointer(const void* context) noexcept {
+#if defined(__x86_64__)
+  return static_cast<std::uintptr_t>(static_cast<const ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP]);
+#elif defined(__aarch64__)
+  return static_cast<const ucontext_t*>(context)->uc_mcontext.pc;
+#else
+  static_cast<void>(context);
+  return 0;
+#endif
+}
+
+void writeBacktrace(SignalSafeWriter& report, std::uintptr_t crashedAt) noexcept {
+  constexpr int kMaxFrames = 64;
+  std::array<void*, kMaxFrames> frames{};
+  const int count = backtrace(frames.data(), kMaxFrames);
+  // The frames of this handler stand before the one that crashed.
+  int first = 0;
+  for (int i = 0; i < count; ++i)
+    if (reinterpret_cast<std::uintptr_t>(frames.at(static_cast<std::size_t>(i))) == crashedAt)
+      first = i;
+  for (int i = first, number = 0; i < count; ++i, ++number) {
+    const auto address = reinterpret_cast<std::uintptr_t>(frames.at(static_cast<std::size_t>(i)));
+    report.text("  #").decimal(static_cast<std::uint64_t>(number)).text(" ").hexadecimal(address).text(" ");
+    // A return address may lie just behind its function's end; the call itself lies before it.
+    writeSymbol(report, i == first ? address : address - 1);
+    report.text("\n");
+  }
+}
+
+void writeReport(int file, int number, const siginfo_t* information, const void* context,
+                 std::int64_t seconds) noexcept {
+  SignalSafeWriter report(file);
+  report.text("Crash report of ").text(state.executable.data()).text("\n\n");
+  report.text("time: ").utcTime(seconds).text("\n");
+  report.text("signal: ").decimal(static_cast<std::uint64_t>(number)).text(", ").text(signalName(number)).text("\n");
+  if (state.exceptionText.front() != 0)
+    report.text("uncaught exception: ").text(state.exceptionText.data()).text("\n");
+  report.text("address: ").hexadecimal(reinterpret_cast<std::uintptr_t>(information->si_addr)).text("\n");
+  report.text("instruction: ").hexadecimal(instructionPointer(context)).text("\n");
+  report.text("process: ").decimal(static_cast<std::uint64_t>(getpid())).text("\n");
+  report.text("thread: ").decimal(static_cast<std::uint64_t>(syscall(SYS_gettid))).text("\n");
+  report.text("\nbacktrace:\n");
+  writeBacktrace(report, instructionPointer(context));
+  report.text("\nloaded modules:\n");
+  writeModules(report);
+}
+
+void report(int number, const siginfo_t* information, const void* context) noexcept {
+  const std::int64_t seconds = std::time(nullptr);
+  std::array<char, PATH_MAX + NAME_MAX + 32> name{};
+  composeDumpName(name.data(), name.size(), state.directory.data(), state.executable.data(), seconds);
+  const int file = open(name.data(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  const int error = errno;
+  SignalSafeWriter console(state.quiet ? -1 : STDERR_FILENO);
+  if (file < 0) {
+    console.text("Failed to create dump file '").text(name.data()).text("' (error ");
+    console.decimal(static_cast<std::uint64_t>(error)).text(")\n");
+    return;
+  }
+  writeReport(file, number, information, context, seconds);
+  close(file);
+  console.text("There was an unexpected error:\n\n").text(state.exceptionText.data());
+  console.text("\nPlease send the following dump file to ").text(state.support.data());
+  console.text(" together with a short description of the error case:\n\nFilename: ").text(name.data()).text("\n");
+}
+
+void handleSignal(int number, siginfo_t* information, void* context) {
+  const int savedErrno = errno;
+  struct sigaction byDefault {};
+  byDefault.sa_handler = SIG_DFL;
+  for (const FatalSignal& signal : kFatalSignals)
+    sigaction(signal.number, &byDefault, nullptr);
+  if (!reportStarted.test_and_set())
+    report(number, information, context);
+  errno = savedErrno;
+  // A fault happens again on return and meets the default action; a signal that was sent has to be sent again.
+  if (information->si_code <= 0 || number == SIGABRT || number == SIGTRAP)
+    syscall(SYS_tgkill, getpid(), syscall(SYS_gettid), number);
+}
+
+// Keeps what an uncaught exception says for the report of the abort that follows.
+[[noreturn]] void handleTerminate() {
+  if (const std::exception_ptr current = std::current_exception()) {
+    try {
+      std::rethrow_exception(current);
+    } catch (const std::exception& exception) {
+      copyText(state.exceptionText.data(), state.exceptionText.size(), typeid(exception).name());
+      const std::size_t used = std::strlen(state.exceptionText.data());
+      if (used + 3 < state.exceptionText.size()) {
+        copyText(state.exceptionText.data() + used, 3, ": ");
+        copyText(state.exceptionText.data() + used + 2, state.exceptionText.size() - used - 2, exception.what());
+      }
+    } catch (...) {
+      copyText(state.exceptionText.data(), state.exceptionText.size(), "of an unknown type");
+    }
+  }
+  if (state.previousTerminate != nullptr)
+    state.previousTerminate();
+  std::abort();
+}
+
+// The handler runs on a stack of its own, so that a stack overflow of the installing thread is reported too.
+void installSignalStack() {
+  constexpr std::size_t kStackSize = 256 * 1024;
+  static const std::unique_ptr<char[]> stack(new char[kStackSize]);
+  stack_t alternative{};
+  alternative.ss_sp = stack.get();
+  alternative.ss_size = kStackSize;
+  sigaltstack(&alternative, nullptr);
+}
+
+}  // namespace
+
+bool installCrashHandler(const CrashHandlerOptions& options) {
+  static std::atomic_flag installed;
+  if (installed.test_and_set())
+    return false;
+
+  copyText(state.directory.data(), state.directory.size(), options.directory.c_str());
+  copyText(state.support.data(), state.support.size(), options.supportAddress.c_str());
+  state.quiet = options.quiet;
+  std::array<char, PATH_MAX> path{};
+  const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
+  const char* separator = length > 0 ? std::strrchr(path.data(), '/') : nullptr;
+  copyText(state.executable.data(), state.executable.size(), separator != nullptr ? separator + 1 : "unknown");
+
+  // The first backtrace loads the unwinder, which a signal handler must not do.
+  std::array<void*, 4> frames{};
+  backtrace(frames.data(), static_cast<int>(frames.size()));
+
+  installSignalStack();
+  state.previousTerminate = std::set_terminate(handleTerminate);
+  struct sigaction action {};
+  action.sa_sigaction = handleSignal;
+  action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+  sigemptyset(&action.sa_mask);
+  for (const FatalSignal& signal : kFatalSignals)
+    sigaction(signal.number, &action, nullptr);
+  return true;
+}
+
+}  // namespace OVI::platform
