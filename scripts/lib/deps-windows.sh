@@ -33,12 +33,12 @@ link_windows_headers() {
   mkdir -p "$windows_prefix/include" "$windows_prefix/share/cmake" "$windows_prefix/lib/cmake"
   ln -sfn /usr/include/plog "$windows_prefix/include/plog"
   ln -sfn /usr/include/CLI "$windows_prefix/include/CLI"
+  ln -sfn /usr/include/nlohmann "$windows_prefix/include/nlohmann"
 }
 
 build_windows_dependencies() {
   mkdir -p "$windows_prefix"
   link_windows_headers
-  
   build_miniz windows
   build_boost windows
   build_windows_library pugixml pugixml libpugixml-dev -DBUILD_SHARED_LIBS=OFF
