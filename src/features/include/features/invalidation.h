@@ -1,0 +1,26 @@
+// Callbacks when a feature changes, and the feature objects of a module.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "gentl/base_module.h"
+#include "gentl/feature.h"
+#include "gentl/feature_list.h"
+#include "ovi/ovi.h"
+
+namespace OVI {
+
+/** The feature list of the module that handle and selector pick. Success with an empty `out` is possible. */
+oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
+                               std::shared_ptr<GenTLCpp::FeatureList>& out);
+
+/** The feature object of a name in a feature list, which may be empty; NotFound (-104) when there is none. */
+oviErr getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features, const char* name,
+                            std::shared_ptr<GenTLCpp::Feature>& out);
+
+oviErr oviRegisterInvalidateCB(std::uint64_t handle, const char* name, void* context, oviInvalidateCallback callback,
+                               std::uint32_t selector);
+oviErr oviUnRegisterInvalidateCB(std::uint64_t handle, const char* name, std::uint32_t selector);
+
+}  // namespace OVI
