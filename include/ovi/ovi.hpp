@@ -1,0 +1,655 @@
+/// The library in C++17: owners that close what they opened, results as exceptions, features with types, images as
+/// ranges.
+///
+/// A thin layer over ovi.h: every call is one call of the C interface, everything has its native handle at hand, and
+/// nothing here can do what ovi.h cannot. Threads, lifetimes and results are those of the C functions.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "ovi/ovi.h"
+
+namespace ovi {
+
+// ---- Results
+// ----------------------------------------------------------------------------------------------------------
+
+/// The category of the library's codes, for std::error_code.
+inline const std::error_category& category() {
+  class Category final : public std::error_category {
+    const char* name() const noexcept override { return "ovi"; }
+    std::string message(int code) const override {
+      char text[512] = {};
+      oviGetErrorDescription(code, text, sizeof(text));
+      return text;
+    }
+  };
+  static const Category instance;
+  return instance;
+}
+
+inline std::error_code makeErrorCode(oviErr code) {
+  return {code, category()};
+}
+
+/// A function of the library failed; code() says how, what() names the function and the thing.
+class Error : public std::system_error {
+ public:
+  Error(oviErr code, const std::string& what) : std::system_error(makeErrorCode(code), what), result_(code) {}
+  oviErr result() const noexcept { return result_; }
+
+ private:
+  oviErr result_;
+};
+
+/// Throws Error unless the code is success.
+inline void check(oviErr code, const char* function, std::string_view subject = {}) {
+  if (code == OVI_SUCCESS)
+    return;
+  std::string text = function;
+  if (!subject.empty())
+    text.append("(").append(subject).append(")");
+  throw Error(code, text);
+}
+
+using Milliseconds = std::chrono::milliseconds;
+
+/// A time-out that never passes.
+inline constexpr Milliseconds kForever = Milliseconds::max();
+
+namespace detail {
+
+inline std::uint64_t timeoutValue(Milliseconds timeout) {
+  if (timeout == kForever)
+    return OVI_INFINITE_TIMEOUT;
+  return timeout.count() < 0 ? 0U : static_cast<std::uint64_t>(timeout.count());
+}
+
+}  // namespace detail
+
+// ---- The library
+// ------------------------------------------------------------------------------------------------------
+
+enum class LogLevel : std::uint32_t { kNone = 0, kError = 1, kWarning = 2, kInfo = 4, kDebug = 8, kVerbose = 16 };
+
+using DeviceInfo = oviDeviceInfo;
+using LogFunction = std::function<void(LogLevel, std::string_view)>;
+using DiscoveryFunction = std::function<void(const oviDiscoveryInfo&)>;
+
+/// Initialises the library and closes it again. One at a time in a process.
+///
+/// The log level of the first Library of a process stays in force for all later ones. The log function is called on
+/// whatever thread logs, one call at a time; an exception that leaves it is dropped.
+class Library {
+ public:
+  explicit Library(LogLevel level = LogLevel::kWarning, LogFunction log = {}) {
+    LogSlot& slot = logSlot();
+    {
+      const std::lock_guard<std::mutex> lock(slot.mutex);
+      slot.function = std::move(log);
+    }
+    // The library appends its callback once more at every initialisation that names one, so it is named once a process.
+    const bool first = !std::exchange(slot.attached, true);
+    check(oviInit(static_cast<std::uint32_t>(level), first ? &Library::forwardLog : nullptr, nullptr), "oviInit");
+  }
+  ~Library() {
+    oviClose();
+    LogSlot& slot = logSlot();
+    const std::lock_guard<std::mutex> lock(slot.mutex);
+    slot.function = nullptr;
+  }
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  /// Finds cameras. The search path is added to the environment's, or replaces it.
+  std::vector<DeviceInfo> discover(Milliseconds timeout = Milliseconds(1000), const DiscoveryFunction& progress = {},
+                                   const std::string& searchPath = {}, bool searchPathOnly = false) const {
+    const auto info = std::make_unique<oviDiscoveryInfo>();
+    progressFunction() = progress ? &progress : nullptr;
+    const oviErr code = oviDiscoverDevices(
+        info.get(), detail::timeoutValue(timeout), progress ? &forwardProgress : nullptr,
+        searchPath.empty() && !searchPathOnly ? nullptr : searchPath.c_str(), searchPathOnly ? 1 : 0);
+    progressFunction() = nullptr;
+    check(code, "oviDiscoverDevices");
+    return devices();
+  }
+
+  /// The cameras of the latest discovery, all of them.
+  std::vector<DeviceInfo> devices() const {
+    std::vector<DeviceInfo> found;
+    const auto record = std::make_unique<oviDeviceInfo>();
+    for (std::uint32_t i = 0; oviGetDeviceInfo(i, record.get()) == OVI_SUCCESS; ++i)
+      found.push_back(*record);
+    return found;
+  }
+
+  /// Producer files on the search path, whether they load or not.
+  std::vector<std::string> producers() const {
+    std::uint32_t count = 0;
+    check(oviGetNumberOfTLProducers(&count), "oviGetNumberOfTLProducers");
+    std::vector<std::string> paths;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      char path[4096] = {};
+      if (oviGetTLProducerPathByIndex(path, sizeof(path), i) == OVI_SUCCESS)
+        paths.emplace_back(path);
+    }
+    return paths;
+  }
+
+  static std::string version() {
+    std::uint32_t major = 0;
+    std::uint32_t minor = 0;
+    std::uint32_t patch = 0;
+    std::uint32_t build = 0;
+    oviGetLibraryVersion(&major, &minor, &patch, &build);
+    return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
+  }
+
+ private:
+  struct LogSlot {
+    std::mutex mutex;
+    LogFunction function;
+    bool attached = false;
+  };
+  static LogSlot& logSlot() {
+    static LogSlot slot;
+    return slot;
+  }
+  static void OVI_CALL forwardLog(std::uint32_t level, const char* message, void* /*userData*/) {
+    LogSlot& slot = logSlot();
+    const std::lock_guard<std::mutex> lock(slot.mutex);
+    try {
+      if (slot.function)
+        slot.function(static_cast<LogLevel>(level), message);
+    } catch (...) {  // An exception must not reach the library.
+    }
+  }
+  // The C callback has no context; it runs on the thread that discovers, so each thread has a place of its own.
+  static const DiscoveryFunction*& progressFunction() {
+    static thread_local const DiscoveryFunction* function = nullptr;
+    return function;
+  }
+  static void OVI_CALL forwardProgress(oviDiscoveryInfo* info) {
+    try {
+      if (progressFunction() != nullptr)
+        (*progressFunction())(*info);
+    } catch (...) {  // An exception must not reach the library.
+    }
+  }
+};
+
+// ---- Features
+// ---------------------------------------------------------------------------------------------------------
+
+/// Which module's features are meant.
+enum class Module : std::uint32_t {
+  kSystem = OVI_MODULE_SYSTEM,
+  kInterface = OVI_MODULE_INTERFACE,
+  kRemoteDevice = OVI_MODULE_REMOTE_DEVICE,
+  kLocalDevice = OVI_MODULE_LOCAL_DEVICE,
+  kDataStream = OVI_MODULE_DATA_STREAM,
+  kBuffer = OVI_MODULE_BUFFER
+};
+
+using FeatureParameter = oviFeatureParameter;
+
+/// One feature by its name: a reference that costs nothing until it is used. Outlives neither its module nor the
+/// library.
+class Feature {
+ public:
+  Feature(std::uint64_t handle, Module module, std::string name)
+      : handle_(handle),
+        module_(module),
+        name_(std::move(name)) {}
+
+  const std::string& name() const noexcept { return name_; }
+
+  std::int64_t asInt() const {
+    std::int64_t value = 0;
+    check(oviGetFeatureInt(handle_, name_.c_str(), &value, selector()), "oviGetFeatureInt", name_);
+    return value;
+  }
+  double asFloat() const {
+    double value = 0;
+    check(oviGetFeatureFloat(handle_, name_.c_str(), &value, selector()), "oviGetFeatureFloat", name_);
+    return value;
+  }
+  bool asBool() const {
+    bool value = false;
+    check(oviGetFeatureBool(handle_, name_.c_str(), &value, selector()), "oviGetFeatureBool", name_);
+    return value;
+  }
+  /// A string's value, or the name of an enumeration's current entry.
+  std::string asString() const {
+    std::size_t size = 0;
+    check(oviGetFeatureString(handle_, name_.c_str(), nullptr, &size, selector()), "oviGetFeatureString", name_);
+    std::string value(size, '\0');
+    check(oviGetFeatureString(handle_, name_.c_str(), value.data(), &size, selector()), "oviGetFeatureString", name_);
+    value.resize(std::char_traits<char>::length(value.c_str()));
+    return value;
+  }
+  /// The value of any kind of feature as text.
+  std::string text() const {
+    char value[512] = {};
+    check(oviGetFeatureOnModule(handle_, name_.c_str(), value, selector()), "oviGetFeatureOnModule", name_);
+    return value;
+  }
+  std::vector<std::uint8_t> asRegister() const {
+    std::int64_t length = 0;
+    check(oviGetFeatureReg(handle_, name_.c_str(), nullptr, &length, selector()), "oviGetFeatureReg", name_);
+    std::vector<std::uint8_t> value(static_cast<std::size_t>(length < 0 ? 0 : length));
+    if (!value.empty())
+      check(oviGetFeatureReg(handle_, name_.c_str(), value.data(), &length, selector()), "oviGetFeatureReg", name_);
+    return value;
+  }
+
+  void set(std::int64_t value) const {
+    check(oviSetFeatureInt(handle_, name_.c_str(), value, selector()), "oviSetFeatureInt", name_);
+  }
+  void set(int value) const { set(static_cast<std::int64_t>(value)); }
+  void set(double value) const {
+    check(oviSetFeatureFloat(handle_, name_.c_str(), value, selector()), "oviSetFeatureFloat", name_);
+  }
+  void set(bool value) const {
+    check(oviSetFeatureBool(handle_, name_.c_str(), value, selector()), "oviSetFeatureBool", name_);
+  }
+  /// A string's value, or the name of an enumeration's entry.
+  void set(const std::string& value) const {
+    check(oviSetFeatureString(handle_, name_.c_str(), value.c_str(), selector()), "oviSetFeatureString", name_);
+  }
+  void set(const char* value) const { set(std::string(value)); }
+  void set(const std::vector<std::uint8_t>& value) const {
+    check(oviSetFeatureReg(handle_, name_.c_str(), value.data(), static_cast<std::int64_t>(value.size()), selector()),
+          "oviSetFeatureReg", name_);
+  }
+
+  /// Executes a command; does not wait until it is done.
+  void execute() const { check(oviExecuteCommand(handle_, name_.c_str(), selector()), "oviExecuteCommand", name_); }
+  /// Whether a command is still being executed.
+  bool isActive() const {
+    bool active = false;
+    check(oviIsCommandActive(handle_, name_.c_str(), &active, selector()), "oviIsCommandActive", name_);
+    return active;
+  }
+
+  /// Kind, access, value, limits, texts.
+  FeatureParameter parameter() const {
+    FeatureParameter record{};
+    check(oviGetFeatureParameter(handle_, name_.c_str(), &record, selector()), "oviGetFeatureParameter", name_);
+    return record;
+  }
+  bool exists() const {
+    FeatureParameter record{};
+    return oviGetFeatureParameter(handle_, name_.c_str(), &record, selector()) != OVI_ERR_NOT_FOUND;
+  }
+  /// The available entries of an enumeration.
+  std::vector<FeatureParameter> entries() const {
+    std::uint32_t count = 0;
+    check(oviGetFeatureEnumEntryCount(handle_, name_.c_str(), &count, selector()), "oviGetFeatureEnumEntryCount",
+          name_);
+    std::vector<FeatureParameter> list;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      FeatureParameter record{};
+      if (oviGetFeatureEnumEntryByIndex(handle_, name_.c_str(), static_cast<std::int32_t>(i), &record, selector()) ==
+          OVI_SUCCESS)
+        list.push_back(record);
+    }
+    return list;
+  }
+  /// The features below a category or behind a selector.
+  std::vector<std::string> children() const {
+    std::vector<std::string> names;
+    char name[512] = {};
+    std::uint32_t type = 0;
+    for (std::uint32_t i = 0;
+         oviIterateFeatureTree(handle_, name_.c_str(), i, name, sizeof(name), &type, selector()) == OVI_SUCCESS; ++i)
+      names.emplace_back(name);
+    return names;
+  }
+
+ private:
+  std::uint32_t selector() const noexcept { return static_cast<std::uint32_t>(module_); }
+
+  std::uint64_t handle_;
+  Module module_;
+  std::string name_;
+};
+
+/// Calls a function whenever a feature's value may have changed, until it is destroyed.
+///
+/// The function runs on the thread that changed the value or on the module's poller; an exception that leaves it is
+/// dropped.
+class FeatureWatch {
+ public:
+  FeatureWatch(std::uint64_t handle, Module module, std::string name, std::function<void(const char*)> changed)
+      : handle_(handle),
+        module_(module),
+        name_(std::move(name)),
+        changed_(std::make_unique<std::function<void(const char*)>>(std::move(changed))) {
+    check(oviRegisterInvalidateCB(handle_, name_.c_str(), changed_.get(), &FeatureWatch::forward,
+                                  static_cast<std::uint32_t>(module_)),
+          "oviRegisterInvalidateCB", name_);
+  }
+  ~FeatureWatch() {
+    if (changed_)
+      oviUnRegisterInvalidateCB(handle_, name_.c_str(), static_cast<std::uint32_t>(module_));
+  }
+  FeatureWatch(FeatureWatch&&) = default;
+  FeatureWatch& operator=(FeatureWatch&&) = delete;
+
+ private:
+  static void OVI_CALL forward(const char* name, void* context) {
+    try {
+      (*static_cast<std::function<void(const char*)>*>(context))(name);
+    } catch (...) {  // An exception must not reach the library.
+    }
+  }
+
+  std::uint64_t handle_;
+  Module module_;
+  std::string name_;
+  std::unique_ptr<std::function<void(const char*)>> changed_;
+};
+
+// ---- Images
+// -----------------------------------------------------------------------------------------------------------
+
+/// A filled buffer, lent by the stream; given back when it is destroyed.
+class Image {
+ public:
+  Image(std::uint64_t stream, oviNewBufferEventData* record) noexcept : stream_(stream), record_(record) {}
+  ~Image() { release(); }
+  Image(Image&& other) noexcept : stream_(other.stream_), record_(std::exchange(other.record_, nullptr)) {}
+  Image& operator=(Image&& other) noexcept {
+    if (this != &other) {
+      release();
+      stream_ = other.stream_;
+      record_ = std::exchange(other.record_, nullptr);
+    }
+    return *this;
+  }
+
+  const std::uint8_t* data() const noexcept { return static_cast<const std::uint8_t*>(record_->event.value); }
+  std::size_t size() const noexcept { return static_cast<std::size_t>(record_->event.valueSize); }
+  std::uint32_t width() const noexcept { return record_->width; }
+  std::uint32_t height() const noexcept { return record_->height; }
+  std::uint32_t linePitch() const noexcept { return record_->linePitch; }
+  std::uint32_t channels() const noexcept { return record_->channels; }
+  std::uint32_t pixelFormat() const noexcept { return record_->pixelFormat; }
+  std::uint64_t frameID() const noexcept { return record_->frameID; }
+  /// When it was delivered, on the library's monotonic clock.
+  std::chrono::nanoseconds timestamp() const noexcept {
+    return std::chrono::nanoseconds(static_cast<std::int64_t>(record_->timestampNs));
+  }
+  const oviNewBufferEventData& record() const noexcept { return *record_; }
+
+  /// Gives the buffer back now.
+  void release() noexcept {
+    if (record_ != nullptr)
+      oviReleaseImage(stream_, std::exchange(record_, nullptr));
+  }
+
+ private:
+  std::uint64_t stream_;
+  oviNewBufferEventData* record_;
+};
+
+/// A registered event.
+class Event {
+ public:
+  Event(std::uint64_t moduleHandle, std::uint32_t kind, Module module) {
+    check(oviRegisterEvent(moduleHandle, kind, &handle_, static_cast<std::uint32_t>(module)), "oviRegisterEvent");
+  }
+  ~Event() {
+    if (handle_ != 0)
+      oviUnregisterEvent(handle_);
+  }
+  Event(Event&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+  Event& operator=(Event&&) = delete;
+
+  std::uint64_t handle() const noexcept { return handle_; }
+  /// The record of the next event; null when the time is over or the wait was ended. It belongs to the library.
+  void* wait(Milliseconds timeout) const {
+    void* data = nullptr;
+    const oviErr code = oviWaitForEvent(handle_, detail::timeoutValue(timeout), &data);
+    if (code == OVI_ERR_TIMEOUT || code == OVI_ERR_ABORTED)
+      return nullptr;
+    check(code, "oviWaitForEvent");
+    return data;
+  }
+  /// Ends the waits of other threads.
+  void kill() const { check(oviEventKill(handle_), "oviEventKill"); }
+
+ private:
+  std::uint64_t handle_ = 0;
+};
+
+/// An open data stream with its buffers and its new-buffer event.
+class Stream {
+ public:
+  /// @param bufferSize  bytes; 0 lets the library ask the camera
+  Stream(std::uint64_t deviceHandle, std::uint32_t index, std::uint32_t bufferCount, std::uint64_t bufferSize = 0)
+      : handle_(open(deviceHandle, index, bufferCount, bufferSize)),
+        guard_{handle_},
+        event_(handle_, OVI_EVENT_NEW_BUFFER, Module::kDataStream) {}
+  Stream(Stream&&) = default;
+  Stream& operator=(Stream&&) = delete;
+
+  std::uint64_t handle() const noexcept { return handle_; }
+  const Event& event() const noexcept { return event_; }
+
+  /// The next image. Throws Error with OVI_ERR_TIMEOUT, OVI_ERR_ABORTED, or OVI_ERR_INVALID_BUFFER for an incomplete
+  /// one.
+  Image next(Milliseconds timeout = Milliseconds(3000)) const {
+    std::error_code error;
+    oviNewBufferEventData* record = wait(timeout, error);
+    if (error)
+      throw Error(error.value(), "oviWaitForEvent");
+    return {handle_, record};
+  }
+  /// The next image, or none with the reason in error.
+  std::unique_ptr<Image> tryNext(Milliseconds timeout, std::error_code& error) const {
+    oviNewBufferEventData* record = wait(timeout, error);
+    return error ? nullptr : std::make_unique<Image>(handle_, record);
+  }
+  oviAcquistionStatistics statistics() const {
+    oviAcquistionStatistics counters{};
+    check(oviGetAcquisitionStatistics(handle_, &counters), "oviGetAcquisitionStatistics");
+    return counters;
+  }
+
+  /// Images one after the other: `for (ovi::Image& image : stream.images(100))`. Ends early when a wait is ended.
+  class Images {
+   public:
+    Images(const Stream& stream, std::uint64_t count, Milliseconds timeout)
+        : stream_(&stream),
+          count_(count),
+          timeout_(timeout) {}
+    struct End {};
+    class Iterator {
+     public:
+      explicit Iterator(Images& images) : images_(&images) { ++*this; }
+      Image& operator*() const { return *images_->current_; }
+      Iterator& operator++() {
+        images_->advance();
+        return *this;
+      }
+      bool operator!=(End /*end*/) const { return images_->current_ != nullptr; }
+
+     private:
+      Images* images_;
+    };
+    Iterator begin() { return Iterator(*this); }
+    End end() const { return {}; }
+
+   private:
+    void advance() {
+      current_.reset();
+      if (count_ == 0)
+        return;
+      --count_;
+      std::error_code error;
+      current_ = stream_->tryNext(timeout_, error);
+      if (error && error.value() != OVI_ERR_ABORTED)
+        throw Error(error.value(), "oviWaitForEvent");
+    }
+
+    const Stream* stream_;
+    std::uint64_t count_;
+    Milliseconds timeout_;
+    std::unique_ptr<Image> current_;
+  };
+  Images images(std::uint64_t count, Milliseconds timeout = Milliseconds(3000)) const {
+    return {*this, count, timeout};
+  }
+
+ private:
+  // Closes the stream after its event is gone and when registering the event fails.
+  struct Guard {
+    std::uint64_t handle;
+    explicit Guard(std::uint64_t stream) noexcept : handle(stream) {}
+    ~Guard() {
+      if (handle != 0)
+        oviCloseDataStream(handle);
+    }
+    Guard(Guard&& other) noexcept : handle(std::exchange(other.handle, 0)) {}
+    Guard& operator=(Guard&&) = delete;
+  };
+
+  static std::uint64_t open(std::uint64_t device, std::uint32_t index, std::uint32_t count, std::uint64_t size) {
+    std::uint64_t handle = 0;
+    const oviErr code = oviCreateDataStream(device, index, &handle, count, size);
+    if (code != OVI_SUCCESS && handle != 0)
+      oviCloseDataStream(handle);
+    check(code, "oviCreateDataStream");
+    return handle;
+  }
+  oviNewBufferEventData* wait(Milliseconds timeout, std::error_code& error) const {
+    void* data = nullptr;
+    const oviErr code = oviWaitForEvent(event_.handle(), detail::timeoutValue(timeout), &data);
+    error =
+        code == OVI_SUCCESS && data == nullptr ? makeErrorCode(OVI_ERR_NO_IMAGE_DATA_AVAILABLE) : makeErrorCode(code);
+    return static_cast<oviNewBufferEventData*>(data);
+  }
+
+  std::uint64_t handle_;
+  Guard guard_;
+  Event event_;
+};
+
+// ---- Devices
+// ----------------------------------------------------------------------------------------------------------
+
+enum class Access : std::uint32_t {
+  kReadOnly = OVI_DEVICE_ACCESS_READ_ONLY,
+  kControl = OVI_DEVICE_ACCESS_CONTROL,
+  kExclusive = OVI_DEVICE_ACCESS_EXCLUSIVE
+};
+
+/// Called during a file transfer; returns whether to go on.
+using TransferFunction = std::function<bool(const oviFileTransferProgress&)>;
+
+/// An open camera. Streams and features of it must not be used after it is gone.
+class Device {
+ public:
+  /// @param id  the deviceID of a camera of the latest discovery
+  explicit Device(const std::string& id, Access access = Access::kExclusive,
+                  Milliseconds timeout = Milliseconds(1000)) {
+    check(oviOpenDevice(id.c_str(), &handle_, detail::timeoutValue(timeout), static_cast<std::uint32_t>(access)),
+          "oviOpenDevice", id);
+  }
+  ~Device() {
+    if (handle_ != 0)
+      oviCloseDevice(handle_);
+  }
+  Device(Device&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+  Device& operator=(Device&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+
+  std::uint64_t handle() const noexcept { return handle_; }
+
+  Feature feature(std::string name, Module module = Module::kRemoteDevice) const {
+    return {handle_, module, std::move(name)};
+  }
+  Feature operator[](std::string name) const { return feature(std::move(name)); }
+  FeatureWatch watch(std::string name, std::function<void(const char*)> changed,
+                     Module module = Module::kRemoteDevice) const {
+    return {handle_, module, std::move(name), std::move(changed)};
+  }
+
+  std::uint32_t streamCount() const {
+    std::uint32_t count = 0;
+    check(oviGetNumberOfDataStreams(handle_, &count), "oviGetNumberOfDataStreams");
+    return count;
+  }
+  Stream openStream(std::uint32_t bufferCount = 10, std::uint32_t index = 0, std::uint64_t bufferSize = 0) const {
+    return {handle_, index, bufferCount, bufferSize};
+  }
+  Event registerEvent(std::uint32_t kind, Module module) const { return {handle_, kind, module}; }
+
+  void start(std::uint32_t images = OVI_INFINITE_IMAGES) const {
+    check(oviStartAcquisition(handle_, images), "oviStartAcquisition");
+  }
+  void stop() const { check(oviStopAcquisition(handle_), "oviStopAcquisition"); }
+  void abort() const { check(oviAbortAcquisition(handle_), "oviAbortAcquisition"); }
+
+  void readMemory(std::uint64_t address, std::uint8_t* to, std::uint64_t length) const {
+    check(oviReadMemory(handle_, address, to, length), "oviReadMemory");
+  }
+  void writeMemory(std::uint64_t address, const std::uint8_t* from, std::uint64_t length) const {
+    check(oviWriteMemory(handle_, address, from, length), "oviWriteMemory");
+  }
+
+  /// Writes a host file into a camera file.
+  void download(const std::string& path, const std::string& fileSelector, Milliseconds timeout,
+                const TransferFunction& progress = {}) const {
+    transfer(oviFileDownloadToDevice, "oviFileDownloadToDevice", path, fileSelector, timeout, progress);
+  }
+  /// Reads a camera file into a host file.
+  void upload(const std::string& path, const std::string& fileSelector, Milliseconds timeout,
+              const TransferFunction& progress = {}) const {
+    transfer(oviFileUploadFromDevice, "oviFileUploadFromDevice", path, fileSelector, timeout, progress);
+  }
+
+ private:
+  struct TransferContext {
+    const TransferFunction& function;
+    std::exception_ptr exception;
+  };
+  static std::uint8_t OVI_CALL forwardTransfer(const oviFileTransferProgress* progress, void* context) {
+    auto& transfer = *static_cast<TransferContext*>(context);
+    try {
+      return !transfer.exception && transfer.function(*progress) ? 1 : 0;
+    } catch (...) {
+      transfer.exception = std::current_exception();
+      return 0;
+    }
+  }
+  template<class Function>
+  void transfer(Function function, const char* name, const std::string& path, const std::string& selector,
+                Milliseconds timeout, const TransferFunction& progress) const {
+    TransferContext context{progress, nullptr};
+    const oviErr code = function(handle_, path.c_str(), selector.c_str(), detail::timeoutValue(timeout),
+                                 progress ? &Device::forwardTransfer : nullptr, &context);
+    if (context.exception)
+      std::rethrow_exception(context.exception);
+    check(code, name, path);
+  }
+
+  std::uint64_t handle_ = 0;
+};
+
+}  // namespace ovi
