@@ -1,0 +1,125 @@
+// The acquisition engine: when frames begin, when they are complete, and which triggers are missed.
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "camera_core.h"
+#include "frame_plan.h"
+
+namespace vcam {
+
+// What happens inside the camera and may be counted, timed, or sent as an event.
+enum class Signal : std::uint8_t {
+  Off,
+  AcquisitionStart,
+  AcquisitionEnd,
+  FrameStart,
+  ExposureEnd,
+  FrameTriggerMissed,
+  Line0,
+  Timer0End,
+  Timer1End,
+  Counter0End,
+  Counter1End,
+};
+
+enum class TriggerKind : std::uint8_t { FrameStart, AcquisitionStart, FrameBurstStart };
+
+class Acquisition {
+ public:
+  struct Hooks {
+    // The plan of a frame that begins now: everything but IDs and times.
+    std::function<std::shared_ptr<const FramePlan>()> plan;
+    // Lines that the sensor reads out, for the time it takes.
+    std::function<std::uint32_t()> lines;
+    std::function<double()> exposure;  // us
+    // Whether anything listens to what happens with single frames.
+    std::function<bool()> watched;
+    std::function<void(Signal, std::uint64_t frameId)> signal;
+  };
+
+  Acquisition(CameraCore& core, Hooks hooks);
+
+  void declare();
+  void declareTransport(const std::function<std::int64_t()>& payloadSize);
+
+  bool running() const { return running_; }
+  void stop();
+  void startStream(std::size_t stream);
+  void stopStream(std::size_t stream);
+  FrameWait waitForFrame(CameraLock& guard, std::size_t stream, Clock::time_point until, FramePlan& plan);
+  // A signal of a counter, timer or line that may be a trigger source.
+  void source(Signal signal);
+  bool lineHigh() const { return lineHigh_; }
+  void unlockParameters() { locked_->set(0); }
+  const char* category() const { return "AcquisitionControl"; }
+
+ private:
+  struct Exposure {
+    std::shared_ptr<const FramePlan> plan;
+    std::uint64_t frameId = 0;
+    Clock::time_point start;
+    Clock::time_point due;
+  };
+  struct Stream {
+    bool started = false;
+    std::condition_variable changed;
+    std::uint64_t count = 0;  // frames begun since the start of the acquisition
+    std::uint64_t burstLeft = 0;
+    Clock::time_point next;  // earliest start of the next free-running frame
+    bool exposing = false;   // a free-running frame is under way; it is the front of pending
+    std::deque<Exposure> pending;
+  };
+
+  void declareTriggers();
+  void declareLine();
+  double maxRate() const;
+  Clock::duration readout() const;
+  Clock::duration period() const;
+  bool triggerOn(TriggerKind kind) const { return triggerMode_->on(static_cast<std::size_t>(kind)); }
+  void start();
+  void finishIfComplete();
+  bool mayRun(const Stream& stream) const;
+  std::uint64_t frameLimit() const;
+  void begin(Stream& stream, Clock::time_point start);
+  void announce(const Exposure& exposure);
+  void trigger(TriggerKind kind);
+  void triggerFrame();
+  void missed();
+  void lineEdge();
+  void wakeAll();
+
+  CameraCore& core_;
+  Hooks hooks_;
+  std::vector<std::unique_ptr<Stream>> streams_;
+  bool running_ = false;
+  bool acquisitionTriggered_ = false;
+  Clock::time_point exposureEnd_;
+  Clock::time_point readoutEnd_;
+  Clock::time_point lastStart_;
+  bool lineHigh_ = false;
+  std::uint64_t lineGeneration_ = 0;
+
+  Feature* mode_ = nullptr;
+  Feature* frameCount_ = nullptr;
+  Feature* burstCount_ = nullptr;
+  Feature* rate_ = nullptr;
+  Feature* rateEnable_ = nullptr;
+  Feature* speedMode_ = nullptr;
+  Feature* triggerMode_ = nullptr;
+  Feature* triggerSource_ = nullptr;
+  Feature* triggerActivation_ = nullptr;
+  Feature* triggerOverlap_ = nullptr;
+  Feature* triggerDelay_ = nullptr;
+  Feature* triggersMissed_ = nullptr;
+  Feature* lineFrequency_ = nullptr;
+  Feature* locked_ = nullptr;
+};
+
+}  // namespace vcam

@@ -1,0 +1,34 @@
+// What the user may choose about the cameras; the defaults need no choice at all.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace vcam {
+
+struct Configuration {
+  // Folder whose PNG images the test pattern "ImageFolder" shows; empty when there is none.
+  std::filesystem::path imageFolder;
+
+  // Folder in which user sets and files of the cameras survive the process, one folder per serial number; created when
+  // something is first stored. Empty keeps them in memory for the life of the producer.
+  std::filesystem::path storageFolder;
+
+  // ID of the first frame after each start of acquisition: technologies differ in it.
+  std::uint64_t firstFrameId = 0;
+
+  // Frames come as fast as buffers do, and only the frame ID is written into each (feature SpeedMode, which an
+  // application can also switch by itself).
+  bool speedMode = false;
+
+  // Milliseconds that a firmware file takes to apply after it was written and closed.
+  std::uint32_t firmwareApplyMs = 600;
+
+  // Receives one line for each thing that went wrong without being any caller's error (a picture that cannot be read, a
+  // store that cannot be written). May be empty. Called from any thread.
+  std::function<void(const std::string&)> report;
+};
+
+}  // namespace vcam
