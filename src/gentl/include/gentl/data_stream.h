@@ -73,7 +73,12 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
    */
   GC_ERROR getBufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type, void* value,
                          std::size_t* size) const {
-    return functions().DSGetBufferInfo(getHandle(), buffer, cmd, type, value, size);
+    return getBufferInfo(getHandle(), buffer, cmd, type, value, size);
+  }
+  /** The same for many questions in a row, after one test whether the stream is open. @param handle  of getHandle */
+  GC_ERROR getBufferInfo(DS_HANDLE handle, BUFFER_HANDLE buffer, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type, void* value,
+                         std::size_t* size) const {
+    return functions().DSGetBufferInfo(handle, buffer, cmd, type, value, size);
   }
 
  private:

@@ -5,10 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <utility>
 
 #include "gentl/base_module.h"
 #include "gentl/export_table.h"
+#include "gentl/wait_gate.h"
 
 namespace GenTLCpp {
 
@@ -36,13 +37,35 @@ class Event : public BaseModule {
   EVENT_TYPE getEventType() const noexcept { return eventType_; }
 
   /**
-   * Waits for the event and copies its data. Holds no lock while it waits.
+   * A thread's stay with an event: from before it waits until it has read what the event brought. Whoever closes the
+   * event's module waits for the end of all stays first, so nothing may be closed from within one.
+   *
+   * @throws AbortException when the event's waits are over for good
+   */
+  class Stay {
+   public:
+    explicit Stay(Event& event);
+    Stay(const Stay&) = delete;
+    Stay& operator=(const Stay&) = delete;
+    ~Stay() { gate_.leave(ticket_); }
+
+   private:
+    friend class Event;
+    WaitGate& gate_;
+    WaitGate::Ticket ticket_ = 0;
+  };
+
+  /**
+   * Waits for the event and copies its data. Holds no lock while it waits. A wait that meets a kill which another one
+   * left over starts again, with its whole time-out.
    *
    * @param timeout  milliseconds, GENTL_INFINITE for ever
    * @return the number of bytes that the producer wrote, at most `size`
    * @throws TimeoutException; AbortException after a kill; ClosedException when the module is closed
    */
   std::size_t getData(void* buffer, std::size_t size, std::uint64_t timeout);
+  /** The same within a stay of the caller. */
+  std::size_t getData(const Stay& stay, void* buffer, std::size_t size, std::uint64_t timeout);
 
   /** One info about data of getData, as the producer gives it; the status is not checked.
    * @param outSize  in: room in `out`; out: bytes written, or needed when `out` is null */
@@ -56,31 +79,38 @@ class Event : public BaseModule {
   void flush();
   /** Ends one wait: one that is under way, or else the next. */
   void kill();
-  /** Ends the waits that are under way; later ones are not touched. May be called from any thread, and never throws. */
+  /** Ends every wait that is under way, or else the next. */
+  void killWaits();
+  /** Ends the stays that are under way and waits until they are over, for two seconds at most; later ones are not
+   * touched. May be called from any thread that does not stay itself, and never throws. */
   void endWaits() noexcept;
+  /** The same, and every later wait is aborted at once. For whoever closes the module. */
+  void shutWaits() noexcept;
 
   /** Once, and only while the module is open. The producer's status is ignored. */
   void unregister() noexcept;
   bool isUnregistered() const noexcept { return unregistered_.load(); }
 
+  /** What belongs to the event and goes with it; attached before the event is shared. */
+  void attach(std::shared_ptr<void> attachment) noexcept { attachment_ = std::move(attachment); }
+  void* attachment() const noexcept { return attachment_.get(); }
+
  protected:
   EVENT_HANDLE eventHandle() const noexcept { return getRawHandle(); }
 
-  /** EventGetData with this thread counted as waiting; the status is checked. @return bytes written */
-  std::size_t wait(void* buffer, std::size_t size, std::uint64_t timeout);
+  /** EventGetData within a stay; the status is checked. @return bytes written */
+  std::size_t wait(const Stay& stay, void* buffer, std::size_t size, std::uint64_t timeout);
 
  private:
+  bool sendKill() noexcept;
+
   std::shared_ptr<BaseModule> parent_;
   EVENT_TYPE eventType_;
   EventFunctions functions_;
   EVENTSRC_HANDLE moduleHandle_;
   std::atomic<bool> unregistered_{false};
-
-  // A kill of endWaits that its waiter did not need, because data came first, hits the next wait; that wait tells by
-  // these that nobody meant it. endings_ counts the calls of endWaits, owedKills_ its kills that no wait has met yet.
-  std::atomic<std::uint32_t> waiters_{0};
-  std::atomic<std::uint32_t> endings_{0};
-  std::atomic<std::int32_t> owedKills_{0};
+  std::shared_ptr<void> attachment_;
+  WaitGate gate_;
 };
 
 /** The event of a filled buffer; its module is a DataStream. */
@@ -94,6 +124,8 @@ class NewBufferEvent : public Event {
   /** Waits for a filled buffer. Allocates nothing and holds no lock. Throws as getData does, but for a closed module.
    */
   EVENT_NEW_BUFFER_DATA waitForBuffer(std::uint64_t timeout);
+  /** The same within a stay of the caller. */
+  EVENT_NEW_BUFFER_DATA waitForBuffer(const Stay& stay, std::uint64_t timeout);
 };
 
 }  // namespace GenTLCpp

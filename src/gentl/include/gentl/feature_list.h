@@ -41,7 +41,8 @@ class FeatureList {
  private:
   class Poller;
 
-  void add(GenApi::INode* node, unsigned depth);
+  /** Adds the node and everything that its categories and selectors lead to. A null node adds nothing. */
+  void add(GenApi::INode* start);
 
   std::string name_;
   NodeMapPtr nodeMap_;

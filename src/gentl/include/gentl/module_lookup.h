@@ -38,11 +38,13 @@ oviErr lookupModule(std::uint64_t handle, std::shared_ptr<T>& out) {
 /** The module above: buffer, stream, device, interface, system; what an event is registered on. Empty for a system. */
 std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& module);
 
-/** Ends the waits for filled buffers that are under way on a stream. */
+/** Ends the waits for filled buffers that are under way on a stream, and returns when they are over. */
 void endStreamWaits(std::uint64_t streamHandle);
-/** The same on all streams of a device. */
+/** Ends the waits for events of all kinds on a stream, and none starts any more; for whoever closes it. */
+void shutStreamWaits(std::uint64_t streamHandle);
+/** The same on a device and all its streams; for whoever closes it. */
 void endDeviceWaits(std::uint64_t deviceHandle);
-/** Ends all waits for events that are under way, of whatever kind. */
+/** Ends all waits for events, of whatever kind, and no other starts; for whoever closes everything. */
 void endAllWaits();
 
 }  // namespace OVI

@@ -34,8 +34,8 @@ std::string tempDirectory();
 /** Runs a shell command and returns what it prints to standard output; nothing when it cannot be started. */
 std::optional<std::string> runAndRead(const std::string& command);
 
-/** A file's whole content; nothing when it cannot be opened. Others may have it open. */
-std::optional<std::string> readFile(const std::string& path);
+/** A file's whole content; nothing when it cannot be read or holds more than `limit` bytes. Others may have it open. */
+std::optional<std::string> readFile(const std::string& path, std::uint64_t limit = UINT64_MAX);
 
 /** Time of a clock that never goes back, from an arbitrary start. */
 std::uint64_t monotonicNanoseconds() noexcept;

@@ -1,0 +1,105 @@
+// The logger and its appenders.
+#include "core/log.h"
+
+#include <plog/Appenders/ColorConsoleAppender.h>
+#include <plog/Appenders/RollingFileAppender.h>
+#include <plog/Formatters/TxtFormatter.h>
+#include <plog/Init.h>
+#include <plog/Log.h>
+
+#include <array>
+#include <mutex>
+#include <shared_mutex>
+
+#include "core/log_setup.h"
+#include "log_callback_appender.h"
+#include "platform/platform.h"
+
+namespace OVI {
+
+namespace {
+
+constexpr std::size_t kMaxFileSize = 12582912;
+constexpr int kMaxFiles = 2;
+
+/** Sends formatted lines to the debugger, where the system has a channel for that. */
+class DebugOutputAppender : public plog::IAppender {
+ public:
+  void write(const plog::Record& record) override { platform::debugOutput(plog::TxtFormatter::format(record)); }
+};
+
+struct LevelPair {
+  std::uint32_t level;
+  Severity severity;
+};
+constexpr std::array kLevels = {LevelPair{0, Severity::None},    LevelPair{1, Severity::Error},
+                                LevelPair{2, Severity::Warning}, LevelPair{4, Severity::Info},
+                                LevelPair{8, Severity::Debug},   LevelPair{16, Severity::Verbose},
+                                LevelPair{1, Severity::Fatal}};
+
+// Appending while another thread writes a record would pull the appender list from under it.
+std::shared_mutex& appenderListMutex() {
+  static std::shared_mutex mutex;
+  return mutex;
+}
+
+}  // namespace
+
+LogRecord::~LogRecord() {
+  try {
+    plog::Record record(static_cast<plog::Severity>(severity_), site_, static_cast<std::size_t>(line_), "", nullptr, 0);
+    record << text_.str();
+    const std::shared_lock lock(appenderListMutex());
+    *plog::get() += record;
+  } catch (...) {  // NOLINT(bugprone-empty-catch): a record that cannot be written is lost, the work goes on.
+  }
+}
+
+void setUpLogging(unsigned appenderMask, Severity severity, const std::string& fileName) {
+  static std::once_flag once;
+  std::call_once(once, [&] {
+    static_cast<void>(appenderListMutex());
+    auto& logger = plog::init(static_cast<plog::Severity>(severity));
+    // All of these live as long as the logger, which writes until the end of the process.
+    static_cast<void>(LogCallbackAppender::instance());
+    if ((appenderMask & kLogToConsole) != 0) {
+      static plog::ColorConsoleAppender<plog::TxtFormatter> console;
+      logger.addAppender(&console);
+    }
+    if ((appenderMask & kLogToFile) != 0) {
+      static plog::RollingFileAppender<plog::TxtFormatter> file(fileName.c_str(), kMaxFileSize, kMaxFiles);
+      logger.addAppender(&file);
+    }
+    if ((appenderMask & kLogToDebugOutput) != 0) {
+      static DebugOutputAppender debugOutput;
+      logger.addAppender(&debugOutput);
+    }
+    Log::maximum_.store(static_cast<int>(severity));
+  });
+}
+
+void attachCallback(oviLogCallback callback, void* userData) {
+  LogCallbackAppender::instance().set(callback, userData);
+  const std::unique_lock lock(appenderListMutex());
+  plog::get()->addAppender(&LogCallbackAppender::instance());
+}
+
+Severity severityFromLevel(std::uint32_t level) noexcept {
+  for (const LevelPair& pair : kLevels) {
+    if (pair.level == level) {
+      return pair.severity;
+    }
+  }
+  return Severity::Warning;
+}
+
+std::uint32_t levelFromSeverity(Severity severity) noexcept {
+  for (const LevelPair& pair : kLevels) {
+    if (pair.severity == severity) {
+      return pair.level;
+    }
+  }
+  return levelFromSeverity(Severity::Warning);
+}
+
+}  // namespace OVI

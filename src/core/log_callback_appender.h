@@ -1,0 +1,28 @@
+// Hands every record's message to the application.
+#pragma once
+
+#include <plog/Appenders/IAppender.h>
+
+#include <mutex>
+
+#include "ovi/ovi.h"
+
+namespace OVI {
+
+/** Calls of the application's callback never overlap: they run inside the appender's lock, on the thread that logs. */
+class LogCallbackAppender : public plog::IAppender {
+ public:
+  static LogCallbackAppender& instance();
+
+  void set(oviLogCallback callback, void* userData);
+  void write(const plog::Record& record) override;
+
+ private:
+  LogCallbackAppender() = default;
+
+  std::mutex mutex_;
+  oviLogCallback callback_ = nullptr;
+  void* userData_ = nullptr;
+};
+
+}  // namespace OVI

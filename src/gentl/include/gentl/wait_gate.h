@@ -1,0 +1,64 @@
+// Who waits for an event inside a producer, so that others can end these waits and know when they are over.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+
+namespace GenTLCpp {
+
+/**
+ * Counts the threads that wait for one event.
+ *
+ * A producer's kill ends one wait, or the next one when nobody waits. So a kill that was sent to a thread and that the
+ * thread did not need, because data came first, would hit a later wait, which nobody wanted to end. The gate sends one
+ * kill to each thread that waits, remembers the kills that no wait has met yet, and lets a later wait that meets one go
+ * on.
+ *
+ * Coming and going cost one atomic exchange each and take no lock, unless somebody ends waits at that moment.
+ */
+class WaitGate {
+ public:
+  /** Sends one kill. @return whether the producer took it */
+  using Kill = std::function<bool()>;
+  using Ticket = std::uint64_t;
+
+  /** @return whether the gate is open; only then the ticket is to be given back */
+  bool enter(Ticket& ticket) noexcept;
+  void leave(Ticket ticket) noexcept;
+
+  /** Asked by a wait that the producer aborted: whether the abort was meant for it. If not, the wait goes on.
+   * @param kill  sends one more kill, for a thread whose kill this wait has met */
+  bool abortIsMine(Ticket ticket, const Kill& kill);
+
+  /** Ends the waits that are under way; later ones are not touched. @return how many kills were sent */
+  std::uint32_t endWaits(const Kill& kill) { return end(kill, 0); }
+  /** The same, and nobody gets in any more. */
+  std::uint32_t shut(const Kill& kill) { return end(kill, kShut); }
+
+  /** Waits until every thread whose wait was ended has left, or until the time is over.
+   * @return whether they all left */
+  bool drain(std::chrono::milliseconds limit);
+
+ private:
+  // The state: whether the gate is shut, the number of endings so far, and how many wait since the last of them.
+  static constexpr std::uint64_t kShut = std::uint64_t{1} << 63;
+  static constexpr std::uint64_t kEnding = std::uint64_t{1} << 32;
+  static constexpr std::uint64_t kWaiters = kEnding - 1;
+
+  static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kWaiters); }
+  std::uint32_t end(const Kill& kill, std::uint64_t flags);
+  void send(const Kill& kill);
+
+  std::atomic<std::uint64_t> state_{0};
+
+  std::mutex mutex_;
+  std::condition_variable left_;
+  std::uint32_t ended_ = 0;  // Threads whose wait was ended and that have not left yet.
+  std::uint32_t owed_ = 0;   // Kills that were sent and that no wait has met yet.
+};
+
+}  // namespace GenTLCpp

@@ -1,0 +1,64 @@
+// Folders, files, commands and the clock.
+#include <ctime>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <utility>
+
+#include "platform/platform.h"
+
+namespace OVI::platform {
+
+namespace {
+
+std::string environmentOr(const char* name, const char* fallback) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0' ? value : fallback;
+}
+
+}  // namespace
+
+std::optional<std::string> publicDocuments() {
+  return environmentOr("XDG_PUBLICSHARE_DIR", "/var/lib");
+}
+
+std::string tempDirectory() {
+  return environmentOr("TMPDIR", "/tmp");
+}
+
+std::optional<std::string> runAndRead(const std::string& command) {
+  std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+  if (pipe == nullptr) {
+    return std::nullopt;
+  }
+  std::string output;
+  char block[256];
+  for (std::size_t count = 0; (count = std::fread(block, 1, sizeof(block), pipe)) > 0;) {
+    output.append(block, count);
+  }
+  pclose(pipe);
+  return output;
+}
+
+std::optional<std::string> readFile(const std::string& path, std::uint64_t limit) {
+  std::ifstream file(path, std::ios::binary);
+  std::string content;
+  char block[4096];
+  while (file.read(block, sizeof(block)) || file.gcount() > 0) {
+    content.append(block, static_cast<std::size_t>(file.gcount()));
+    if (content.size() > limit) {
+      return std::nullopt;
+    }
+  }
+  return file.eof() ? std::optional(std::move(content)) : std::nullopt;
+}
+
+std::uint64_t monotonicNanoseconds() noexcept {
+  constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<std::uint64_t>(now.tv_sec) * kNanosecondsPerSecond + static_cast<std::uint64_t>(now.tv_nsec);
+}
+
+}  // namespace OVI::platform
