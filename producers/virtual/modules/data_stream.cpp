@@ -1,0 +1,537 @@
+// The pools: announcing, queueing, flushing and delivering buffers, and what the stream tells about itself.
+#include "modules/data_stream.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "modules/device.h"
+#include "modules/tl_types.h"
+
+namespace vcam {
+
+namespace {
+
+constexpr std::uint64_t kAcquisitionStarted = 0x9301;
+constexpr std::uint64_t kAcquisitionStopped = 0x9302;
+
+bool isAligned(const void* memory, std::size_t alignment) {
+  return reinterpret_cast<std::uintptr_t>(memory) % alignment == 0;
+}
+
+}  // namespace
+
+DataStream::DataStream(Device& device, std::uint32_t index)
+    : Module(kStream),
+      device_(device),
+      session_(device.session()),
+      index_(index),
+      deviceId_(device.camera().identity().id),
+      timestampFrequency_(device.camera().timestampFrequency()),
+      features_({"VirtualCameraStream", "StreamPort", "Data stream module of the virtual camera producer"}) {
+  describe();
+}
+
+DataStream::~DataStream() = default;
+
+void* DataStream::deviceHandle() const {
+  return device_.handle();
+}
+
+std::size_t DataStream::payloadSize() const {
+  return device_.camera().payloadSize(index_);
+}
+
+// ---- Announcing and revoking ----
+
+void* DataStream::announce(void* memory, std::size_t size, void* userPointer) {
+  require(memory, "the buffer's memory");
+  if (size == 0) {
+    fail(GC_ERR_INVALID_PARAMETER, "a buffer needs at least one byte");
+  }
+  if (!isAligned(memory, session_.options.bufferAlignment)) {
+    fail(GC_ERR_INVALID_BUFFER, "buffers must be aligned to ", session_.options.bufferAlignment, " bytes");
+  }
+  return add(std::make_unique<Buffer>(*this, memory, size, userPointer));
+}
+
+void* DataStream::allocateAndAnnounce(std::size_t size, void* userPointer) {
+  if (size == 0) {
+    fail(GC_ERR_INVALID_PARAMETER, "a buffer needs at least one byte");
+  }
+  return add(std::make_unique<Buffer>(*this, nullptr, size, userPointer));
+}
+
+void* DataStream::add(std::unique_ptr<Buffer> buffer) {
+  const std::lock_guard lock(mutex_);
+  for (const auto& other : announced_) {
+    if (other->base() == buffer->base()) {
+      fail(GC_ERR_RESOURCE_IN_USE, "this memory is announced on the data stream already");
+    }
+  }
+  announced_.reserve(announced_.size() + 1);
+  HandleTable::insert(*buffer);
+  buffer->publish(handle());
+  announced_.push_back(std::move(buffer));
+  return announced_.back()->handle();
+}
+
+void DataStream::revoke(void* handle, void** memory, void** userPointer) {
+  Buffer* buffer = nullptr;
+  {
+    const std::lock_guard lock(mutex_);
+    buffer = &find(handle);
+    if (buffer->state() != BufferState::Announced) {
+      fail(GC_ERR_BUSY, "the buffer is queued");
+    }
+    if (HandleTable::claim(handle, kBuffer) == nullptr) {
+      fail(GC_ERR_INVALID_HANDLE, "the buffer is being revoked");
+    }
+    buffer->setState(BufferState::Revoking);
+    if (memory != nullptr) {
+      *memory = buffer->ownsMemory() ? nullptr : buffer->base();
+    }
+    if (userPointer != nullptr) {
+      *userPointer = buffer->userPointer();
+    }
+  }
+  buffer->shutDown();
+}
+
+std::unique_ptr<Module> DataStream::take(const Buffer& buffer) {
+  const std::lock_guard lock(mutex_);
+  const auto place =
+      std::find_if(announced_.begin(), announced_.end(), [&](const auto& other) { return other.get() == &buffer; });
+  std::unique_ptr<Module> taken = std::move(*place);
+  announced_.erase(place);
+  return taken;
+}
+
+Buffer& DataStream::find(void* handle) {
+  // A buffer of another stream must not be touched: nothing keeps it from going away meanwhile.
+  if (HandleTable::isOpen(handle, kBuffer) && BufferRecord::of(handle).belongsTo(this->handle())) {
+    if (Object* buffer = HandleTable::peek(handle, kBuffer)) {
+      return *static_cast<Buffer*>(buffer);
+    }
+  }
+  fail(GC_ERR_INVALID_HANDLE, "not the handle of a buffer of this data stream");
+}
+
+void* DataStream::bufferAt(std::uint32_t index) {
+  const std::lock_guard lock(mutex_);
+  if (index >= announced_.size()) {
+    fail(GC_ERR_INVALID_INDEX, "buffer ", index, " of ", announced_.size());
+  }
+  return announced_[index]->handle();
+}
+
+// ---- Queues ----
+
+void DataStream::queue(void* handle) {
+  const std::lock_guard lock(mutex_);
+  Buffer& buffer = find(handle);
+  if (buffer.state() != BufferState::Announced) {
+    fail(GC_ERR_RESOURCE_IN_USE, "the buffer is queued already");
+  }
+  toInput(buffer);
+  useInput();
+}
+
+void DataStream::toInput(Buffer& buffer) {
+  buffer.clearContent();
+  buffer.setState(BufferState::Input);
+  input_.push(buffer);
+}
+
+// To be called after buffers were put into the input pool.
+void DataStream::useInput() {
+  if (fast_) {
+    fillFast();
+  } else if (wantsInput_) {
+    engineWake_.notify_one();
+  }
+}
+
+void DataStream::toAnnounced(Buffer& buffer) {
+  buffer.setState(BufferState::Announced);
+}
+
+void DataStream::deliver(Buffer& buffer) {
+  buffer.setState(BufferState::Output);
+  output_.push(buffer);
+  ++fired_;
+  if (event_ != nullptr) {
+    event_->notifyLocked();
+  }
+}
+
+void DataStream::drainOutput(void (DataStream::*move)(Buffer&)) {
+  for (std::size_t left = output_.size(); left != 0; --left) {
+    (this->*move)(*output_.pop());
+  }
+}
+
+// Makes the engine let go of the buffer that it is filling, and of one that it holds back.
+void DataStream::endFilling(std::unique_lock<std::mutex>& lock, void (DataStream::*move)(Buffer&)) {
+  if (filling_ != nullptr) {
+    discardTo_ = move;
+    engineWake_.notify_all();
+    fillOver_.wait(lock, [this] { return filling_ == nullptr; });
+  }
+  if (late_ != nullptr) {
+    (this->*move)(*std::exchange(late_, nullptr));
+  }
+}
+
+void DataStream::flush(ACQ_QUEUE_TYPE operation) {
+  std::unique_lock lock(mutex_);
+  switch (operation) {
+    case ACQ_QUEUE_INPUT_TO_OUTPUT:
+      while (Buffer* buffer = input_.pop()) {
+        deliver(*buffer);
+      }
+      break;
+    case ACQ_QUEUE_OUTPUT_DISCARD:
+      drainOutput(&DataStream::toAnnounced);
+      break;
+    case ACQ_QUEUE_ALL_TO_INPUT:
+    case ACQ_QUEUE_UNQUEUED_TO_INPUT: {
+      // What comes back from a filling engine at once is not for this call to move again.
+      std::vector<Buffer*> idle;
+      for (const auto& buffer : announced_) {
+        if (buffer->state() == BufferState::Announced) {
+          idle.push_back(buffer.get());
+        }
+      }
+      if (operation == ACQ_QUEUE_ALL_TO_INPUT) {
+        drainOutput(&DataStream::toInput);
+      }
+      for (Buffer* buffer : idle) {
+        toInput(*buffer);
+      }
+      if (operation == ACQ_QUEUE_ALL_TO_INPUT) {
+        endFilling(lock, &DataStream::toInput);
+      }
+      useInput();
+      break;
+    }
+    case ACQ_QUEUE_ALL_DISCARD:
+      while (Buffer* buffer = input_.pop()) {
+        toAnnounced(*buffer);
+      }
+      endFilling(lock, &DataStream::toAnnounced);
+      drainOutput(&DataStream::toAnnounced);
+      break;
+    default:
+      fail(GC_ERR_NOT_IMPLEMENTED, "no flush operation ", operation);
+  }
+}
+
+// ---- Infos ----
+
+Info DataStream::info(STREAM_INFO_CMD command) {
+  const std::lock_guard lock(mutex_);
+  switch (command) {
+    case STREAM_INFO_ID:
+      return Info::text(device_.streamId(index_));
+    case STREAM_INFO_NUM_DELIVERED:
+      return Info::uint64(delivered_);
+    case STREAM_INFO_NUM_UNDERRUN:
+      return Info::uint64(underruns_);
+    case STREAM_INFO_NUM_ANNOUNCED:
+      return Info::size(announced_.size());
+    case STREAM_INFO_NUM_QUEUED:
+      return Info::size(input_.size() + (filling_ != nullptr ? 1 : 0) + (late_ != nullptr ? 1 : 0));
+    case STREAM_INFO_NUM_AWAIT_DELIVERY:
+      return Info::size(output_.size());
+    case STREAM_INFO_NUM_STARTED:
+      return Info::uint64(started_);
+    case STREAM_INFO_PAYLOAD_SIZE:
+      return Info::size(payloadSize());
+    case STREAM_INFO_IS_GRABBING:
+      return Info::boolean(grabbing_);
+    case STREAM_INFO_DEFINES_PAYLOADSIZE:
+      // A camera's one feature cannot speak for several streams.
+      return Info::boolean(device_.streamCount() > 1);
+    case STREAM_INFO_TLTYPE:
+      return Info::text(device_.camera().identity().tlType);
+    case STREAM_INFO_NUM_CHUNKS_MAX:
+      return Info::size(FramePlan::kMaxChunks);
+    case STREAM_INFO_BUF_ANNOUNCE_MIN:
+      return Info::size(session_.options.minimumBuffers);
+    case STREAM_INFO_BUF_ALIGNMENT:
+      return Info::size(session_.options.bufferAlignment);
+    default:
+      fail(GC_ERR_NOT_IMPLEMENTED, "a data stream has no info ", command);
+  }
+}
+
+Buffer& DataStream::findFilled(void* handle) {
+  Buffer& buffer = find(handle);
+  if (buffer.state() == BufferState::Filling) {
+    fail(GC_ERR_BUSY, "the buffer is being filled");
+  }
+  return buffer;
+}
+
+void DataStream::chunkData(void* handle, SINGLE_CHUNK_DATA* chunks, std::size_t* count) {
+  const std::lock_guard lock(mutex_);
+  const Buffer& buffer = findFilled(handle);
+  require(count, "the number of entries");
+  if (buffer.chunks().empty()) {
+    fail(GC_ERR_NO_DATA, "the buffer carries no chunks");
+  }
+  if (buffer.isIncomplete()) {
+    fail(GC_ERR_PARSING_CHUNK_DATA, "the buffer is incomplete, its chunk layout cannot be read");
+  }
+  const std::size_t available = buffer.chunks().size();
+  if (chunks != nullptr) {
+    require(chunks, "the chunk array");
+    if (*count < available) {
+      fail(GC_ERR_BUFFER_TOO_SMALL, "room for ", *count, " chunks of ", available);
+    }
+    std::transform(buffer.chunks().begin(), buffer.chunks().end(), chunks, [](const ChunkPlan& chunk) {
+      return SINGLE_CHUNK_DATA{chunk.id, static_cast<std::ptrdiff_t>(chunk.offset), chunk.length};
+    });
+  }
+  *count = available;
+}
+
+std::uint32_t DataStream::partCount(void* handle) {
+  const std::lock_guard lock(mutex_);
+  const Buffer& buffer = findFilled(handle);
+  if (!buffer.isMultiPart()) {
+    fail(GC_ERR_NO_DATA, "the buffer holds no multi-part payload");
+  }
+  return static_cast<std::uint32_t>(buffer.parts().size());
+}
+
+Info DataStream::partInfo(void* handle, std::uint32_t part, BUFFER_PART_INFO_CMD command) {
+  const std::lock_guard lock(mutex_);
+  const Buffer& buffer = findFilled(handle);
+  if (!buffer.isMultiPart()) {
+    fail(GC_ERR_NO_DATA, "the buffer holds no multi-part payload");
+  }
+  return buffer.partInfo(part, command);
+}
+
+void DataStream::readBuffer(const Buffer& buffer, std::size_t offset, void* to, std::size_t size) {
+  const std::lock_guard lock(mutex_);
+  if (buffer.state() == BufferState::Filling) {
+    fail(GC_ERR_BUSY, "the buffer is being filled");
+  }
+  std::memcpy(to, buffer.base() + offset, size);
+}
+
+PortIdentity DataStream::identity() {
+  const ProducerIdentity& producer = session_.identity;
+  return {device_.streamId(index_),           producer.vendor,          producer.model, producer.version,
+          device_.camera().identity().tlType, GENTL_MODULE_DATA_STREAM, "StreamPort"};
+}
+
+// ---- Events ----
+
+void* DataStream::registerEvent(EVENT_TYPE type) {
+  if (type != EVENT_NEW_BUFFER) {
+    return Module::registerEvent(type);
+  }
+  auto event = std::make_unique<NewBufferEvent>(*this);
+  NewBufferEvent& added = *event;
+  void* const eventHandle = events().add(std::move(event));
+  added.attach();
+  return eventHandle;
+}
+
+NewBufferEvent::NewBufferEvent(DataStream& stream) : Event(EVENT_NEW_BUFFER, stream.mutex_), stream_(stream) {}
+
+NewBufferEvent::~NewBufferEvent() {
+  const std::lock_guard lock(stream_.mutex_);
+  if (stream_.event_ == this) {
+    stream_.event_ = nullptr;
+  }
+}
+
+void NewBufferEvent::attach() {
+  const std::lock_guard lock(stream_.mutex_);
+  stream_.event_ = this;
+  // Buffers that were filled before somebody listened are not lost.
+  firedBefore_ = stream_.fired_ - stream_.output_.size();
+}
+
+void NewBufferEvent::popLocked(void* target) {
+  Buffer& buffer = *stream_.output_.pop();
+  stream_.toAnnounced(buffer);
+  if (target != nullptr) {
+    const EVENT_NEW_BUFFER_DATA data = {buffer.handle(), buffer.userPointer()};
+    std::memcpy(target, &data, sizeof(data));
+  }
+}
+
+Info NewBufferEvent::dataInfo(std::span<const std::byte> entry, EVENT_DATA_INFO_CMD command) const {
+  EVENT_NEW_BUFFER_DATA data{};
+  if (entry.size() < sizeof(data)) {
+    fail(GC_ERR_INVALID_PARAMETER, "the data are not an entry of this event");
+  }
+  std::memcpy(&data, entry.data(), sizeof(data));
+  switch (command) {
+    case EVENT_DATA_ID:
+      return Info::pointer(data.BufferHandle);
+    case EVENT_DATA_VALUE:
+      return Info::pointer(data.pUserPointer);
+    case EVENT_DATA_NUMID:
+      fail(GC_ERR_NOT_AVAILABLE, "a new buffer has no event number");
+    default:
+      fail(GC_ERR_NOT_IMPLEMENTED, "event data have no info ", command);
+  }
+}
+
+// ---- Start and stop ----
+
+void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
+  const std::lock_guard control(controlMutex_);
+  if (flags != ACQ_START_FLAGS_DEFAULT) {
+    fail(GC_ERR_NOT_IMPLEMENTED, "no start flag ", flags);
+  }
+  if (count == 0) {
+    fail(GC_ERR_INVALID_PARAMETER, "zero buffers to acquire");
+  }
+  device_.requireConnection();
+  {
+    const std::lock_guard lock(mutex_);
+    if (grabbing_) {
+      fail(GC_ERR_RESOURCE_IN_USE, "the acquisition is running already");
+    }
+    if (announced_.size() < session_.options.minimumBuffers) {
+      fail(GC_ERR_INVALID_BUFFER, announced_.size(), " buffers are announced, at least ",
+           session_.options.minimumBuffers, " are needed");
+    }
+  }
+  if (engine_.joinable()) {
+    engine_.join();
+  }
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = false;
+    killing_ = false;
+    fast_ = false;
+    discardTo_ = nullptr;
+    delivered_ = 0;
+    toDeliver_ = count;
+    grabbing_ = true;
+    stopPending_ = true;
+  }
+  device_.camera().startStream(index_);
+  try {
+    engine_ = std::thread([this] { run(); });
+  } catch (const std::system_error&) {
+    stopEngine(false);
+    fail(GC_ERR_RESOURCE_EXHAUSTED, "no thread for the acquisition");
+  }
+  device_.fireFeatureChange("TLParamsLocked", "1");
+  fireModuleEvent(kAcquisitionStarted, {});
+}
+
+void DataStream::stop(ACQ_STOP_FLAGS flags) {
+  const std::lock_guard control(controlMutex_);
+  if (flags != ACQ_STOP_FLAGS_DEFAULT && flags != ACQ_STOP_FLAGS_KILL) {
+    fail(GC_ERR_NOT_IMPLEMENTED, "no stop flag ", flags);
+  }
+  if (!stopEngine(flags == ACQ_STOP_FLAGS_KILL)) {
+    fail(GC_ERR_RESOURCE_IN_USE, "the acquisition is not running");
+  }
+  device_.fireFeatureChange("TLParamsLocked", "0");
+  fireModuleEvent(kAcquisitionStopped, {});
+}
+
+bool DataStream::stopEngine(bool kill) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!std::exchange(stopPending_, false)) {
+      return false;
+    }
+    stopping_ = true;
+    killing_ = kill;
+    engineWake_.notify_all();
+  }
+  device_.camera().stopStream(index_);
+  if (engine_.joinable()) {
+    engine_.join();
+  }
+  return true;
+}
+
+void DataStream::endCalls() {
+  const std::lock_guard lock(mutex_);
+  stopping_ = true;
+  engineWake_.notify_all();
+}
+
+void DataStream::closeChildren() {
+  {
+    const std::lock_guard control(controlMutex_);
+    stopEngine(true);
+    if (engine_.joinable()) {
+      engine_.join();
+    }
+  }
+  flush(ACQ_QUEUE_ALL_DISCARD);
+  std::vector<void*> handles;
+  {
+    const std::lock_guard lock(mutex_);
+    for (const auto& buffer : announced_) {
+      handles.push_back(buffer->handle());
+    }
+  }
+  for (void* buffer : handles) {
+    revoke(buffer, nullptr, nullptr);
+  }
+}
+
+std::unique_ptr<Module> DataStream::detach() {
+  return device_.take(*this);
+}
+
+void DataStream::describe() {
+  ModuleFeatures& f = features_;
+  const auto count = [this](STREAM_INFO_CMD command) { return [this, command] { return info(command).scalar(); }; };
+  f.category("StreamInformation", "Which data stream this is, and its state");
+  f.text({"StreamID", "Unique ID of the data stream"}, [this] { return device_.streamId(index_); });
+  f.enumeration({"StreamType", "Transport technology"}, tlTypeEntries(false),
+                [this] { return tlTypeValue(device_.camera().identity().tlType); });
+  f.integer({"PayloadSize", "Bytes of the largest payload", "Expert", "B"}, [this] { return payloadSize(); });
+  f.boolean({"StreamIsGrabbing", "Whether the acquisition is started", "Expert"}, count(STREAM_INFO_IS_GRABBING));
+  f.category("BufferHandlingControl", "How buffers are used");
+  f.enumeration(
+      {"StreamBufferHandlingMode", "Which buffer is delivered next, and what happens when none is free"},
+      {{"OldestFirst", OldestFirst}, {"OldestFirstOverwrite", OldestFirstOverwrite}, {"NewestOnly", NewestOnly}},
+      [this] {
+        const std::lock_guard lock(mutex_);
+        return mode_;
+      },
+      [this](std::uint64_t value) {
+        const std::lock_guard lock(mutex_);
+        if (grabbing_) {
+          fail(GC_ERR_ACCESS_DENIED, "the mode cannot change while the acquisition is running");
+        }
+        mode_ = static_cast<HandlingMode>(value);
+      });
+  f.integer({"StreamAnnouncedBufferCount", "Buffers that are announced", "Expert"}, count(STREAM_INFO_NUM_ANNOUNCED));
+  f.integer({"StreamAnnounceBufferMinimum", "Buffers that must be announced before a start", "Expert"},
+            count(STREAM_INFO_BUF_ANNOUNCE_MIN));
+  f.integer({"StreamBufferAlignment", "Alignment of announced memory", "Expert", "B"},
+            count(STREAM_INFO_BUF_ALIGNMENT));
+  f.integer({"StreamChunkCountMaximum", "Most chunks that a buffer carries", "Expert"},
+            count(STREAM_INFO_NUM_CHUNKS_MAX));
+  f.integer({"StreamDeliveredFrameCount", "Frames delivered since the last start", "Expert"},
+            count(STREAM_INFO_NUM_DELIVERED));
+  f.integer({"StreamLostFrameCount", "Frames lost for want of a buffer", "Expert"}, count(STREAM_INFO_NUM_UNDERRUN));
+  f.integer({"StreamStartedFrameCount", "Frames that began to arrive", "Expert"}, count(STREAM_INFO_NUM_STARTED));
+  f.integer({"StreamInputBufferCount", "Buffers that wait to be filled", "Expert"}, count(STREAM_INFO_NUM_QUEUED));
+  f.integer({"StreamOutputBufferCount", "Buffers that wait to be fetched", "Expert"},
+            count(STREAM_INFO_NUM_AWAIT_DELIVERY));
+  f.events({{"AcquisitionStarted", kAcquisitionStarted, "The acquisition was started", {}},
+            {"AcquisitionStopped", kAcquisitionStopped, "The acquisition has stopped", {}},
+            {"FrameLost", 0x9303, "A frame was lost for want of a buffer", {"EventFrameLostFrameID"}}});
+  f.finish();
+}
+
+}  // namespace vcam

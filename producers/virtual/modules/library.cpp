@@ -1,0 +1,158 @@
+// Start and end of the producer, and the cables of its cameras.
+#include "modules/library.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <new>
+
+#include "modules/system.h"
+#include "platform/own_path.h"
+
+namespace vcam {
+
+namespace {
+
+constexpr std::size_t kInterfaces = 2;
+
+ProducerIdentity identify(const std::string& path) {
+  ProducerIdentity me;
+  me.pathName = path;
+  me.name = path.substr(path.find_last_of("/\\") + 1);
+  me.id = path;
+  me.vendor = "Kestrova";
+  me.model = "Virtual Camera Producer";
+  me.version = "1.0.0";
+  me.tlType = TLTypeCustomName;
+  me.displayName = "Kestrova Virtual Camera (" + me.name + ")";
+  return me;
+}
+
+std::unique_ptr<Session> makeSession() {
+  auto session = std::make_unique<Session>();
+  const std::string path = ownPath();
+  session->options = loadOptions(path);
+  session->identity = identify(path);
+  std::vector<std::unique_ptr<Camera>> cameras = makeDefaultCameras(session->options.cameras);
+  const std::size_t perInterface = (cameras.size() + kInterfaces - 1) / kInterfaces;
+  for (std::size_t i = 0; i < cameras.size(); ++i) {
+    auto slot = std::make_unique<CameraSlot>();
+    slot->interfaceIndex = i / perInterface;
+    slot->camera = std::move(cameras[i]);
+    session->cameras.push_back(std::move(slot));
+  }
+  for (std::size_t i = 0; i < kInterfaces; ++i) {
+    const std::string number = std::to_string(i);
+    session->interfaces.push_back({"VirtualInterface" + number, "Virtual Interface " + number, TLTypeCustomName});
+  }
+  return session;
+}
+
+}  // namespace
+
+Library& Library::instance() {
+  alignas(Library) static std::array<std::byte, sizeof(Library)> place;
+  static Library& instance = *new (place.data()) Library;
+  return instance;
+}
+
+void Library::open() {
+  const std::lock_guard lock(mutex_);
+  if (session_) {
+    fail(GC_ERR_RESOURCE_IN_USE, "the library is already initialised");
+  }
+  session_ = makeSession();
+  initialized_.store(true, std::memory_order_release);
+}
+
+void Library::close() {
+  const std::lock_guard lock(mutex_);
+  if (!session_) {
+    fail(GC_ERR_NOT_INITIALIZED, "the library is not initialised");
+  }
+  initialized_.store(false, std::memory_order_release);
+  void* system = nullptr;
+  {
+    const std::lock_guard systemLock(systemMutex_);
+    system = system_ ? system_->handle() : nullptr;
+  }
+  if (system != nullptr) {
+    if (Object* claimed = HandleTable::claim(system, kSystem)) {
+      static_cast<System*>(claimed)->shutDown();
+    } else {
+      HandleTable::awaitErased(system);
+    }
+  }
+  session_.reset();
+}
+
+ProducerIdentity Library::identity() {
+  const std::lock_guard lock(mutex_);
+  if (!session_) {
+    fail(GC_ERR_NOT_INITIALIZED, "the library is not initialised");
+  }
+  return session_->identity;
+}
+
+void* Library::openSystem() {
+  const std::lock_guard lock(mutex_);
+  if (!session_) {
+    fail(GC_ERR_NOT_INITIALIZED, "the library is not initialised");
+  }
+  const std::lock_guard systemLock(systemMutex_);
+  if (system_) {
+    fail(GC_ERR_RESOURCE_IN_USE, "the system is already open");
+  }
+  auto system = std::make_unique<System>(*session_);
+  HandleTable::insert(*system);
+  system_ = std::move(system);
+  return system_->handle();
+}
+
+std::unique_ptr<System> Library::takeSystem() {
+  const std::lock_guard lock(systemMutex_);
+  return std::move(system_);
+}
+
+bool Library::setPresent(const std::string& deviceId, bool present) {
+  const std::lock_guard lock(mutex_);
+  bool known = deviceId.empty();
+  if (!session_) {
+    return known;
+  }
+  for (const auto& slot : session_->cameras) {
+    if (!deviceId.empty() && slot->camera->identity().id != deviceId) {
+      continue;
+    }
+    known = true;
+    if (slot->present.exchange(present) == present) {
+      continue;
+    }
+    if (present) {
+      ++slot->plugs;
+    } else {
+      slot->camera->disconnect();
+    }
+    const std::lock_guard systemLock(systemMutex_);
+    if (system_) {
+      system_->cableChanged(*slot, present);
+    }
+  }
+  return known;
+}
+
+bool Library::setBusyPolls(const std::string& deviceId, std::uint32_t polls) {
+  const std::lock_guard lock(mutex_);
+  bool known = deviceId.empty();
+  if (session_) {
+    for (const auto& slot : session_->cameras) {
+      if (deviceId.empty() || slot->camera->identity().id == deviceId) {
+        slot->camera->setBusyPolls(polls);
+        known = true;
+      }
+    }
+  }
+  return known;
+}
+
+}  // namespace vcam

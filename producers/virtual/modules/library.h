@@ -1,0 +1,82 @@
+// The producer as a whole: what exists between GCInitLib and GCCloseLib.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "camera/camera.h"
+#include "options.h"
+
+namespace vcam {
+
+class System;
+
+// One camera and the cable it hangs on.
+struct CameraSlot {
+  std::unique_ptr<Camera> camera;
+  std::size_t interfaceIndex = 0;
+  std::atomic<bool> present{true};
+  // Grows each time the cable is plugged in; a device that was opened before stays lost.
+  std::atomic<std::uint64_t> plugs{0};
+};
+
+struct InterfaceEntry {
+  std::string id;
+  std::string displayName;
+  std::string tlType;
+};
+
+// Names of the producer; the same for GCGetInfo, TLGetInfo and the system's node map.
+struct ProducerIdentity {
+  std::string id;
+  std::string vendor;
+  std::string model;
+  std::string version;
+  std::string tlType;
+  std::string name;
+  std::string pathName;
+  std::string displayName;
+};
+
+// What lives between GCInitLib and GCCloseLib.
+struct Session {
+  Options options;
+  ProducerIdentity identity;
+  std::vector<InterfaceEntry> interfaces;
+  std::vector<std::unique_ptr<CameraSlot>> cameras;
+};
+
+class Library {
+ public:
+  // Never destroyed: a process may end without closing the producer.
+  static Library& instance();
+
+  static bool isInitialized() noexcept { return initialized_.load(std::memory_order_acquire); }
+
+  void open();
+  void close();
+
+  ProducerIdentity identity();
+
+  void* openSystem();
+  std::unique_ptr<System> takeSystem();
+
+  // The cable of one device, or of all when the ID is empty. False for an ID that no camera has.
+  bool setPresent(const std::string& deviceId, bool present);
+  // The same for commands that take a while.
+  bool setBusyPolls(const std::string& deviceId, std::uint32_t polls);
+
+ private:
+  inline static std::atomic<bool> initialized_{false};
+
+  std::mutex mutex_;
+  std::unique_ptr<Session> session_;
+  std::mutex systemMutex_;  // taken after mutex_
+  std::unique_ptr<System> system_;
+};
+
+}  // namespace vcam
