@@ -1,0 +1,216 @@
+// The way of a filled buffer from the producer to its record, and back to the producer.
+#include "image_wait.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+#include "acquisition/events.h"
+#include "core/handle_registry.h"
+#include "core/log.h"
+#include "core/result.h"
+#include "event_record.h"
+#include "gentl/buffer.h"
+#include "gentl/data_stream.h"
+#include "gentl/exceptions.h"
+#include "gentl/guard.h"
+#include "gentl/module_lookup.h"
+#include "image_geometry.h"
+#include "image_record.h"
+#include "platform/platform.h"
+
+namespace OVI {
+
+namespace {
+
+using GenTLCpp::Buffer;
+using GenTLCpp::DataStream;
+using GenTLCpp::Event;
+using GenTLCpp::NewBufferEvent;
+
+constexpr const char* kSite = "OVI::oviWaitForEvent";
+
+/** What a producer tells about a filled buffer. */
+struct BufferInfos {
+  std::uint64_t base = 0;
+  std::uint64_t frameId = 0;
+  std::uint64_t pixelFormat = 0;
+  std::uint64_t height = 0;
+  std::uint64_t width = 0;
+  std::uint64_t sizeFilled = 0;
+  std::uint64_t size = 0;
+};
+
+/** One question. Without the needed answers there is no image; the others stay zero when the producer has none. */
+struct InfoRule {
+  BUFFER_INFO_CMD command;
+  std::uint64_t BufferInfos::*answer;
+  bool needed;
+};
+constexpr InfoRule kInfoRules[] = {
+    {BUFFER_INFO_BASE, &BufferInfos::base, true},
+    {BUFFER_INFO_FRAMEID, &BufferInfos::frameId, false},
+    {BUFFER_INFO_PIXELFORMAT, &BufferInfos::pixelFormat, true},
+    {BUFFER_INFO_HEIGHT, &BufferInfos::height, true},
+    {BUFFER_INFO_WIDTH, &BufferInfos::width, true},
+    {BUFFER_INFO_SIZE_FILLED, &BufferInfos::sizeFilled, false},
+    {BUFFER_INFO_SIZE, &BufferInfos::size, false},
+};
+
+/** @throws GenTLException when the buffer is not complete */
+BufferInfos askInfos(const DataStream& stream, const Buffer& buffer) {
+  BufferInfos infos;
+  DS_HANDLE handle = stream.getHandle();
+  for (const InfoRule& rule : kInfoRules) {
+    std::uint64_t value = 0;
+    std::size_t size = sizeof value;
+    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+    const GC_ERROR status = stream.getBufferInfo(handle, buffer.getRawHandle(), rule.command, &type, &value, &size);
+    if (status == GC_ERR_SUCCESS) {
+      infos.*rule.answer = value;
+    } else if (rule.needed || !isNoValue(status)) {
+      GenTLCpp::checkGenTLError(status);
+    }
+  }
+  return infos;
+}
+
+void fillRecord(oviNewBufferEventData& record, const BufferInfos& infos) noexcept {
+  record.event.value = reinterpret_cast<void*>(static_cast<std::uintptr_t>(infos.base));
+  // No producer has filled more than there is, whatever it says.
+  record.event.valueSize = infos.size != 0 ? std::min(infos.sizeFilled, infos.size) : infos.sizeFilled;
+  record.frameID = infos.frameId;
+  record.pixelFormat = static_cast<std::uint32_t>(infos.pixelFormat);
+  record.height = static_cast<std::uint32_t>(infos.height);
+  record.width = static_cast<std::uint32_t>(infos.width);
+  record.linePitch = linePitchOf(record.pixelFormat, record.width);
+  record.channels = channelsOf(record.pixelFormat);
+}
+
+void stampRecord(oviNewBufferEventData& record) noexcept {
+  constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
+  record.timestampNs = platform::monotonicNanoseconds();
+  record.timestampMs = record.timestampNs / kNanosecondsPerMillisecond;
+}
+
+/** How a delivery ended; what is to be logged is told after the stay with the event. */
+struct Delivery {
+  oviErr result = OVI_SUCCESS;
+  oviNewBufferEventData* record = nullptr;
+  bool isIncomplete = false;
+  std::string infoFailure;
+  std::string queueFailure;
+};
+
+/** An image that cannot be described never reaches the application: its buffer is filled again. */
+void queueAgain(DataStream& stream, const Buffer& buffer, Delivery& delivery) {
+  try {
+    GenTLCpp::checkGenTLError(stream.queueBuffer(buffer, false));
+  } catch (const GenTLCpp::GenTLException& error) {
+    delivery.queueFailure = error.what();
+  }
+}
+
+void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA& data, Delivery& delivery) {
+  const std::uint64_t streamHandle = recordOf(event).moduleHandle();
+  const HandleRegistry::Module module = HandleRegistry::instance().findNative(streamHandle, data.BufferHandle);
+  if (module == nullptr) {
+    delivery.result = OVI_ERR_NOT_FOUND;
+    return;
+  }
+  auto& buffer = static_cast<Buffer&>(*module);
+  auto* record = static_cast<oviNewBufferEventData*>(buffer.getUserData());
+  if (record == nullptr) {
+    return;
+  }
+  setEventData(*record, data);
+  record->event.eventID = eventIdOf(event, &data, sizeof data);
+  try {
+    const BufferInfos infos = askInfos(stream, buffer);
+    fillRecord(*record, infos);
+    record->event.moduleHandle = streamHandle;
+    record->event.moduleSelector = OVI_MODULE_DATA_STREAM;
+    stampRecord(*record);
+    buffer.addDeliveredSize(infos.size);
+    buffer.addUnfilledSize(infos.size - std::min(infos.sizeFilled, infos.size));
+    record->event.kind = OVI_EVENT_NEW_BUFFER;
+    delivery.record = record;
+  } catch (const GenTLCpp::GenTLException& error) {
+    delivery.isIncomplete = true;
+    delivery.result = OVI_ERR_INVALID_BUFFER;
+    delivery.infoFailure = error.what();
+    queueAgain(stream, buffer, delivery);
+  }
+}
+
+void logFailure(const Delivery& delivery) {
+  if (!delivery.isIncomplete) {
+    OVI_LOG_ERROR(kSite) << "Failed to get buffer from native buffer handle!";
+    return;
+  }
+  OVI_LOG_ERROR(kSite) << "Failed to get buffer information! Buffer is not complete and will be queued again. Error: "
+                       << delivery.infoFailure;
+  if (!delivery.queueFailure.empty()) {
+    OVI_LOG_ERROR(kSite) << "Error queueing buffer: " << delivery.queueFailure;
+  }
+}
+
+}  // namespace
+
+oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord) {
+  auto* newBuffer = dynamic_cast<NewBufferEvent*>(&event);
+  if (newBuffer == nullptr) {
+    OVI_LOG_ERROR(kSite) << "Could not wait for this event, the event type didn't match the expected EVENT_NEW_BUFFER "
+                            "type!";
+    return OVI_ERR_UNKNOWN;
+  }
+  Delivery delivery;
+  try {
+    const Event::Stay stay(event);
+    const EVENT_NEW_BUFFER_DATA data = newBuffer->waitForBuffer(stay, timeout);
+    deliver(event, static_cast<DataStream&>(*event.getParent()), data, delivery);
+  } catch (const GenTLCpp::TimeoutException& error) {
+    OVI_LOG_DEBUG(kSite) << "Timeout waiting for new buffer event! Error: " << error.what();
+    return mapGenTLError(error.code());
+  } catch (const GenTLCpp::AbortException& error) {
+    OVI_LOG_DEBUG(kSite) << "Info: New buffer event was aborted (this is not an error)! Message: " << error.what();
+    return mapGenTLError(error.code());
+  } catch (const GenTLCpp::GenTLException& error) {
+    OVI_LOG_WARNING(kSite) << "Failed getting new buffer event data! Error: " << error.what();
+    return mapGenTLError(error.code());
+  }
+  if (delivery.result != OVI_SUCCESS) {
+    logFailure(delivery);
+  }
+  outRecord = delivery.record;
+  return delivery.result;
+}
+
+oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record) {
+  constexpr const char* kReleaseSite = "OVI::oviReleaseImage";
+  if (streamHandle == 0 || record == nullptr) {
+    return OVI_ERR_INVALID_PARAMETER;
+  }
+  std::shared_ptr<DataStream> stream;
+  if (lookupModule(streamHandle, stream) != OVI_SUCCESS) {
+    OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown stream.";
+  }
+  std::shared_ptr<Buffer> buffer;
+  const oviErr result = lookupModule(record->bufferHandle, buffer);
+  if (result != OVI_SUCCESS) {
+    OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown buffer.";
+  }
+  if (stream == nullptr || buffer == nullptr) {
+    return result;  // Of the buffer alone: an unknown stream is in the log only.
+  }
+  return guarded(kReleaseSite, Severity::Error, "Failed to queue buffer. Error: ", [&] {
+    const GC_ERROR status = stream->queueBuffer(*buffer, false);
+    if (status != GC_ERR_SUCCESS) {
+      OVI_LOG_ERROR(kReleaseSite) << "Failed to queue buffer. Error: " << status;
+    }
+    return mapGenTLError(status);
+  });
+}
+
+}  // namespace OVI

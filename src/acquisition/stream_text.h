@@ -1,0 +1,47 @@
+// What the log calls streams and devices, and catches whose log line has no room for a reason.
+#pragma once
+
+#include <string>
+
+#include "core/log.h"
+#include "gentl/data_stream.h"
+#include "gentl/device.h"
+#include "gentl/guard.h"
+#include "ovi/ovi.h"
+
+namespace OVI {
+
+/** The ID that the producer gives; empty when it gives none, which is no reason to fail a message. */
+inline std::string streamId(const GenTLCpp::DataStream& stream) {
+  try {
+    return stream.getInfoString(STREAM_INFO_ID);
+  } catch (const GenTLCpp::GenTLException&) {
+    return {};
+  }
+}
+
+inline std::string deviceId(const GenTLCpp::Device& device) {
+  try {
+    return device.getInfoString(DEVICE_INFO_ID);
+  } catch (const GenTLCpp::GenTLException&) {
+    return {};
+  }
+}
+
+/** As guarded(), for an error line that is fixed text: the reason follows in a line of its own, for debugging. */
+template<class Work>
+oviErr guardedWithFixedText(const char* site, const char* text, Work&& work) {
+  bool thrown = true;
+  const auto prefix = [&](LogRecord& record) { record << text << " Reason: "; };
+  const oviErr result = guarded(site, Severity::Debug, prefix, [&] {
+    const oviErr worked = work();
+    thrown = false;
+    return worked;
+  });
+  if (thrown) {
+    OVI_LOG_ERROR(site) << text;
+  }
+  return result;
+}
+
+}  // namespace OVI
