@@ -1,7 +1,6 @@
 /// The exceptions of the GenICam interface and the macros that make them: throw ACCESS_EXCEPTION("Port %d", n);
 #pragma once
 
-#include <cinttypes>
 #include <sstream>
 #include <string>
 
@@ -115,6 +114,13 @@ T INTEGRAL_CAST(int64_t value) {
   return INTEGRAL_CAST2<T, int64_t>(value);
 }
 
+/// What CHECK_RANGE_I64 and CHECK_RANGE_FLT do: OutOfRangeException outside the range or between two steps,
+/// LogicalErrorException for an increment of 0.
+GCBASE_API void CheckRange(int64_t value, int64_t minimum, int64_t maximum, int64_t increment,
+                           const char* sourceFileName, unsigned int sourceLine);
+GCBASE_API void CheckRange(double value, double minimum, double maximum, const char* sourceFileName,
+                           unsigned int sourceLine);
+
 }  // namespace GENICAM_NAMESPACE
 
 #define GENICAM_EXCEPTION_REPORTER(Type) \
@@ -131,31 +137,10 @@ T INTEGRAL_CAST(int64_t value) {
 #define TIMEOUT_EXCEPTION GENICAM_EXCEPTION_REPORTER(TimeoutException)
 #define DYNAMICCAST_EXCEPTION GENICAM_EXCEPTION_REPORTER(DynamicCastException)
 
-#define CHECK_RANGE_I64(value, minimum, maximum, increment)                                                     \
-  do {                                                                                                          \
-    const int64_t gcValue = (value), gcMin = (minimum), gcMax = (maximum), gcInc = (increment);                 \
-    if (gcValue < gcMin)                                                                                        \
-      throw OUT_OF_RANGE_EXCEPTION("Value = %" PRId64 " must be equal or greater than Min = %" PRId64, gcValue, \
-                                   gcMin);                                                                      \
-    if (gcValue > gcMax)                                                                                        \
-      throw OUT_OF_RANGE_EXCEPTION("Value = %" PRId64 " must be equal or smaller than Max = %" PRId64, gcValue, \
-                                   gcMax);                                                                      \
-    if (gcInc == 0)                                                                                             \
-      throw LOGICAL_ERROR_EXCEPTION("Increment must not equal 0!");                                             \
-    if ((static_cast<uint64_t>(gcValue) - static_cast<uint64_t>(gcMin)) % static_cast<uint64_t>(gcInc) != 0)    \
-      throw OUT_OF_RANGE_EXCEPTION("The difference between Value = %" PRId64 " and Min = %" PRId64              \
-                                   " must be dividable without rest by Inc = %" PRId64,                         \
-                                   gcValue, gcMin, gcInc);                                                      \
-  } while (false)
-
-#define CHECK_RANGE_FLT(value, minimum, maximum)                                                 \
-  do {                                                                                           \
-    const double gcValue = (value), gcMin = (minimum), gcMax = (maximum);                        \
-    if (gcValue < gcMin)                                                                         \
-      throw OUT_OF_RANGE_EXCEPTION("Value %f must be greater than or equal %f", gcValue, gcMin); \
-    if (gcValue > gcMax)                                                                         \
-      throw OUT_OF_RANGE_EXCEPTION("Value %f must be smaller than or equal %f", gcValue, gcMax); \
-  } while (false)
+#define CHECK_RANGE_I64(value, minimum, maximum, increment) \
+  GENICAM_NAMESPACE::CheckRange((value), (minimum), (maximum), (increment), __FILE__, __LINE__)
+#define CHECK_RANGE_FLT(value, minimum, maximum) \
+  GENICAM_NAMESPACE::CheckRange((value), (minimum), (maximum), __FILE__, __LINE__)
 
 #define CHECK_DYNAMIC_CAST_POINTER(pointer)                     \
   do {                                                          \

@@ -44,7 +44,7 @@ class GCBASE_API gcstring {
   size_t find_first_of(const gcstring& str, size_t offset = 0) const;
   size_t find_first_not_of(const gcstring& str, size_t offset = 0) const;
   static size_t _npos() { return std::string::npos; }  // NOLINT(bugprone-reserved-identifier)
-  static const size_t npos = static_cast<size_t>(-1);
+  static constexpr size_t npos = static_cast<size_t>(-1);
   void swap(gcstring& right) noexcept { m_text.swap(right.m_text); }
 
   gcstring& operator=(const gcstring&) = default;

@@ -1,4 +1,5 @@
 // The texts of exceptions.
+#include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
 #include <string_view>
@@ -72,6 +73,29 @@ gcstring FormatExceptionTextWithArguments(const char* format, ...) {
   std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   return text;
+}
+
+void CheckRange(int64_t value, int64_t minimum, int64_t maximum, int64_t increment, const char* sourceFileName,
+                unsigned int sourceLine) {
+  const ExceptionReporter<OutOfRangeException> outOfRange(sourceFileName, sourceLine, "OutOfRangeException");
+  if (value < minimum)
+    throw outOfRange.Report("Value = %" PRId64 " must be equal or greater than Min = %" PRId64, value, minimum);
+  if (value > maximum)
+    throw outOfRange.Report("Value = %" PRId64 " must be equal or smaller than Max = %" PRId64, value, maximum);
+  if (increment == 0)
+    throw LogicalErrorException("Increment must not equal 0!", sourceFileName, sourceLine);
+  if ((static_cast<uint64_t>(value) - static_cast<uint64_t>(minimum)) % static_cast<uint64_t>(increment) != 0)
+    throw outOfRange.Report("The difference between Value = %" PRId64 " and Min = %" PRId64
+                            " must be dividable without rest by Inc = %" PRId64,
+                            value, minimum, increment);
+}
+
+void CheckRange(double value, double minimum, double maximum, const char* sourceFileName, unsigned int sourceLine) {
+  const ExceptionReporter<OutOfRangeException> outOfRange(sourceFileName, sourceLine, "OutOfRangeException");
+  if (value < minimum)
+    throw outOfRange.Report("Value %f must be greater than or equal %f", value, minimum);
+  if (value > maximum)
+    throw outOfRange.Report("Value %f must be smaller than or equal %f", value, maximum);
 }
 
 }  // namespace GENICAM_NAMESPACE

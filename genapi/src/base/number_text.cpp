@@ -36,7 +36,9 @@ bool takeSign(std::string_view& text) {
 }
 
 bool takeHexMark(std::string_view& text) {
-  if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X'))
+  constexpr std::string_view kHexDigitsOfBothCases = "0123456789abcdefABCDEF";
+  if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X') ||
+      kHexDigitsOfBothCases.find(text[2]) == std::string_view::npos)
     return false;
   text.remove_prefix(2);
   return true;

@@ -275,18 +275,25 @@ struct FloatingFrame {
     return finish(x, calculated(op, operand), std::isfinite(operand));
   }
 
-  // Adds, subtracts or multiplies integers where the result certainly fits.
+  // Adds, subtracts or multiplies integers if the result fits.
   static bool exact(Op op, const Cell& a, const Cell& b, Cell& result) {
     if (!a.isInteger || !b.isInteger)
       return false;
-    const auto x = static_cast<double>(a.integer);
-    const auto y = static_cast<double>(b.integer);
-    const double about = op == Op::add ? x + y : op == Op::subtract ? x - y : x * y;
-    if (std::fabs(about) >= 0x1p62)
+    // Well below 2^63, as the estimate is rounded.
+    constexpr double kCertainlyFits = 0x1.fffp62;
+    const std::uint64_t x = bits(a.integer);
+    const std::uint64_t y = bits(b.integer);
+    if (op == Op::multiply) {
+      if (std::fabs(static_cast<double>(a.integer) * static_cast<double>(b.integer)) >= kCertainlyFits)
+        return false;
+      result.set(wrapped(x * y));
+      return true;
+    }
+    const std::uint64_t sum = op == Op::add ? x + y : x - y;
+    const std::uint64_t overflow = op == Op::add ? (x ^ sum) & (y ^ sum) : (x ^ y) & (x ^ sum);
+    if (wrapped(overflow) < 0)
       return false;
-    const std::uint64_t p = bits(a.integer);
-    const std::uint64_t q = bits(b.integer);
-    result.set(wrapped(op == Op::add ? p + q : op == Op::subtract ? p - q : p * q));
+    result.set(wrapped(sum));
     return true;
   }
 
@@ -447,7 +454,7 @@ FormulaProgram::FormulaProgram() = default;
 FormulaProgram::~FormulaProgram() = default;
 
 template<std::size_t FrameSize>
-FormulaFault FormulaProgram::runInFrame(ReadVariable read, void* context, FormulaValue& result) const {
+FormulaFault FormulaProgram::runInFrame(ReadVariable read, const void* context, FormulaValue& result) const {
   const auto readVariable = [&](std::size_t i) { return read(context, usedVariables_[i]); };
   return kind_ == FormulaKind::integer ? evaluateIn<IntegerFrame, FrameSize>(
                                              instructions_, constants_, usedVariables_.size(), readVariable, result)
@@ -455,7 +462,7 @@ FormulaFault FormulaProgram::runInFrame(ReadVariable read, void* context, Formul
                                              instructions_, constants_, usedVariables_.size(), readVariable, result);
 }
 
-FormulaFault FormulaProgram::run(ReadVariable read, void* context, FormulaValue& result) const {
+FormulaFault FormulaProgram::run(ReadVariable read, const void* context, FormulaValue& result) const {
   return frameSize_ <= kSmallFormulaFrame ? runInFrame<kSmallFormulaFrame>(read, context, result)
                                           : runInFrame<kMaxFormulaFrame>(read, context, result);
 }

@@ -88,11 +88,12 @@ class FormulaProgram {
   /// @param read    called as FormulaValue(std::uint32_t index); what it throws passes through
   /// @param result  the integer of an integer formula, the double of a floating one; untouched if there is a fault
   template<class Read>
-  FormulaFault evaluate(Read&& read, FormulaValue& result) const {
-    using Reader = std::remove_reference_t<Read>;
-    return run(
-        [](void* context, std::uint32_t index) -> FormulaValue { return (*static_cast<Reader*>(context))(index); },
-        const_cast<void*>(static_cast<const void*>(&read)), result);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+  requires std::is_invocable_r_v<FormulaValue, Read&, std::uint32_t> FormulaFault evaluate(Read&& read,
+                                                                                           FormulaValue& result)
+  const {
+    const auto call = [&read](std::uint32_t index) -> FormulaValue { return read(index); };
+    return run([](const void* context, std::uint32_t index) { return (*static_cast<decltype(&call)>(context))(index); },
+               &call, result);
   }
   /// As above, with the value of each variable at its index.
   FormulaFault evaluate(std::span<const FormulaValue> values, FormulaValue& result) const {
@@ -107,12 +108,12 @@ class FormulaProgram {
 
  private:
   friend class FormulaCompiler;
-  using ReadVariable = FormulaValue (*)(void* context, std::uint32_t index);
+  using ReadVariable = FormulaValue (*)(const void* context, std::uint32_t index);
 
   FormulaProgram();
-  FormulaFault run(ReadVariable read, void* context, FormulaValue& result) const;
+  FormulaFault run(ReadVariable read, const void* context, FormulaValue& result) const;
   template<std::size_t FrameSize>
-  FormulaFault runInFrame(ReadVariable read, void* context, FormulaValue& result) const;
+  FormulaFault runInFrame(ReadVariable read, const void* context, FormulaValue& result) const;
 
   FormulaKind kind_ = FormulaKind::floating;
   std::uint32_t frameSize_ = 0;
