@@ -1,0 +1,58 @@
+// What the library asks of the system.
+#include "platform/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <utility>
+
+namespace OVI::platform {
+namespace {
+
+TEST(Platform, FileUrlsBecomePaths) {
+  const std::array<std::pair<const char*, const char*>, 8> cases = {{{"file:///opt/a%20b/c.xml", "/opt/a b/c.xml"},
+                                                                     {"FILE:/opt/c.xml", "/opt/c.xml"},
+                                                                     {"File://localhost/c.xml", "/c.xml"},
+                                                                     {"file://elsewhere/c.xml", ""},
+                                                                     {"file:///c.xml?SchemaVersion=1.1.0", "/c.xml"},
+                                                                     {"file:///100%.xml", "/100%.xml"},
+                                                                     {"http://host/c.xml", ""},
+                                                                     {"", ""}}};
+  for (const auto& [url, path] : cases) {
+    const std::string slashes = std::regex_replace(urlToPath(url), std::regex(R"(\\)"), "/");
+    EXPECT_EQ(slashes, path) << url;
+  }
+}
+
+TEST(Platform, FilesAreReadWholeOrNotAtAll) {
+  const std::string content("a\0b\r\n\xFF", 6);
+  std::ofstream("read.bin", std::ios::binary) << content;
+  EXPECT_EQ(readFile("read.bin"), content);
+  EXPECT_EQ(readFile("read.bin", 6), content);
+  EXPECT_EQ(readFile("read.bin", 5), std::nullopt);
+  EXPECT_EQ(readFile("missing.bin"), std::nullopt);
+  std::remove("read.bin");
+}
+
+TEST(Platform, CommandsAreRunAndTheirOutputIsRead) {
+  const auto output = runAndRead("echo False");
+  ASSERT_TRUE(output);
+  EXPECT_EQ(output->substr(0, 5), "False");
+  EXPECT_EQ(runAndRead("a-command-that-does-not-exist").value_or("").find("False"), std::string::npos);
+}
+
+TEST(Platform, ALibraryThatCannotBeLoadedSaysWhy) {
+  EXPECT_EQ(loadLibrary("./no such library.cti"), nullptr);
+  EXPECT_FALSE(lastErrorText().empty());
+}
+
+TEST(Platform, WideTextIsNarrowed) {
+  EXPECT_EQ(narrow(std::wstring(L"abc")), "abc");
+  EXPECT_EQ(toUtf8(narrow(std::wstring(L"\u00FC"))), "\xC3\xBC");
+}
+
+}  // namespace
+}  // namespace OVI::platform
