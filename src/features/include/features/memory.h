@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "features/node_lookup.h"
 #include "ovi/ovi.h"
 
 namespace OVI {
@@ -18,8 +17,5 @@ oviErr oviSetRegisterValue(std::uint64_t handle, const char* address, const char
 
 /** Selector 3 asks the remote port of a device; every other selector the own port of the module behind the handle. */
 oviErr oviIsModuleLittleEndian(std::uint64_t handle, std::int32_t selector, bool* littleEndian);
-
-/** The same for the module in which a node was found; `littleEndian` stays as it is when the port does not answer. */
-void getByteOrder(const FoundNode& found, std::uint64_t handle, std::uint32_t selector, bool& littleEndian);
 
 }  // namespace OVI

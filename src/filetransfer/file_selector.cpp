@@ -1,0 +1,47 @@
+// The names under which a camera keeps its files.
+#include "file_selector.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "features/enumerations.h"
+
+namespace OVI {
+namespace {
+
+constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
+
+// Names of older cameras, which take them although they do not list them.
+constexpr std::array<std::string_view, 6> kAcceptedEverywhere = {"BrefLut1", "ShcLut1",  "User Defined",
+                                                                 "Default",  "GammaLut", "PackageDescriptionFile"};
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+  });
+}
+
+}  // namespace
+
+bool hasFileSelector(std::uint64_t device, std::string_view name) {
+  std::uint32_t count = 0;
+  if (OVI::oviGetFeatureEnumEntryCount(device, "FileSelector", &count, kCamera) != OVI_SUCCESS)
+    return false;
+  oviFeatureParameter entry;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (OVI::oviGetFeatureEnumEntryByIndex(device, "FileSelector", static_cast<std::int32_t>(i), &entry, kCamera) ==
+            OVI_SUCCESS &&
+        name == entry.stringValue)
+      return true;
+  }
+  return false;
+}
+
+bool isFileSelector(std::uint64_t device, std::string_view name) {
+  return hasFileSelector(device, name) ||
+         std::any_of(kAcceptedEverywhere.begin(), kAcceptedEverywhere.end(),
+                     [name](std::string_view accepted) { return equalsIgnoringCase(name, accepted); });
+}
+
+}  // namespace OVI
