@@ -34,7 +34,8 @@ struct NodeMapDiagnostics {
 /// Throws InvalidArgumentException for a node map that is not one of this engine's.
 NodeMapDiagnostics diagnosticsOf(const GENAPI_NAMESPACE::INodeMap& nodeMap);
 
-/// The kind of a node as its description names it: "Integer", "MaskedIntReg", ...; "StructEntry" for entries of StructReg.
+/// The kind of a node as its description names it: "Integer", "MaskedIntReg", ...; "StructEntry" for entries of
+/// StructReg.
 std::string nodeKindOf(const GENAPI_NAMESPACE::INode& node);
 
 }  // namespace GenApiEngine

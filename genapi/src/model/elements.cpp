@@ -1,0 +1,224 @@
+// The table behind the vocabulary and the search in it, which every element of a description goes through.
+#include "model/elements.h"
+
+#include <algorithm>
+#include <array>
+
+#include "model/text.h"
+
+namespace GenApiEngine {
+namespace {
+
+constexpr ElementInfo holder(std::string_view name, Element element) {
+  return {name, element, Lexical::Text, Link::None, false};
+}
+constexpr ElementInfo text(std::string_view name, Element element) {
+  return {name, element, Lexical::Text, Link::None, false};
+}
+constexpr ElementInfo integer(std::string_view name, Element element, bool essential = true) {
+  return {name, element, Lexical::Integer, Link::None, essential};
+}
+// Integer or float, as the node's kind wants it.
+constexpr ElementInfo number(std::string_view name, Element element, bool essential = true) {
+  return {name, element, Lexical::Number, Link::None, essential};
+}
+constexpr ElementInfo reference(std::string_view name, Element element, Link link, bool essential) {
+  return {name, element, Lexical::Reference, link, essential};
+}
+
+// In the order of the enumeration.
+constexpr std::array kElements{
+    holder("Node", Element::Node),
+    holder("Category", Element::Category),
+    holder("Integer", Element::Integer),
+    holder("IntReg", Element::IntReg),
+    holder("MaskedIntReg", Element::MaskedIntReg),
+    holder("StructEntry", Element::StructEntry),
+    holder("Boolean", Element::Boolean),
+    holder("Command", Element::Command),
+    holder("Enumeration", Element::Enumeration),
+    holder("EnumEntry", Element::EnumEntry),
+    holder("Float", Element::Float),
+    holder("FloatReg", Element::FloatReg),
+    holder("Converter", Element::Converter),
+    holder("IntConverter", Element::IntConverter),
+    holder("SwissKnife", Element::SwissKnife),
+    reference("IntSwissKnife", Element::IntSwissKnife, Link::Computes, true),
+    holder("String", Element::String),
+    holder("StringReg", Element::StringReg),
+    holder("Register", Element::Register),
+    holder("Port", Element::Port),
+    holder("ConfRom", Element::ConfRom),
+    holder("TextDesc", Element::TextDesc),
+    holder("IntKey", Element::IntKey),
+    holder("AdvFeatureLock", Element::AdvFeatureLock),
+    holder("SmartFeature", Element::SmartFeature),
+    holder("StructReg", Element::StructReg),
+    holder("Group", Element::Group),
+    holder("RegisterDescription", Element::RegisterDescription),
+    text("Name", Element::Name),
+    text("NameSpace", Element::NameSpace),
+    text("MergePriority", Element::MergePriority),
+    text("ExposeStatic", Element::ExposeStatic),
+    text("Comment", Element::Comment),
+    holder("Extension", Element::Extension),
+    text("ToolTip", Element::ToolTip),
+    text("Description", Element::Description),
+    text("DisplayName", Element::DisplayName),
+    text("Visibility", Element::Visibility),
+    text("DocuURL", Element::DocuURL),
+    text("IsDeprecated", Element::IsDeprecated),
+    text("EventID", Element::EventID),
+    reference("pIsImplemented", Element::pIsImplemented, Link::Reads, true),
+    reference("pIsAvailable", Element::pIsAvailable, Link::Reads, true),
+    reference("pIsLocked", Element::pIsLocked, Link::Reads, true),
+    reference("pBlockPolling", Element::pBlockPolling, Link::Reads, false),
+    text("ImposedAccessMode", Element::ImposedAccessMode),
+    reference("pError", Element::pError, Link::Reads, false),
+    reference("pAlias", Element::pAlias, Link::None, false),
+    reference("pCastAlias", Element::pCastAlias, Link::None, false),
+    reference("pInvalidator", Element::pInvalidator, Link::Invalidates, false),
+    text("Streamable", Element::Streamable),
+    reference("pSelected", Element::pSelected, Link::None, false),
+    integer("Address", Element::Address),
+    reference("pAddress", Element::pAddress, Link::Computes, true),
+    reference("pIndex", Element::pIndex, Link::Computes, true),
+    reference("pOffset", Element::pOffset, Link::Computes, true),
+    integer("Length", Element::Length),
+    reference("pLength", Element::pLength, Link::Computes, true),
+    text("AccessMode", Element::AccessMode),
+    reference("pPort", Element::pPort, Link::Computes, true),
+    text("Cachable", Element::Cachable),
+    integer("PollingTime", Element::PollingTime, false),
+    text("Sign", Element::Sign),
+    text("Endianess", Element::Endianess),
+    integer("Bit", Element::Bit),
+    integer("LSB", Element::LSB),
+    integer("MSB", Element::MSB),
+    number("Value", Element::Value),
+    reference("pValue", Element::pValue, Link::Writes, true),
+    reference("pValueCopy", Element::pValueCopy, Link::Writes, true),
+    number("ValueIndexed", Element::ValueIndexed),
+    reference("pValueIndexed", Element::pValueIndexed, Link::Writes, true),
+    number("ValueDefault", Element::ValueDefault),
+    reference("pValueDefault", Element::pValueDefault, Link::Writes, true),
+    number("Min", Element::Min),
+    reference("pMin", Element::pMin, Link::Reads, true),
+    number("Max", Element::Max),
+    reference("pMax", Element::pMax, Link::Reads, true),
+    number("Inc", Element::Inc),
+    reference("pInc", Element::pInc, Link::Reads, true),
+    text("Unit", Element::Unit),
+    text("Representation", Element::Representation),
+    text("DisplayNotation", Element::DisplayNotation),
+    integer("DisplayPrecision", Element::DisplayPrecision, false),
+    text("ValidValueSet", Element::ValidValueSet),
+    integer("OnValue", Element::OnValue),
+    integer("OffValue", Element::OffValue),
+    integer("CommandValue", Element::CommandValue),
+    reference("pCommandValue", Element::pCommandValue, Link::Computes, true),
+    reference("pEnumEntry", Element::pEnumEntry, Link::Reads, false),
+    number("NumericValue", Element::NumericValue, false),
+    text("Symbolic", Element::Symbolic),
+    text("IsSelfClearing", Element::IsSelfClearing),
+    reference("pVariable", Element::pVariable, Link::Computes, true),
+    number("Constant", Element::Constant),
+    text("Expression", Element::Expression),
+    text("Formula", Element::Formula),
+    text("FormulaTo", Element::FormulaTo),
+    text("FormulaFrom", Element::FormulaFrom),
+    text("Slope", Element::Slope),
+    text("IsLinear", Element::IsLinear),
+    reference("pFeature", Element::pFeature, Link::Reads, false),
+    text("ChunkID", Element::ChunkID),
+    reference("pChunkID", Element::pChunkID, Link::Computes, true),
+    text("SwapEndianess", Element::SwapEndianess),
+    text("CacheChunkData", Element::CacheChunkData),
+    reference("p1212Parser", Element::p1212Parser, Link::Computes, false),
+    text("Key", Element::Key),
+    text("FeatureID", Element::FeatureID),
+    text("Timeout", Element::Timeout),
+    text("", Element::Unknown),
+};
+
+constexpr bool inOrder() {
+  for (std::size_t i = 0; i < kElements.size(); ++i) {
+    if (static_cast<std::size_t>(kElements[i].element) != i) {
+      return false;
+    }
+  }
+  return true;
+}
+static_assert(inOrder() && kElements.size() == static_cast<std::size_t>(Element::Unknown) + 1);
+
+struct Variant {
+  std::string_view name;
+  Element element;
+};
+
+// Spellings that real descriptions contain.
+constexpr std::array kVariants{
+    Variant{"ValidValuesSet", Element::ValidValueSet},
+    Variant{"Endianness", Element::Endianess},
+    Variant{"Cacheable", Element::Cachable},
+    Variant{"SwapEndianness", Element::SwapEndianess},
+};
+
+constexpr std::size_t kSlots = 512;
+
+constexpr std::size_t slotOf(std::string_view name) {
+  const auto at = [&](std::size_t i) { return static_cast<std::size_t>(static_cast<unsigned char>(name[i])); };
+  return (name.size() * 37 + at(0) * 5 + at(name.size() / 2) * 91 + at(name.size() - 1) * 17) % kSlots;
+}
+
+constexpr std::array<Element, kSlots> makeSlots() {
+  std::array<Element, kSlots> slots{};
+  slots.fill(Element::Unknown);
+  for (const ElementInfo& info : kElements) {
+    if (info.element == Element::Unknown) {
+      continue;
+    }
+    std::size_t slot = slotOf(info.name);
+    while (slots[slot] != Element::Unknown) {
+      slot = (slot + 1) % kSlots;
+    }
+    slots[slot] = info.element;
+  }
+  return slots;
+}
+
+constexpr std::array<Element, kSlots> kSlotTable = makeSlots();
+
+Element findForgiving(std::string_view name) {
+  if (const std::size_t colon = name.rfind(':'); colon != std::string_view::npos) {
+    name.remove_prefix(colon + 1);
+  }
+  for (const ElementInfo& info : kElements) {
+    if (equalsIgnoringCase(info.name, name)) {
+      return info.element;
+    }
+  }
+  const auto* variant = std::find_if(kVariants.begin(), kVariants.end(),
+                                     [&](const Variant& v) { return equalsIgnoringCase(v.name, name); });
+  return variant == kVariants.end() ? Element::Unknown : variant->element;
+}
+
+}  // namespace
+
+const ElementInfo& infoOf(Element element) {
+  return kElements[static_cast<std::size_t>(element)];
+}
+
+ElementMatch findElement(std::string_view name) {
+  if (name.empty()) {
+    return {};
+  }
+  for (std::size_t slot = slotOf(name); kSlotTable[slot] != Element::Unknown; slot = (slot + 1) % kSlots) {
+    if (infoOf(kSlotTable[slot]).name == name) {
+      return {kSlotTable[slot], true};
+    }
+  }
+  return {findForgiving(name), false};
+}
+
+}  // namespace GenApiEngine

@@ -1,0 +1,169 @@
+// The vocabulary of a camera description: every element's number, its kind of value, and what a reference in it means.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace GenApiEngine {
+
+/// Elements and attributes that the engine knows. Node kinds come first, so that a kind is an element's number.
+enum class Element : std::uint8_t {
+  Node,
+  Category,
+  Integer,
+  IntReg,
+  MaskedIntReg,
+  StructEntry,
+  Boolean,
+  Command,
+  Enumeration,
+  EnumEntry,
+  Float,
+  FloatReg,
+  Converter,
+  IntConverter,
+  SwissKnife,
+  IntSwissKnife,
+  String,
+  StringReg,
+  Register,
+  Port,
+  ConfRom,
+  TextDesc,
+  IntKey,
+  AdvFeatureLock,
+  SmartFeature,
+  // Elements that only hold others.
+  StructReg,
+  Group,
+  RegisterDescription,
+  // Attributes.
+  Name,
+  NameSpace,
+  MergePriority,
+  ExposeStatic,
+  Comment,
+  // Common children.
+  Extension,
+  ToolTip,
+  Description,
+  DisplayName,
+  Visibility,
+  DocuURL,
+  IsDeprecated,
+  EventID,
+  pIsImplemented,
+  pIsAvailable,
+  pIsLocked,
+  pBlockPolling,
+  ImposedAccessMode,
+  pError,
+  pAlias,
+  pCastAlias,
+  pInvalidator,
+  Streamable,
+  pSelected,
+  // Registers.
+  Address,
+  pAddress,
+  pIndex,
+  pOffset,
+  Length,
+  pLength,
+  AccessMode,
+  pPort,
+  Cachable,
+  PollingTime,
+  Sign,
+  Endianess,
+  Bit,
+  LSB,
+  MSB,
+  // Values.
+  Value,
+  pValue,
+  pValueCopy,
+  ValueIndexed,
+  pValueIndexed,
+  ValueDefault,
+  pValueDefault,
+  Min,
+  pMin,
+  Max,
+  pMax,
+  Inc,
+  pInc,
+  Unit,
+  Representation,
+  DisplayNotation,
+  DisplayPrecision,
+  ValidValueSet,
+  OnValue,
+  OffValue,
+  CommandValue,
+  pCommandValue,
+  pEnumEntry,
+  NumericValue,
+  Symbolic,
+  IsSelfClearing,
+  // Formulas.
+  pVariable,
+  Constant,
+  Expression,
+  Formula,
+  FormulaTo,
+  FormulaFrom,
+  Slope,
+  IsLinear,
+  // Categories, ports and the rest.
+  pFeature,
+  ChunkID,
+  pChunkID,
+  SwapEndianess,
+  CacheChunkData,
+  p1212Parser,
+  Key,
+  FeatureID,
+  Timeout,
+  Unknown
+};
+
+using NodeKind = Element;
+inline constexpr std::uint8_t kNodeKinds = static_cast<std::uint8_t>(Element::SmartFeature) + 1;
+inline constexpr bool isNodeKind(Element e) {
+  return static_cast<std::uint8_t>(e) < kNodeKinds;
+}
+
+/// What a reference is for. Each class contains the ones after it: what is written is also read, what is read
+/// invalidates.
+enum class Link : std::uint8_t {
+  None,         ///< a relation without influence
+  Invalidates,  ///< only drops caches
+  Reads,        ///< guards, limits, members
+  Computes,     ///< part of the value itself
+  Writes        ///< where a write goes on to
+};
+
+/// How the text of an element is understood.
+enum class Lexical : std::uint8_t { Text, Reference, Integer, Number, Name };
+
+struct ElementInfo {
+  std::string_view name;
+  Element element;
+  Lexical lexical;
+  Link link;
+  bool essential;  ///< a node whose element of this kind cannot be understood is not implemented
+};
+
+/// The facts of one element.
+const ElementInfo& infoOf(Element element);
+
+struct ElementMatch {
+  Element element = Element::Unknown;
+  bool exact = true;  ///< false when only another spelling of the name matched
+};
+
+/// Finds an element by its name; name spaces, spelling variants and the wrong case are forgiven.
+ElementMatch findElement(std::string_view name);
+
+}  // namespace GenApiEngine

@@ -1,0 +1,39 @@
+// The engine's limits in one place, each with its reason: a description is input from outside and may be hostile.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace GenApiEngine {
+
+/// Real descriptions stay below 10 MB; this much text still loads within seconds and a few hundred megabytes.
+inline constexpr std::size_t kMaxDescriptionBytes = std::size_t{64} << 20;
+
+/// A property keeps the length of its text in 24 bits; the longest text seen in the field has a few kilobytes.
+inline constexpr std::uint32_t kMaxTextLength = (1U << 24) - 1;
+
+/// A reader of warnings wants the first ones; a description that is all wrong must not fill the memory with them.
+inline constexpr std::size_t kMaxWarnings = 1000;
+
+/// How deep one node may ask another. The longest chain seen in the field has 13 nodes, and every level costs a few
+/// hundred bytes of a stack that belongs to a thread of the application.
+inline constexpr std::uint32_t kMaxDepth = 200;
+
+/// How many nodes one call may ask in all. Without it a chain of uncached nodes that each use the next one twice would
+/// take for ever; the largest cameras need some thousands.
+inline constexpr std::uint32_t kMaxSteps = 200000;
+
+/// Registers longer than this are not read as a whole. File buffers of cameras have up to some megabytes.
+inline constexpr std::int64_t kMaxRegisterLength = std::int64_t{64} << 20;
+
+/// What a port keeps of raw register contents before it forgets them all: a computed address may take any value.
+inline constexpr std::size_t kMaxRawCacheBytes = std::size_t{4} << 20;
+
+/// What one polling call may be told to have passed, in milliseconds, so that sums never overflow.
+inline constexpr std::int64_t kMaxPollStep = std::int64_t{1} << 40;
+
+/// How many models, and how much text of models, the process keeps for the next node map of the same content.
+inline constexpr std::size_t kMaxCachedModels = 16;
+inline constexpr std::size_t kMaxCachedTextBytes = std::size_t{64} << 20;
+
+}  // namespace GenApiEngine

@@ -1,0 +1,307 @@
+// Resolves once what a description says by name: duplicates, references, who depends on whom, features, cycles.
+#include <algorithm>
+#include <bit>
+
+#include "Base/GCException.h"
+#include "model/builder_detail.h"
+#include "model/limits.h"
+
+namespace GenApiEngine {
+
+void ModelLinker::link() {
+  indexNames();
+  if (anyDropped_) {
+    removeDropped();
+  }
+  resolveReferences();
+  collectDependents();
+  markFeatures();
+  markCycles();
+  collectLists();
+}
+
+void ModelLinker::indexNames() {
+  const std::size_t count = model_.nodes_.size();
+  model_.index_.assign(std::bit_ceil(std::max<std::size_t>(16, count + count / 3)), {});
+  dropped_.assign(count, false);
+  std::string scratch;
+  for (NodeIndex i = 0; i < count; ++i) {
+    const NodeRecord& record = model_.nodes_[i];
+    if (record.owner != kNoNode) {
+      scratch = model_.fullName(record);
+    }
+    const std::string_view full = record.owner != kNoNode ? std::string_view(scratch) : model_.name(record);
+    if ((record.owner != kNoNode && dropped_[record.owner]) || !insertName(i, full)) {
+      dropped_[i] = true;
+      anyDropped_ = true;
+    }
+  }
+}
+
+// False when another node keeps the name.
+bool ModelLinker::insertName(NodeIndex index, std::string_view full) {
+  const auto hash = static_cast<std::uint32_t>(hashText(full));
+  const std::size_t mask = model_.index_.size() - 1;
+  std::size_t slot = hash & mask;
+  for (; model_.index_[slot].node != kNoNode; slot = (slot + 1) & mask) {
+    Model::IndexSlot& taken = model_.index_[slot];
+    if (taken.hash == hash && model_.hasFullName(model_.nodes_[taken.node], full)) {
+      const NodeIndex loser = resolveDuplicate(taken.node, index);
+      if (loser == index) {
+        return false;
+      }
+      dropped_[loser] = true;
+      anyDropped_ = true;
+      taken.node = index;
+      return true;
+    }
+  }
+  model_.index_[slot] = {hash, index};
+  return true;
+}
+
+// Which of two nodes with one name is dropped.
+NodeIndex ModelLinker::resolveDuplicate(NodeIndex first, NodeIndex second) {
+  NodeRecord& a = model_.nodes_[first];
+  const NodeRecord& b = model_.nodes_[second];
+  const bool injected = documentOfNode_[first] != documentOfNode_[second];
+  if (a.kind == NodeKind::Category && b.kind == NodeKind::Category) {
+    mergeFeatures(first, second);
+    if (!injected) {
+      warn(b, "category '" + model_.fullName(b) + "' is defined twice, its features are joined");
+    }
+    return second;
+  }
+  if (injected) {
+    const Property* property = model_.find(b, Element::MergePriority);
+    const auto priority = property != nullptr ? parseInteger(model_.text(*property)).value_or(0) : 0;
+    if (priority != 0) {
+      return priority > 0 ? first : second;
+    }
+    // An entry goes with its enumeration, which was judged before it.
+    if (b.owner == kNoNode) {
+      throw RUNTIME_EXCEPTION("Node '%s' is defined in both descriptions and the injected one has no MergePriority",
+                              model_.fullName(b).c_str());
+    }
+    return first;
+  }
+  warn(b, "node '" + model_.fullName(b) + "' is defined twice, the first definition counts");
+  return second;
+}
+
+void ModelLinker::mergeFeatures(NodeIndex into, NodeIndex from) {
+  NodeRecord& target = model_.nodes_[into];
+  std::vector<Property> merged(model_.properties(target).begin(), model_.properties(target).end());
+  for (const Property& property : model_.properties(model_.nodes_[from])) {
+    const bool known = std::any_of(merged.begin(), merged.end(), [&](const Property& own) {
+      return own.element() == property.element() && model_.text(own) == model_.text(property);
+    });
+    if (property.element() == Element::pFeature && !known) {
+      merged.push_back(property);
+    }
+  }
+  target.firstProperty = static_cast<std::uint32_t>(model_.properties_.size());
+  target.propertyCount = static_cast<std::uint32_t>(merged.size());
+  model_.properties_.insert(model_.properties_.end(), merged.begin(), merged.end());
+}
+
+void ModelLinker::removeDropped() {
+  std::vector<NodeIndex> moved(model_.nodes_.size(), kNoNode);
+  std::vector<NodeRecord> kept;
+  kept.reserve(model_.nodes_.size());
+  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
+    const NodeRecord& record = model_.nodes_[i];
+    if (!dropped_[i] && (record.owner == kNoNode || !dropped_[record.owner])) {
+      moved[i] = static_cast<NodeIndex>(kept.size());
+      kept.push_back(record);
+    }
+  }
+  for (NodeRecord& record : kept) {
+    if (record.owner != kNoNode) {
+      record.owner = moved[record.owner];
+    }
+    for (Property& property : std::span(model_.properties_).subspan(record.firstProperty, record.propertyCount)) {
+      if (infoOf(property.element()).lexical == Lexical::Reference && property.target != kNoNode) {
+        property.target = moved[property.target];
+      }
+    }
+  }
+  model_.nodes_ = std::move(kept);
+  std::vector<Model::IndexSlot> old = std::move(model_.index_);
+  model_.index_.assign(old.size(), {});
+  const std::size_t mask = old.size() - 1;
+  for (const Model::IndexSlot& entry : old) {
+    if (entry.node != kNoNode && moved[entry.node] != kNoNode) {
+      std::size_t slot = entry.hash & mask;
+      while (model_.index_[slot].node != kNoNode) {
+        slot = (slot + 1) & mask;
+      }
+      model_.index_[slot] = {entry.hash, moved[entry.node]};
+    }
+  }
+}
+
+// The port that a register without pPort means: the device's, or the only one that waits for no chunk or event.
+NodeIndex ModelLinker::defaultPort() const {
+  const NodeIndex device = model_.indexOf("Device");
+  if (device != kNoNode && model_.nodes_[device].kind == NodeKind::Port) {
+    return device;
+  }
+  NodeIndex only = kNoNode;
+  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
+    const NodeRecord& record = model_.nodes_[i];
+    if (record.kind == NodeKind::Port && model_.find(record, Element::ChunkID) == nullptr &&
+        model_.find(record, Element::pChunkID) == nullptr && model_.find(record, Element::EventID) == nullptr) {
+      if (only != kNoNode) {
+        return kNoNode;
+      }
+      only = i;
+    }
+  }
+  return only;
+}
+
+void ModelLinker::resolveReferences() {
+  const NodeIndex implied = defaultPort();
+  for (NodeRecord& record : model_.nodes_) {
+    for (std::uint32_t i = 0; i < record.propertyCount; ++i) {
+      Property& property = model_.properties_[record.firstProperty + i];
+      const ElementInfo& info = infoOf(property.element());
+      if (info.lexical != Lexical::Reference || property.target != kNoNode) {
+        continue;
+      }
+      property.target = property.element() == Element::pPort && property.length() == 0
+                            ? implied
+                            : model_.indexOf(model_.text(property));
+      if (property.target != kNoNode) {
+        continue;
+      }
+      if (property.element() == Element::pVariable) {
+        // "Gain.Max" as the text of a variable is the limit of Gain.
+        const std::string_view text = model_.text(property);
+        property.target = model_.indexOf(text.substr(0, text.find('.')));
+        if (property.target != kNoNode) {
+          continue;
+        }
+      }
+      warn(record, std::string(info.name) + " of '" + model_.fullName(record) + "' means '" +
+                       std::string(model_.text(property).substr(0, 100)) + "', which is not there");
+      record.broken = record.broken || info.essential;
+    }
+  }
+}
+
+void ModelLinker::collectDependents() {
+  const std::size_t count = model_.nodes_.size();
+  std::vector<std::uint32_t>& start = model_.dependentsStart_;
+  start.assign(count + 1, 0);
+  // Twice over the same references: first to count, then to fill.
+  const auto forEach = [&](auto&& visit) {
+    for (NodeIndex i = 0; i < count; ++i) {
+      for (const Property& property : model_.properties(model_.nodes_[i])) {
+        const ElementInfo& info = infoOf(property.element());
+        if (info.lexical != Lexical::Reference || property.target == kNoNode) {
+          continue;
+        }
+        if (info.element == Element::pSelected) {
+          visit(i, Dependent::of(property.target, Link::Invalidates));
+        } else if (info.link != Link::None) {
+          visit(property.target, Dependent::of(i, info.link));
+        }
+      }
+    }
+  };
+  forEach([&](NodeIndex node, Dependent) { ++start[node + 1]; });
+  for (std::size_t i = 0; i < count; ++i) {
+    start[i + 1] += start[i];
+  }
+  model_.dependents_.resize(start[count]);
+  std::vector<std::uint32_t> next(start.begin(), start.end() - 1);
+  forEach([&](NodeIndex node, Dependent dependent) { model_.dependents_[next[node]++] = dependent; });
+}
+
+void ModelLinker::markFeatures() {
+  const NodeIndex root = model_.indexOf("Root");
+  if (root == kNoNode || model_.nodes_[root].kind != NodeKind::Category) {
+    return;
+  }
+  std::vector<NodeIndex> open{root};
+  model_.nodes_[root].feature = true;
+  while (!open.empty()) {
+    const NodeRecord& category = model_.nodes_[open.back()];
+    open.pop_back();
+    for (const Property& property : model_.properties(category)) {
+      if (property.element() != Element::pFeature || property.target == kNoNode) {
+        continue;
+      }
+      NodeRecord& member = model_.nodes_[property.target];
+      if (!member.feature) {
+        member.feature = true;
+        if (member.kind == NodeKind::Category) {
+          open.push_back(property.target);
+        }
+      }
+    }
+  }
+}
+
+// Takes away, again and again, the nodes that need no other node for their value. What is left needs itself.
+void ModelLinker::markCycles() {
+  const std::size_t count = model_.nodes_.size();
+  std::vector<std::uint32_t> needs(count, 0);
+  for (const Dependent dependent : model_.dependents_) {
+    if (dependent.link() >= Link::Computes) {
+      ++needs[dependent.node()];
+    }
+  }
+  std::vector<NodeIndex> ready;
+  ready.reserve(count);
+  for (NodeIndex i = 0; i < count; ++i) {
+    if (needs[i] == 0) {
+      ready.push_back(i);
+    }
+  }
+  for (std::size_t at = 0; at < ready.size(); ++at) {
+    for (const Dependent dependent : model_.dependents(ready[at])) {
+      if (dependent.link() >= Link::Computes && --needs[dependent.node()] == 0) {
+        ready.push_back(dependent.node());
+      }
+    }
+  }
+  if (ready.size() == count) {
+    return;
+  }
+  for (NodeIndex i = 0; i < count; ++i) {
+    if (needs[i] != 0) {
+      NodeRecord& record = model_.nodes_[i];
+      record.inCycle = true;
+      record.broken = true;
+      warn(record, "the value of '" + model_.fullName(record) + "' depends on itself, the node is not implemented");
+    }
+  }
+}
+
+void ModelLinker::collectLists() {
+  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
+    const NodeRecord& record = model_.nodes_[i];
+    if (record.kind == NodeKind::Port) {
+      model_.ports_.push_back(i);
+    }
+    if (model_.find(record, Element::PollingTime) != nullptr) {
+      model_.polled_.push_back(i);
+    }
+    for (const Property& property : model_.properties(record)) {
+      if (property.element() == Element::pSelected && property.target != kNoNode) {
+        model_.selectors_.emplace_back(property.target, i);
+      }
+    }
+  }
+  std::stable_sort(model_.selectors_.begin(), model_.selectors_.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+}
+
+void ModelLinker::warn(const NodeRecord& node, std::string text) {
+  warnings_.add(lines_.lineOf(node.name), std::move(text));
+}
+
+}  // namespace GenApiEngine

@@ -1,0 +1,104 @@
+// Name look-up and texts of a model.
+#include "model/model.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace GenApiEngine {
+namespace {
+
+constexpr std::string_view kEntryPrefix = "EnumEntry_";
+constexpr std::array<std::string_view, 2> kNameSpaces{"Std::", "Cust::"};
+
+}  // namespace
+
+std::uint64_t hashText(std::string_view text, std::uint64_t seed) {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ULL;
+  std::uint64_t hash = seed ^ (text.size() * kMultiplier);
+  const char* at = text.data();
+  std::size_t left = text.size();
+  const auto mix = [&hash](std::uint64_t word) {
+    hash = (hash ^ word) * kMultiplier;
+    hash ^= hash >> 32;
+  };
+  std::uint64_t word = 0;
+  for (; left >= sizeof word; left -= sizeof word, at += sizeof word) {
+    std::memcpy(&word, at, sizeof word);
+    mix(word);
+  }
+  if (left != 0) {
+    word = 0;
+    std::memcpy(&word, at, left);
+    mix(word);
+  }
+  return hash;
+}
+
+const Property* Model::find(const NodeRecord& node, Element element) const {
+  const auto all = properties(node);
+  const auto it = std::find_if(all.begin(), all.end(), [element](const Property& p) { return p.element() == element; });
+  return it == all.end() ? nullptr : &*it;
+}
+
+std::string Model::fullName(const NodeRecord& node) const {
+  std::string full;
+  if (node.owner != kNoNode) {
+    full.append(kEntryPrefix).append(name(nodes_[node.owner])).push_back('_');
+  }
+  return full.append(name(node));
+}
+
+bool Model::hasFullName(const NodeRecord& node, std::string_view full) const {
+  const std::string_view own = name(node);
+  if (node.owner == kNoNode) {
+    return own == full;
+  }
+  const std::string_view enumeration = name(nodes_[node.owner]);
+  const std::size_t prefix = kEntryPrefix.size() + enumeration.size() + 1;
+  return full.size() == prefix + own.size() && full.starts_with(kEntryPrefix) && full.ends_with(own) &&
+         full[prefix - 1] == '_' && full.substr(kEntryPrefix.size(), enumeration.size()) == enumeration;
+}
+
+NodeIndex Model::findName(std::string_view full) const {
+  if (index_.empty()) {
+    return kNoNode;
+  }
+  const auto hash = static_cast<std::uint32_t>(hashText(full));
+  const std::size_t mask = index_.size() - 1;
+  for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
+    const IndexSlot& entry = index_[slot];
+    if (entry.node == kNoNode) {
+      return kNoNode;
+    }
+    if (entry.hash == hash && hasFullName(nodes_[entry.node], full)) {
+      return entry.node;
+    }
+  }
+}
+
+NodeIndex Model::indexOf(std::string_view full) const {
+  if (const NodeIndex found = findName(full); found != kNoNode) {
+    return found;
+  }
+  for (const std::string_view prefix : kNameSpaces) {
+    if (full.starts_with(prefix)) {
+      return findName(full.substr(prefix.size()));
+    }
+  }
+  return kNoNode;
+}
+
+std::span<const std::pair<NodeIndex, NodeIndex>> Model::selectorsOf(NodeIndex index) const {
+  const auto [first, last] = std::equal_range(selectors_.begin(), selectors_.end(), std::pair(index, NodeIndex{0}),
+                                              [](const auto& a, const auto& b) { return a.first < b.first; });
+  return {first, last};
+}
+
+std::size_t Model::memoryBytes() const {
+  const auto bytes = [](const auto& vector) { return vector.capacity() * sizeof(vector[0]); };
+  return sizeof *this + textSize_ + 2 + bytes(nodes_) + bytes(properties_) + bytes(numbers_) + bytes(dependents_) +
+         bytes(dependentsStart_) + bytes(index_) + bytes(polled_) + bytes(ports_) + bytes(warnings_);
+}
+
+}  // namespace GenApiEngine

@@ -1,0 +1,316 @@
+// Blanks, numbers and encodings as descriptions have them.
+#include "model/text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace GenApiEngine {
+namespace {
+
+constexpr bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+constexpr char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isHexPrefixed(std::string_view text) {
+  return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+}
+
+std::optional<std::uint64_t> parseHexDigits(std::string_view digits) {
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+  if (error != std::errc{} || end != digits.data() + digits.size()) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+void appendUtf8(std::string& out, std::uint32_t code) {
+  const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+  if (code < 0x80) {
+    put(code);
+  } else if (code < 0x800) {
+    put(0xC0 | (code >> 6));
+    put(0x80 | (code & 0x3F));
+  } else if (code < 0x10000) {
+    put(0xE0 | (code >> 12));
+    put(0x80 | ((code >> 6) & 0x3F));
+    put(0x80 | (code & 0x3F));
+  } else {
+    put(0xF0 | ((code >> 18) & 0x07));
+    put(0x80 | ((code >> 12) & 0x3F));
+    put(0x80 | ((code >> 6) & 0x3F));
+    put(0x80 | (code & 0x3F));
+  }
+}
+
+// The length of the UTF-8 sequence at the start of text, or 0 when the bytes there are none.
+std::size_t sequenceLength(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char first = byte(0);
+  const std::size_t length = first < 0x80                    ? 1
+                             : first >= 0xC2 && first < 0xE0 ? 2
+                             : (first & 0xF0) == 0xE0        ? 3
+                             : first >= 0xF0 && first < 0xF5 ? 4
+                                                             : 0;
+  if (length == 0 || length > text.size()) {
+    return 0;
+  }
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) {
+      return 0;
+    }
+  }
+  return length;
+}
+
+// Units of `Width` bytes, UTF-16 or UTF-32, up to the first NUL unit.
+template<std::size_t Width>
+std::string convertWide(const unsigned char* data, std::size_t size, bool bigEndian) {
+  const auto unit = [&](std::size_t i) {
+    std::uint32_t value = 0;
+    for (std::size_t b = 0; b < Width; ++b) {
+      value |= std::uint32_t{data[i * Width + b]} << (8 * (bigEndian ? Width - 1 - b : b));
+    }
+    return value;
+  };
+  std::string out;
+  out.reserve(size / Width + 16);
+  const std::size_t count = size / Width;
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint32_t code = unit(i);
+    if (code == 0) {
+      break;
+    }
+    if constexpr (Width == 2) {
+      if (code >= 0xD800 && code < 0xDC00 && i + 1 < count) {
+        const std::uint32_t second = unit(i + 1);
+        if (second >= 0xDC00 && second < 0xE000) {
+          code = 0x10000 + ((code - 0xD800) << 10) + (second - 0xDC00);
+          ++i;
+        }
+      }
+    }
+    appendUtf8(out, code > 0x10FFFF ? 0xFFFD : code);
+  }
+  return out;
+}
+
+struct WideForm {
+  std::size_t width = 1;
+  bool bigEndian = false;
+  std::size_t mark = 0;  // bytes of the byte-order mark
+};
+
+// By its mark, or by the shape that '<' has in it.
+WideForm detectForm(const unsigned char* data, std::size_t size) {
+  const auto starts = [&](std::initializer_list<int> bytes) {
+    return size >= bytes.size() &&
+           std::equal(bytes.begin(), bytes.end(), data, [](int a, unsigned char b) { return a == b; });
+  };
+  if (starts({0xFF, 0xFE, 0, 0})) {
+    return {4, false, 4};
+  }
+  if (starts({0, 0, 0xFE, 0xFF})) {
+    return {4, true, 4};
+  }
+  if (starts({0xFF, 0xFE})) {
+    return {2, false, 2};
+  }
+  if (starts({0xFE, 0xFF})) {
+    return {2, true, 2};
+  }
+  if (starts({'<', 0, 0, 0})) {
+    return {4, false, 0};
+  }
+  if (starts({0, 0, 0, '<'})) {
+    return {4, true, 0};
+  }
+  if (starts({'<', 0})) {
+    return {2, false, 0};
+  }
+  if (starts({0, '<'})) {
+    return {2, true, 0};
+  }
+  return {1, false, starts({0xEF, 0xBB, 0xBF}) ? std::size_t{3} : 0};
+}
+
+bool declaresLatin1(std::string_view text) {
+  const std::string_view head = text.substr(0, 200);
+  const std::size_t end = head.find("?>");
+  const std::size_t at = head.substr(0, end == std::string_view::npos ? 0 : end).find("encoding");
+  if (at == std::string_view::npos) {
+    return false;
+  }
+  std::string_view name = head.substr(at + 8, end - at - 8);
+  const std::size_t quote = name.find_first_of("\"'");
+  if (quote == std::string_view::npos) {
+    return false;
+  }
+  name.remove_prefix(quote + 1);
+  name = name.substr(0, name.find_first_of("\"'"));
+  return equalsIgnoringCase(name, "iso-8859-1") || equalsIgnoringCase(name, "latin1") ||
+         equalsIgnoringCase(name, "windows-1252");
+}
+
+// Where the document ends: remains of something else may follow its last tag.
+std::size_t documentSize(std::string_view text) {
+  constexpr std::string_view kEnd = "RegisterDescription>";
+  if (trim(text).ends_with(kEnd)) {
+    return text.size();
+  }
+  for (std::size_t at = text.find(kEnd); at != std::string_view::npos; at = text.find(kEnd, at + 1)) {
+    const std::size_t open = text.rfind('<', at);
+    if (open != std::string_view::npos && open + 1 < text.size() && text[open + 1] == '/') {
+      return at + kEnd.size();
+    }
+  }
+  return text.size();
+}
+
+DocumentText own(std::string_view text) {
+  text = text.substr(0, documentSize(text));
+  DocumentText out;
+  out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2);
+  out.data[0] = '\0';
+  if (!text.empty()) {
+    std::memcpy(out.data.get() + 1, text.data(), text.size());
+  }
+  out.data[text.size() + 1] = '\0';
+  out.size = text.size();
+  return out;
+}
+
+}  // namespace
+
+std::string_view trim(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && isBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); });
+}
+
+std::optional<std::int64_t> parseInteger(std::string_view text) {
+  text = trim(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  const std::string_view digits = negative || (!text.empty() && text.front() == '+') ? text.substr(1) : text;
+  if (isHexPrefixed(digits)) {
+    const auto value = parseHexDigits(digits.substr(2));
+    if (!value) {
+      return std::nullopt;
+    }
+    return static_cast<std::int64_t>(negative ? 0 - *value : *value);
+  }
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 10);
+  if (error == std::errc{} && end == digits.data() + digits.size()) {
+    return static_cast<std::int64_t>(negative ? 0 - value : value);
+  }
+  const auto number = parseNumber(text);
+  if (!number || std::isnan(*number)) {
+    return std::nullopt;
+  }
+  constexpr double kEdge = 9223372036854775808.0;
+  if (*number >= kEdge) {
+    return std::numeric_limits<std::int64_t>::max();
+  }
+  if (*number < -kEdge) {
+    return std::numeric_limits<std::int64_t>::min();
+  }
+  return std::llround(*number);
+}
+
+std::optional<double> parseNumber(std::string_view text) {
+  text = trim(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  const std::string_view digits = negative || (!text.empty() && text.front() == '+') ? text.substr(1) : text;
+  if (isHexPrefixed(digits)) {
+    const auto value = parseHexDigits(digits.substr(2));
+    if (!value) {
+      return std::nullopt;
+    }
+    const auto number = static_cast<double>(static_cast<std::int64_t>(*value));
+    return negative ? -number : number;
+  }
+  double value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (end != digits.data() + digits.size() || digits.empty() || digits.front() == '-') {
+    return std::nullopt;
+  }
+  if (error == std::errc::result_out_of_range) {
+    // Too large or too small to be a double: the exponent's sign tells which.
+    value = digits.find("e-") == std::string_view::npos && digits.find("E-") == std::string_view::npos
+                ? std::numeric_limits<double>::infinity()
+                : 0.0;
+  } else if (error != std::errc{}) {
+    return std::nullopt;
+  }
+  return negative ? -value : value;
+}
+
+bool parseYesNo(std::string_view text, bool otherwise) {
+  text = trim(text);
+  if (equalsIgnoringCase(text, "yes") || equalsIgnoringCase(text, "true") || text == "1") {
+    return true;
+  }
+  if (equalsIgnoringCase(text, "no") || equalsIgnoringCase(text, "false") || text == "0") {
+    return false;
+  }
+  return otherwise;
+}
+
+std::string toUtf8(std::string_view text) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = sequenceLength(text.substr(i));
+    if (length == 0) {
+      std::string out;
+      out.reserve(text.size() + 16);
+      for (const char c : text) {
+        appendUtf8(out, static_cast<unsigned char>(c));
+      }
+      return out;
+    }
+    i += length;
+  }
+  return std::string(text);
+}
+
+DocumentText prepareDocument(const void* data, std::size_t size) {
+  const auto* bytes = static_cast<const unsigned char*>(data);
+  const WideForm form = detectForm(bytes, size);
+  bytes += form.mark;
+  size -= form.mark;
+  if (form.width == 4) {
+    return own(convertWide<4>(bytes, size, form.bigEndian));
+  }
+  if (form.width == 2) {
+    return own(convertWide<2>(bytes, size, form.bigEndian));
+  }
+  std::string_view text(static_cast<const char*>(static_cast<const void*>(bytes)), size);
+  text = text.substr(0, std::min(text.find('\0'), text.size()));
+  if (declaresLatin1(text)) {
+    std::string converted;
+    converted.reserve(text.size() + text.size() / 16);
+    for (const char c : text) {
+      appendUtf8(converted, static_cast<unsigned char>(c));
+    }
+    return own(converted);
+  }
+  return own(text);
+}
+
+}  // namespace GenApiEngine

@@ -1,0 +1,766 @@
+// Access modes, caches and the generic answers of nodes.
+#include "nodes/node_core.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "model/limits.h"
+#include "model/text.h"
+#include "nodemap/call.h"
+#include "nodemap/node_map.h"
+#include "nodes/property_values.h"
+
+namespace GenApiEngine {
+namespace {
+
+using Api::ECachingMode;
+using Api::EVisibility;
+
+struct VisibilityName {
+  std::string_view name;
+  EVisibility visibility;
+};
+constexpr std::array kVisibilities{VisibilityName{"Beginner", Api::Beginner}, VisibilityName{"Expert", Api::Expert},
+                                   VisibilityName{"Guru", Api::Guru}, VisibilityName{"Invisible", Api::Invisible}};
+
+bool isLimit(Element element) {
+  return element == Element::pMin || element == Element::pMax || element == Element::pInc;
+}
+
+bool isGuard(Element element) {
+  return element == Element::pIsImplemented || element == Element::pIsAvailable || element == Element::pIsLocked;
+}
+
+EAccessMode accessFrom(std::string_view text, EAccessMode otherwise) {
+  return equalsIgnoringCase(text, "RO")   ? Api::RO
+         : equalsIgnoringCase(text, "WO") ? Api::WO
+         : equalsIgnoringCase(text, "RW") ? Api::RW
+                                          : otherwise;
+}
+
+}  // namespace
+
+/// The callbacks of one node. While some are being called, ended ones are only put aside.
+struct NodeCore::Callbacks {
+  std::vector<Api::CNodeCallback*> registered;
+  std::vector<Api::CNodeCallback*> ended;
+  std::uint32_t running = 0;
+
+  void destroyEnded() {
+    for (Api::CNodeCallback* callback : std::exchange(ended, {})) {
+      callback->Destroy();
+    }
+  }
+};
+
+NodeCore::NodeCore(NodeMap& map, NodeIndex index) : map_(map), index_(index) {
+  for (const Property& property : properties()) {
+    const Element element = property.element();
+    hasGuards_ = hasGuards_ || isGuard(element) || element == Element::ImposedAccessMode;
+    hasErrors_ = hasErrors_ || element == Element::pError;
+  }
+}
+
+NodeCore::~NodeCore() {
+  if (callbacks_ != nullptr) {
+    for (Api::CNodeCallback* callback : callbacks_->registered) {
+      if (callback != nullptr) {
+        callback->Destroy();
+      }
+    }
+    callbacks_->destroyEnded();
+  }
+}
+
+const NodeRecord& NodeCore::record() const {
+  return map_.model().node(index_);
+}
+std::string_view NodeCore::name() const {
+  return map_.model().name(record());
+}
+std::string NodeCore::nodeName() const {
+  return map_.model().fullName(record());
+}
+std::span<const Property> NodeCore::properties() const {
+  return map_.model().properties(record());
+}
+const Property* NodeCore::property(Element element) const {
+  return map_.model().find(record(), element);
+}
+std::string_view NodeCore::propertyText(Element element) const {
+  const Property* found = property(element);
+  return found == nullptr ? std::string_view() : map_.model().text(*found);
+}
+NodeIndex NodeCore::propertyNode(Element element) const {
+  const Property* found = property(element);
+  return found == nullptr ? kNoNode : found->target;
+}
+NodeCore* NodeCore::other(NodeIndex index) const {
+  return map_.node(index);
+}
+
+// Access.
+
+EAccessMode NodeCore::GetAccessMode() const {
+  const Call call(*this, "GetAccessMode");
+  return const_cast<NodeCore*>(this)->accessMode();
+}
+
+EAccessMode NodeCore::accessMode() {
+  if (access_ != kUnknownAccess) {
+    return static_cast<EAccessMode>(access_);
+  }
+  if (isSet(kAccessBusy)) {
+    // The mode depends on itself; what is still open does not restrict it.
+    return Api::RW;
+  }
+  if (map_.descent_ >= kMaxDepth || ++map_.steps_ > kMaxSteps) {
+    return Api::NI;
+  }
+  bool reliable = true;
+  ++map_.descent_;
+  set(kAccessBusy);
+  EAccessMode mode = Api::NI;
+  try {
+    mode = computeAccess(reliable);
+  } catch (...) {
+    // Whatever a port throws, an access mode is an answer.
+    reliable = false;
+    mode = Api::NA;
+  }
+  clear(kAccessBusy);
+  --map_.descent_;
+  mode = Api::Combine(mode, static_cast<EAccessMode>(runtimeAccess_));
+  if (reliable && accessCacheable()) {
+    access_ = static_cast<std::uint8_t>(mode);
+    if (Api::IsReadable(mode)) {
+      set(kReadable);
+    }
+  }
+  return mode;
+}
+
+EAccessMode NodeCore::computeAccess(bool& reliable) {
+  if (record().broken) {
+    return Api::NI;
+  }
+  if (!hasGuards_) {
+    return adjustAccess(naturalAccess());
+  }
+  EAccessMode failure = Api::RW;
+  if (!guardValue(propertyNode(Element::pIsImplemented), Api::NI, failure, reliable)) {
+    return failure == Api::RW ? Api::NI : failure;
+  }
+  if (!obeysGuards()) {
+    return adjustAccess(naturalAccess());
+  }
+  if (!guardValue(propertyNode(Element::pIsAvailable), Api::NA, failure, reliable)) {
+    return failure == Api::RW ? Api::NA : failure;
+  }
+  EAccessMode mode = naturalAccess();
+  if (const NodeIndex lock = propertyNode(Element::pIsLocked); lock != kNoNode && mode != Api::NI) {
+    if (guardValue(lock, Api::NA, failure, reliable)) {
+      mode = Api::Combine(mode, Api::RO);
+    } else if (failure != Api::RW) {
+      mode = Api::Combine(mode, failure);
+    }
+  }
+  return adjustAccess(Api::Combine(mode, accessFrom(propertyText(Element::ImposedAccessMode), Api::RW)));
+}
+
+// True when the guard says yes or is not there. False with a failure other than RW when it could not be asked.
+bool NodeCore::guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& failure, bool& reliable) {
+  NodeCore* const guard = other(index);
+  if (guard == nullptr) {
+    return true;
+  }
+  const EAccessMode mode = guard->accessMode();
+  if (!Api::IsReadable(mode)) {
+    failure = mode == Api::NI ? Api::NI : Api::NA;
+    return false;
+  }
+  try {
+    return guard->GetPrincipalInterfaceType() == Api::intfIFloat ? guard->readFloat({}) != 0.0
+                                                                 : guard->readInt({}) != 0;
+  } catch (...) {
+    reliable = false;
+    failure = onFailure;
+    return false;
+  }
+}
+
+EAccessMode NodeCore::neededAccess(NodeIndex index) {
+  NodeCore* const node = other(index);
+  if (node == nullptr) {
+    return Api::RW;
+  }
+  const EAccessMode mode = node->accessMode();
+  return mode == Api::NI || mode == Api::NA ? mode : Api::RW;
+}
+
+EAccessMode NodeCore::neededAccessOfOperands() {
+  EAccessMode mode = Api::RW;
+  for (const Property& property : properties()) {
+    const Element element = property.element();
+    if ((infoOf(element).link == Link::Computes && element != Element::pPort) || isLimit(element)) {
+      mode = Api::Combine(mode, neededAccess(property.target));
+    }
+  }
+  return mode;
+}
+
+bool NodeCore::accessCacheable() {
+  constexpr std::uint8_t kNotKnown = 2;
+  if (accessCacheable_ != kNotKnown) {
+    return accessCacheable_ != 0;
+  }
+  if (map_.descent_ >= kMaxDepth) {
+    return false;
+  }
+  ++map_.descent_;
+  accessCacheable_ = 1;  // what depends on itself adds nothing
+  bool cacheable = true;
+  for (const Property& property : properties()) {
+    const Element element = property.element();
+    const Link link = infoOf(element).link;
+    NodeCore* const node = link >= Link::Reads ? other(property.target) : nullptr;
+    if (node == nullptr || element == Element::pError || element == Element::pBlockPolling) {
+      continue;
+    }
+    const bool byValue = isGuard(element) || element == Element::pIndex;
+    cacheable = cacheable && node->accessCacheable() && (!byValue || node->cachingMode() != Api::NoCache);
+  }
+  --map_.descent_;
+  accessCacheable_ = cacheable ? 1 : 0;
+  return cacheable;
+}
+
+ECachingMode NodeCore::cachingMode() {
+  if (caching_ != kUnknownCaching) {
+    return static_cast<ECachingMode>(caching_);
+  }
+  if (map_.descent_ >= kMaxDepth) {
+    return Api::NoCache;
+  }
+  ++map_.descent_;
+  ECachingMode mode = ownCaching();
+  caching_ = static_cast<std::uint8_t>(mode);
+  for (const Property& property : properties()) {
+    NodeCore* const node = infoOf(property.element()).link >= Link::Computes && property.element() != Element::pPort
+                               ? other(property.target)
+                               : nullptr;
+    if (node != nullptr) {
+      mode = Api::Combine(mode, node->cachingMode());
+    }
+  }
+  --map_.descent_;
+  caching_ = static_cast<std::uint8_t>(mode);
+  return mode;
+}
+
+void NodeCore::requireReadable(const char* text) {
+  if (!isSet(kReadable) && !Api::IsReadable(accessMode())) {
+    NODE_FAIL(*this, AccessException, text);
+  }
+}
+void NodeCore::requireWritable(const char* text) {
+  if (!Api::IsWritable(accessMode())) {
+    NODE_FAIL(*this, AccessException, text);
+  }
+}
+void NodeCore::requireAvailable() {
+  if (!Api::IsAvailable(accessMode())) {
+    NODE_FAIL(*this, AccessException, "Node is not available.");
+  }
+}
+
+void NodeCore::ImposeAccessMode(EAccessMode mode) {
+  WriteCall call(*this, "ImposeAccessMode");
+  runtimeAccess_ = static_cast<std::uint8_t>(mode);
+  map_.invalidate(index_);
+  call.finish(false);
+}
+
+// Caches.
+
+void NodeCore::valueRead() {
+  if (cachingMode() != Api::NoCache) {
+    set(kValid);
+  }
+}
+
+void NodeCore::valueWritten() {
+  if (cachingMode() == Api::WriteThrough) {
+    set(kValid);
+    keepThroughWrite();
+  } else {
+    clear(kValid);
+  }
+}
+
+void NodeCore::keepThroughWrite() {
+  keepEpoch_ = map_.writeEpoch();
+}
+
+void NodeCore::dropCaches(std::uint32_t keepEpoch) {
+  const bool kept = keepEpoch != 0 && keepEpoch_ == keepEpoch;
+  access_ = kUnknownAccess;
+  clear(kReadable);
+  if (!kept) {
+    clear(kValid);
+  }
+  if (isSet(kWatchesInvalidation)) {
+    onInvalidate(kept);
+  }
+}
+
+void NodeCore::InvalidateNode() {
+  WriteCall call(*this, "InvalidateNode");
+  map_.invalidate(index_);
+  call.finish(false);
+}
+
+bool NodeCore::IsCachable() const {
+  return GetCachingMode() != Api::NoCache;
+}
+Api::EYesNo NodeCore::IsAccessModeCacheable() const {
+  const Call call(*this, "IsAccessModeCacheable");
+  return const_cast<NodeCore*>(this)->accessCacheable() ? Api::Yes : Api::No;
+}
+ECachingMode NodeCore::GetCachingMode() const {
+  const Call call(*this, "GetCachingMode");
+  return const_cast<NodeCore*>(this)->cachingMode();
+}
+
+// Values that a node does not have.
+
+std::int64_t NodeCore::readInt(ReadFlags) {
+  NODE_FAIL(*this, RuntimeException, "Node has no numeric value.");
+}
+double NodeCore::readFloat(ReadFlags) {
+  NODE_FAIL(*this, RuntimeException, "Node has no numeric value.");
+}
+void NodeCore::writeInt(std::int64_t, bool) {
+  NODE_FAIL(*this, RuntimeException, "Node has no numeric value.");
+}
+void NodeCore::writeFloat(double, bool) {
+  NODE_FAIL(*this, RuntimeException, "Node has no numeric value.");
+}
+void NodeCore::readString(std::string&, ReadFlags) {
+  NODE_FAIL(*this, RuntimeException, "Node has no string value.");
+}
+void NodeCore::writeString(std::string_view, bool) {
+  NODE_FAIL(*this, RuntimeException, "Node has no string value.");
+}
+std::int64_t NodeCore::entryValue(std::string_view) {
+  NODE_FAIL(*this, RuntimeException, "Node has no entries.");
+}
+const Property* NodeCore::inherited(Element element) const {
+  const NodeCore* node = this;
+  for (std::uint32_t depth = 0; node != nullptr && depth < kMaxDepth; ++depth, node = node->valueSource()) {
+    if (const Property* own = node->property(element)) {
+      return own;
+    }
+  }
+  return nullptr;
+}
+Api::ERepresentation NodeCore::representation() const {
+  const Property* found = inherited(Element::Representation);
+  const auto value = found == nullptr ? Api::_UndefinedRepresentation : representationFrom(map_.model().text(*found));
+  return value == Api::_UndefinedRepresentation ? Api::PureNumber : value;
+}
+std::string NodeCore::unit() const {
+  const Property* found = inherited(Element::Unit);
+  return found == nullptr ? std::string() : toUtf8(map_.model().text(*found));
+}
+Api::EDisplayNotation NodeCore::displayNotation() const {
+  const Property* found = inherited(Element::DisplayNotation);
+  const auto value = found == nullptr ? Api::_UndefinedEDisplayNotation : notationFrom(map_.model().text(*found));
+  return value == Api::_UndefinedEDisplayNotation ? Api::fnAutomatic : value;
+}
+std::int64_t NodeCore::displayPrecision() const {
+  constexpr std::int64_t kDefault = 6;
+  const Property* found = inherited(Element::DisplayPrecision);
+  return found == nullptr ? kDefault : map_.model().integer(*found);
+}
+
+void NodeCore::checkErrors() {
+  if (!hasErrors_) {
+    return;
+  }
+  for (const Property& property : properties()) {
+    NodeCore* const error = property.element() == Element::pError ? other(property.target) : nullptr;
+    if (error == nullptr || error->readInt({false, true}) == 0) {
+      continue;
+    }
+    std::string text = "Error reported by " + error->nodeName();
+    if (auto* enumeration = dynamic_cast<Api::IEnumeration*>(error)) {
+      if (auto* entry = dynamic_cast<INode*>(enumeration->GetCurrentEntry())) {
+        text = std::string(entry->GetDisplayName().c_str()) + " : " + entry->GetToolTip().c_str();
+      }
+    }
+    NODE_FAIL(*this, RuntimeException, "%s", text.c_str());
+  }
+}
+
+// Descriptive answers.
+
+gcstring NodeCore::GetName(bool fullQualified) const {
+  const std::string full = nodeName();
+  return fullQualified ? toGc((record().standard ? "Std::" : "Cust::") + full) : toGc(full);
+}
+Api::ENameSpace NodeCore::GetNameSpace() const {
+  return record().standard ? Api::Standard : Api::Custom;
+}
+
+EVisibility NodeCore::GetVisibility() const {
+  const Call call(*this, "GetVisibility");
+  return const_cast<NodeCore*>(this)->visibility();
+}
+EVisibility NodeCore::visibility() {
+  return Api::Combine(ownVisibility(), static_cast<EVisibility>(runtimeVisibility_));
+}
+EVisibility NodeCore::ownVisibility() {
+  const std::string_view text = propertyText(Element::Visibility);
+  const auto* found = std::find_if(kVisibilities.begin(), kVisibilities.end(),
+                                   [text](const VisibilityName& v) { return equalsIgnoringCase(v.name, text); });
+  return found == kVisibilities.end() ? Api::Beginner : found->visibility;
+}
+void NodeCore::ImposeVisibility(EVisibility visibility) {
+  const Call call(*this, "ImposeVisibility");
+  runtimeVisibility_ = static_cast<std::uint8_t>(visibility);
+}
+
+int64_t NodeCore::GetPollingTime() const {
+  const Property* time = property(Element::PollingTime);
+  return time == nullptr ? -1 : map_.model().integer(*time);
+}
+gcstring NodeCore::GetToolTip() const {
+  return toGc(toUtf8(propertyText(Element::ToolTip)));
+}
+gcstring NodeCore::GetDescription() const {
+  return toGc(toUtf8(propertyText(Element::Description)));
+}
+gcstring NodeCore::GetDisplayName() const {
+  const std::string_view text = propertyText(Element::DisplayName);
+  return toGc(text.empty() ? defaultDisplayName() : toUtf8(text));
+}
+std::string NodeCore::defaultDisplayName() const {
+  return nodeName();
+}
+gcstring NodeCore::GetDeviceName() const {
+  return toGc(map_.deviceName());
+}
+gcstring NodeCore::GetEventID() const {
+  return toGc(propertyText(Element::EventID));
+}
+bool NodeCore::IsStreamable() const {
+  return parseYesNo(propertyText(Element::Streamable), false);
+}
+bool NodeCore::IsDeprecated() const {
+  return parseYesNo(propertyText(Element::IsDeprecated), false);
+}
+gcstring NodeCore::GetDocuURL() const {
+  return toGc(propertyText(Element::DocuURL));
+}
+bool NodeCore::IsFeature() const {
+  return record().feature;
+}
+Api::INodeMap* NodeCore::GetNodeMap() const {
+  return &map_;
+}
+Api::EInterfaceType NodeCore::GetPrincipalInterfaceType() const {
+  return Api::intfIBase;
+}
+Api::INode* NodeCore::GetAlias() const {
+  return other(propertyNode(Element::pAlias));
+}
+Api::INode* NodeCore::GetCastAlias() const {
+  return other(propertyNode(Element::pCastAlias));
+}
+
+bool NodeCore::FindInterface(int type, void** found) {
+  if (type == Api::kInterfaceINode) {
+    *found = static_cast<INode*>(this);
+  } else if (type == Api::intfIValue) {
+    *found = asValue();
+  } else {
+    *found = interfaceOf(type);
+  }
+  return true;
+}
+
+// Properties.
+
+void NodeCore::GetPropertyNames(gcstring_vector& names) const {
+  names.clear();
+  names.push_back("Name");
+  std::array<bool, static_cast<std::size_t>(Element::Unknown) + 1> listed{};
+  for (const Property& property : properties()) {
+    bool& known = listed[static_cast<std::size_t>(property.element())];
+    if (property.length() != 0 && !std::exchange(known, true)) {
+      names.push_back(toGc(infoOf(property.element()).name));
+    }
+  }
+}
+
+bool NodeCore::GetProperty(const gcstring& name, gcstring& value, gcstring& attribute) {
+  value = gcstring();
+  attribute = gcstring();
+  const Model& model = map_.model();
+  if (name == "Name") {
+    value = GetName(false);
+    return true;
+  }
+  std::string values;
+  std::string attributes;
+  bool found = false;
+  for (const Property& property : properties()) {
+    if (property.length() == 0 || infoOf(property.element()).name != name.c_str()) {
+      continue;
+    }
+    if (std::exchange(found, true)) {
+      values += '\t';
+      attributes += '\t';
+    }
+    NodeCore* const entry = property.element() == Element::pEnumEntry ? other(property.target) : nullptr;
+    values += entry != nullptr ? entry->nodeName() : toUtf8(model.text(property));
+    attributes += trim(model.attribute(property));
+  }
+  if (found) {
+    value = toGc(values);
+    attribute = attributes.find_first_not_of('\t') == std::string::npos ? gcstring() : toGc(attributes);
+  }
+  return found;
+}
+
+// Relations.
+
+void NodeCore::GetChildren(Api::NodeList_t& children, Api::ELinkType linkType) const {
+  children.clear();
+  std::vector<NodeIndex> found;
+  const auto atLeast = [&](Link link) {
+    for (const Property& property : properties()) {
+      if (infoOf(property.element()).link >= link && property.target != kNoNode) {
+        found.push_back(property.target);
+      }
+    }
+  };
+  switch (linkType) {
+    case Api::ctParentNodes:
+      GetParents(children);
+      return;
+    case Api::ctReadingChildren:
+      atLeast(Link::Reads);
+      break;
+    case Api::ctWritingChildren:
+      atLeast(Link::Writes);
+      break;
+    case Api::ctInvalidatingChildren:
+      atLeast(Link::Invalidates);
+      break;
+    case Api::ctValueChangingChildren:
+      atLeast(Link::Computes);
+      break;
+    case Api::ctTerminalNodes:
+      collectTerminals(found);
+      break;
+    case Api::ctDependingNodes: {
+      std::vector<bool> seen(map_.GetNumNodes());
+      seen[index_] = true;
+      std::vector<NodeIndex> open{index_};
+      for (std::size_t at = 0; at < open.size(); ++at) {
+        for (const Dependent dependent : map_.model().dependents(open[at])) {
+          if (!seen[dependent.node()]) {
+            seen[dependent.node()] = true;
+            open.push_back(dependent.node());
+            found.push_back(dependent.node());
+          }
+        }
+      }
+      break;
+    }
+  }
+  std::vector<bool> seen(map_.GetNumNodes());
+  for (const NodeIndex index : found) {
+    if (!seen[index]) {
+      seen[index] = true;
+      children.push_back(other(index));
+    }
+  }
+}
+
+void NodeCore::collectTerminals(std::vector<NodeIndex>& out) const {
+  std::vector<bool> seen(map_.GetNumNodes());
+  std::vector<NodeIndex> open{index_};
+  seen[index_] = true;
+  while (!open.empty()) {
+    const NodeIndex at = open.back();
+    open.pop_back();
+    bool terminal = true;
+    for (const Property& property : map_.model().properties(map_.model().node(at))) {
+      if (infoOf(property.element()).link == Link::Writes && property.target != kNoNode) {
+        terminal = false;
+        if (!seen[property.target]) {
+          seen[property.target] = true;
+          open.push_back(property.target);
+        }
+      }
+    }
+    if (terminal) {
+      out.push_back(at);
+    }
+  }
+}
+
+void NodeCore::GetParents(Api::NodeList_t& parents) const {
+  parents.clear();
+  std::vector<NodeIndex> found;
+  for (const Dependent dependent : map_.model().dependents(index_)) {
+    if (std::find(found.begin(), found.end(), dependent.node()) == found.end()) {
+      found.push_back(dependent.node());
+      parents.push_back(other(dependent.node()));
+    }
+  }
+}
+
+bool NodeCore::IsSelector() const {
+  return propertyNode(Element::pSelected) != kNoNode;
+}
+
+void NodeCore::GetSelectedFeatures(Api::FeatureList_t& features) const {
+  features.clear();
+  for (const Property& property : properties()) {
+    NodeCore* const selected = property.element() == Element::pSelected ? other(property.target) : nullptr;
+    if (selected != nullptr && selected->asValue() != nullptr) {
+      features.push_back(selected->asValue());
+    }
+  }
+}
+
+void NodeCore::GetSelectingFeatures(Api::FeatureList_t& features) const {
+  features.clear();
+  for (const auto& [selected, selector] : map_.model().selectorsOf(index_)) {
+    if (Api::IValue* const value = other(selector)->asValue()) {
+      features.push_back(value);
+    }
+  }
+}
+
+// Callbacks.
+
+Api::CallbackHandleType NodeCore::RegisterCallback(Api::CNodeCallback* callback) {
+  if (callback == nullptr) {
+    return 0;
+  }
+  const Call call(*this, "RegisterCallback");
+  if (callbacks_ == nullptr) {
+    callbacks_ = std::make_unique<Callbacks>();
+  }
+  callbacks_->registered.push_back(callback);
+  return reinterpret_cast<Api::CallbackHandleType>(callback);
+}
+
+bool NodeCore::DeregisterCallback(Api::CallbackHandleType handle) {
+  const Call call(*this, "DeregisterCallback");
+  if (callbacks_ == nullptr || handle == 0) {
+    return false;
+  }
+  auto& registered = callbacks_->registered;
+  const auto found = std::find_if(registered.begin(), registered.end(), [handle](const Api::CNodeCallback* callback) {
+    return reinterpret_cast<Api::CallbackHandleType>(callback) == handle;
+  });
+  if (found == registered.end()) {
+    return false;
+  }
+  Api::CNodeCallback* const callback = *found;
+  if (callbacks_->running != 0) {
+    *found = nullptr;
+    callbacks_->ended.push_back(callback);
+  } else {
+    registered.erase(found);
+    callback->Destroy();
+  }
+  return true;
+}
+
+void NodeCore::fireCallbacks(Api::ECallbackType phase) {
+  Api::CLock& lock = map_.GetLock();
+  lock.Lock();
+  Callbacks& all = *callbacks_;
+  ++all.running;
+  const auto end = [&] {
+    if (--all.running == 0) {
+      std::erase(all.registered, nullptr);
+      all.destroyEnded();
+    }
+    lock.Unlock();
+  };
+  // Only those that are there now; the list may grow and move while they run.
+  const std::size_t count = all.registered.size();
+  try {
+    for (std::size_t i = 0; i < count; ++i) {
+      const Api::CNodeCallback* const callback = all.registered[i];
+      if (callback == nullptr) {
+        continue;
+      }
+      if (phase == Api::cbPostOutsideLock) {
+        lock.Unlock();
+      }
+      try {
+        (*callback)(phase);
+      } catch (...) {
+        if (phase == Api::cbPostOutsideLock) {
+          lock.Lock();
+        }
+        throw;
+      }
+      if (phase == Api::cbPostOutsideLock) {
+        lock.Lock();
+      }
+    }
+  } catch (...) {
+    end();
+    throw;
+  }
+  end();
+}
+
+Api::UserData_t NodeCore::GetUserData() const {
+  return userData_;
+}
+Api::UserData_t NodeCore::SetUserData(Api::UserData_t data) {
+  return std::exchange(userData_, data);
+}
+
+gcstring NodeCore::entryPoint() const {
+  if (map_.callDepth_ == 0 || map_.entryNode_ == nullptr) {
+    return {};
+  }
+  return toGc(map_.entryNode_->nodeName() + "." + map_.entryMethod_ + "()");
+}
+
+ValueDescent::ValueDescent(NodeCore& node, std::uint8_t& state, std::uint8_t busyBit)
+    : map_(node.map()),
+      state_(state),
+      busyBit_(busyBit) {
+  if ((state & busyBit) != 0) {
+    NODE_FAIL(node, RuntimeException, "The value depends on itself.");
+  }
+  if (map_.descent_ >= kMaxDepth) {
+    NODE_FAIL(node, RuntimeException, "The value depends on a chain of more than %u nodes.", kMaxDepth);
+  }
+  if (++map_.steps_ > kMaxSteps) {
+    NODE_FAIL(node, RuntimeException, "The value needs more than %u other values.", kMaxSteps);
+  }
+  ++map_.descent_;
+  state_ = static_cast<std::uint8_t>(state_ | busyBit_);
+}
+
+ValueDescent::~ValueDescent() {
+  state_ = static_cast<std::uint8_t>(state_ & ~busyBit_);
+  --map_.descent_;
+}
+
+}  // namespace GenApiEngine
