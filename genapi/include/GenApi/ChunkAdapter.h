@@ -25,6 +25,7 @@ class GENAPI_DECL CChunkAdapter {
   virtual ~CChunkAdapter();
 
   void AttachNodeMap(INodeMap* pNodeMap);
+  /// Called by the destructor too; the node map must still be there.
   void DetachNodeMap();
   virtual bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) = 0;
   virtual void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength,

@@ -16,6 +16,7 @@ class GENAPI_DECL CEventAdapter {
   virtual ~CEventAdapter();
 
   void AttachNodeMap(INodeMap* pNodeMap);
+  /// Called by the destructor too; the node map must still be there.
   void DetachNodeMap();
   virtual void DeliverMessage(const uint8_t msg[], uint32_t numBytes) = 0;
 

@@ -3,6 +3,7 @@
 
 #include <istream>
 #include <ostream>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -11,6 +12,8 @@
 #include "GenApi/Types.h"
 
 namespace GENAPI_NAMESPACE {
+
+class CFeatureBagger;
 
 /// The streamable features of a node map with their values, for every combination of their selectors.
 class GENAPI_DECL CFeatureBag {
@@ -43,6 +46,8 @@ class GENAPI_DECL CFeatureBag {
 
  private:
   friend class CFeatureBagger;
+  friend GENAPI_DECL std::ostream& operator<<(std::ostream& os, const CFeatureBagger& FeatureBagger);
+  friend GENAPI_DECL std::istream& operator>>(std::istream& is, CFeatureBagger& FeatureBagger);
   std::ostream& Write(std::ostream& os, const char* magic) const;
   bool ReadLine(const std::string& line);
 

@@ -1,0 +1,173 @@
+// The chunk adapters: each chunk port of a node map gets a port of its own, onto its chunk of the attached buffer.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "GenApi/ChunkAdapterGeneric.h"
+#include "GenApi/IChunkPort.h"
+#include "adapters/hex_id.h"
+#include "adapters/memory_port.h"
+
+namespace GENAPI_NAMESPACE {
+
+using GenApiEngine::MemoryPort;
+using GenApiEngine::normalizedId;
+
+struct CChunkAdapter::Ports {
+  struct Chunk {
+    std::string id;
+    ptrdiff_t offset;
+    size_t length;
+  };
+  struct Port {
+    INode* node;
+    IChunkPort* chunk;
+    ptrdiff_t offset = 0;
+    std::unique_ptr<MemoryPort> memory = std::make_unique<MemoryPort>();
+  };
+
+  INodeMap* nodeMap = nullptr;
+  int64_t maxCacheSize = -1;
+  std::vector<Port> ports;
+
+  bool mayKeep(const Port& port) const {
+    return port.chunk->CacheChunkData() == Yes &&
+           (maxCacheSize < 0 || port.memory->size() <= static_cast<uint64_t>(maxCacheSize));
+  }
+
+  // Changes ports under the map's lock; afterwards, without it, invalidates those for which the change returned true.
+  template<class Change>
+  void change(Change&& changePort) {
+    if (nodeMap == nullptr)
+      return;
+    std::vector<INode*> changed;
+    {
+      const AutoLock lock(nodeMap->GetLock());
+      for (Port& port : ports) {
+        if (changePort(port))
+          changed.push_back(port.node);
+      }
+    }
+    for (INode* const node : changed)
+      node->InvalidateNode();
+  }
+
+  void attach(const uint8_t* buffer, const std::vector<Chunk>& chunks, AttachStatistics_t* statistics) {
+    AttachStatistics_t counted = {static_cast<int>(ports.size()), static_cast<int>(chunks.size()), 0};
+    change([&](Port& port) {
+      const std::string wanted = normalizedId(port.chunk->GetChunkID());
+      const auto chunk = std::find_if(chunks.begin(), chunks.end(), [&](const Chunk& c) { return c.id == wanted; });
+      if (chunk == chunks.end())
+        return leave(port);
+      port.offset = chunk->offset;
+      port.memory->attach(buffer + chunk->offset, chunk->length);
+      ++counted.NumAttachedChunks;
+      return true;
+    });
+    if (statistics != nullptr)
+      *statistics = counted;
+  }
+
+  // Lets go of the buffer; whether the port changed by that.
+  bool leave(Port& port) const {
+    if (!port.memory->isAttached() || port.memory->ownsData())
+      return false;
+    if (mayKeep(port)) {
+      port.memory->keepCopy();
+      return false;
+    }
+    port.memory->detach();
+    return true;
+  }
+};
+
+CChunkAdapter::CChunkAdapter(INodeMap* pNodeMap, int64_t MaxChunkCacheSize) : m_ports(std::make_unique<Ports>()) {
+  m_ports->maxCacheSize = MaxChunkCacheSize;
+  if (pNodeMap != nullptr)
+    AttachNodeMap(pNodeMap);
+}
+
+CChunkAdapter::~CChunkAdapter() {
+  try {
+    DetachNodeMap();
+  } catch (...) {  // NOLINT(bugprone-empty-catch)
+    // A callback that throws; nothing can be told to anyone here.
+  }
+}
+
+void CChunkAdapter::AttachNodeMap(INodeMap* pNodeMap) {
+  DetachNodeMap();
+  if (pNodeMap == nullptr)
+    return;
+  m_ports->nodeMap = pNodeMap;
+  NodeList_t nodes;
+  pNodeMap->GetNodes(nodes);
+  for (INode* const node : nodes) {
+    if (node->GetPrincipalInterfaceType() != intfIPort)
+      continue;
+    auto* const chunkPort = dynamic_cast<IChunkPort*>(node);
+    if (chunkPort == nullptr || chunkPort->GetChunkID().empty())
+      continue;
+    Ports::Port port{node, chunkPort};
+    if (pNodeMap->Connect(port.memory.get(), node->GetName()))
+      m_ports->ports.push_back(std::move(port));
+  }
+}
+
+void CChunkAdapter::DetachNodeMap() {
+  if (m_ports->nodeMap == nullptr)
+    return;
+  for (const Ports::Port& port : m_ports->ports)
+    m_ports->nodeMap->Connect(static_cast<IPort*>(nullptr), port.node->GetName());
+  m_ports->ports.clear();
+  m_ports->nodeMap = nullptr;
+}
+
+void CChunkAdapter::DetachBuffer() {
+  m_ports->change([this](Ports::Port& port) { return m_ports->leave(port); });
+}
+
+void CChunkAdapter::UpdateBuffer(uint8_t* pBaseAddress) {
+  m_ports->change([pBaseAddress](Ports::Port& port) {
+    if (!port.memory->isAttached() || port.memory->ownsData())
+      return false;
+    port.memory->attach(pBaseAddress + port.offset, port.memory->size());
+    return true;
+  });
+}
+
+void CChunkAdapter::ClearCaches() {
+  m_ports->change([](Ports::Port& port) {
+    if (!port.memory->isAttached() || !port.memory->ownsData())
+      return false;
+    port.memory->detach();
+    return true;
+  });
+}
+
+bool CChunkAdapterGeneric::CheckBufferLayout(uint8_t* /*pBuffer*/, int64_t /*BufferLength*/) {
+  return false;
+}
+
+void CChunkAdapterGeneric::AttachBuffer(uint8_t* /*pBuffer*/, int64_t /*BufferLength*/,
+                                        AttachStatistics_t* /*pAttachStatistics*/) {
+  throw RUNTIME_EXCEPTION("The chunks of a buffer of unknown layout must be given as a list");
+}
+
+void CChunkAdapterGeneric::AttachBuffer(uint8_t* pBuffer, SingleChunkData_t* pChunkData, int64_t NumChunks,
+                                        AttachStatistics_t* pAttachStatistics) {
+  std::vector<Ports::Chunk> chunks;
+  for (const SingleChunkData_t* chunk = pChunkData; chunk < pChunkData + NumChunks; ++chunk)
+    chunks.push_back({normalizedId(chunk->ChunkID), chunk->ChunkOffset, chunk->ChunkLength});
+  GetPorts().attach(pBuffer, chunks, pAttachStatistics);
+}
+
+void CChunkAdapterGeneric::AttachBuffer(uint8_t* pBuffer, SingleChunkDataStr_t* pChunkData, int64_t NumChunks,
+                                        AttachStatistics_t* pAttachStatistics) {
+  std::vector<Ports::Chunk> chunks;
+  for (const SingleChunkDataStr_t* chunk = pChunkData; chunk < pChunkData + NumChunks; ++chunk)
+    chunks.push_back({normalizedId(chunk->ChunkID), chunk->ChunkOffset, chunk->ChunkLength});
+  GetPorts().attach(pBuffer, chunks, pAttachStatistics);
+}
+
+}  // namespace GENAPI_NAMESPACE
