@@ -363,10 +363,11 @@ bool Acquisition::mayRun(const Stream& stream) const {
           (!triggerOn(TriggerKind::FrameStart) && (!triggerOn(TriggerKind::FrameBurstStart) || stream.burstLeft > 0)));
 }
 
-void Acquisition::begin(Stream& stream, Clock::time_point start) {
+void Acquisition::begin(std::size_t index, Clock::time_point start) {
+  Stream& stream = *streams_[index];
   const auto exposure = microseconds(hooks_.exposure());
   stream.pending.push_back(
-      {hooks_.plan(), core_.config.firstFrameId + stream.count, start, start + exposure + readout()});
+      {hooks_.plan(index), core_.config.firstFrameId + stream.count, start, start + exposure + readout()});
   ++stream.count;
   exposureEnd_ = start + exposure;
   readoutEnd_ = exposureEnd_ + readout();
@@ -404,11 +405,11 @@ FrameWait Acquisition::waitForFrame(CameraLock& guard, std::size_t index, Clock:
     if (stream.pending.empty() && mayRun(stream)) {
       if (speedMode_->on()) {
         stream.next = now;
-        stream.pending.push_back({hooks_.plan(), core_.config.firstFrameId + stream.count, now, now});
+        stream.pending.push_back({hooks_.plan(index), core_.config.firstFrameId + stream.count, now, now});
         ++stream.count;
       } else {
         // A consumer that was late gets the next frame at once, but not all that it let pass.
-        begin(stream, std::max(stream.next, now - period()));
+        begin(index, std::max(stream.next, now - period()));
         stream.next = stream.pending.front().start + period();
         stream.burstLeft -= stream.burstLeft > 0 ? 1 : 0;
         const bool first = std::none_of(streams_.begin(), streams_.begin() + static_cast<std::ptrdiff_t>(index),
@@ -494,11 +495,11 @@ void Acquisition::triggerFrame() {
   const auto delayed = now + microseconds(triggerDelay_->floating(static_cast<std::size_t>(TriggerKind::FrameStart)));
   const auto start = overlap == kOverlapPreviousFrame ? std::max(delayed, exposureEnd_) : delayed;
   bool announced = false;
-  for (const auto& stream : streams_) {
-    if (stream->started) {
-      begin(*stream, start);
+  for (std::size_t index = 0; index < streams_.size(); ++index) {
+    if (streams_[index]->started) {
+      begin(index, start);
       if (!announced) {
-        announce(stream->pending.back());
+        announce(streams_[index]->pending.back());
         announced = true;
       }
     }

@@ -11,23 +11,9 @@
 
 #include "camera_core.h"
 #include "frame_plan.h"
+#include "signal.h"
 
 namespace vcam {
-
-// What happens inside the camera and may be counted, timed, or sent as an event.
-enum class Signal : std::uint8_t {
-  Off,
-  AcquisitionStart,
-  AcquisitionEnd,
-  FrameStart,
-  ExposureEnd,
-  FrameTriggerMissed,
-  Line0,
-  Timer0End,
-  Timer1End,
-  Counter0End,
-  Counter1End,
-};
 
 enum class TriggerKind : std::uint8_t { FrameStart, AcquisitionStart, FrameBurstStart };
 
@@ -35,7 +21,7 @@ class Acquisition {
  public:
   struct Hooks {
     // The plan of a frame that begins now: everything but IDs and times.
-    std::function<std::shared_ptr<const FramePlan>()> plan;
+    std::function<std::shared_ptr<const FramePlan>(std::size_t stream)> plan;
     // Lines that the sensor reads out, for the time it takes.
     std::function<std::uint32_t()> lines;
     std::function<double()> exposure;  // us
@@ -87,7 +73,7 @@ class Acquisition {
   void finishIfComplete();
   bool mayRun(const Stream& stream) const;
   std::uint64_t frameLimit() const;
-  void begin(Stream& stream, Clock::time_point start);
+  void begin(std::size_t index, Clock::time_point start);
   void announce(const Exposure& exposure);
   void trigger(TriggerKind kind);
   void triggerFrame();

@@ -24,7 +24,8 @@ void AnalogControl::declareExposure(const char* category) {
                    .max("1000000")
                    .value(core_.model.defaultExposure)
                    .stored()
-                   .notation("Fixed", 1);
+                   .notation("Fixed", 1)
+                   .dependsOn({"SequencerSetLoad"});
   if (core_.model.scaledRegisters) {
     exposure_->scaled(0.5);
   } else {
@@ -41,7 +42,8 @@ void AnalogControl::declare() {
                .min("0")
                .max("24")
                .stored()
-               .notation("Fixed", 2);
+               .notation("Fixed", 2)
+               .dependsOn({"SequencerSetLoad"});
   if (core_.model.scaledRegisters) {
     gain_->scaled(0.01);
   }

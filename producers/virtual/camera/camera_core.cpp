@@ -35,10 +35,9 @@ void CameraCore::runSchedule() {
     } else {
       auto node = happenings_.extract(happenings_.begin());
       node.mapped()();
-      if (guard.hasEvents()) {
-        guard.release();
-        guard.acquire();
-      }
+      // Others get their turn even when happenings follow one another closely.
+      guard.release();
+      guard.acquire();
     }
   }
 }

@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* kCategory = "DeviceControl";
 constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+constexpr const char* kUserId = "DeviceUserID";
 
 // Fixed places in the register space. A pair of address and value registers reaches every other register, 32 bits wide.
 constexpr std::uint64_t kIndirectWriteAddress = 0xA184;
@@ -29,6 +30,12 @@ void DeviceControl::declare() {
   declareRegisters();
 }
 
+void DeviceControl::powerOn() {
+  if (const auto kept = store_.read(kUserId)) {
+    userId_->setText(toText(*kept));
+  }
+}
+
 void DeviceControl::declareIdentity() {
   FeatureMap& map = core_.map;
   const Identity& identity = core_.model.identity;
@@ -44,7 +51,12 @@ void DeviceControl::declareIdentity() {
   text("DeviceVersion", "Version of the camera", identity.version);
   firmware_ = &text("DeviceFirmwareVersion", "Version of the firmware", "1.0.0").visibility("Expert").uncached();
   text("DeviceSerialNumber", "Serial number", identity.serialNumber);
-  userId_ = &map.string("DeviceUserID", kCategory, "A name that the user gives", 32).value(core_.model.userDefinedName);
+  userId_ = &map.string("DeviceUserID", kCategory, "A name that the user gives", 32)
+                 .value(core_.model.userDefinedName)
+                 .onWrite([this](std::size_t) {
+                   store_.write(kUserId, toContent(userId_->text()));
+                   return kOk;
+                 });
   map.integer("DeviceSFNCVersionMajor", kCategory, "Version of the naming convention")
       .readOnly()
       .value(2)

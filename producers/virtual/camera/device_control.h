@@ -5,6 +5,7 @@
 #include <string>
 
 #include "camera_core.h"
+#include "file_store.h"
 
 namespace vcam {
 
@@ -15,9 +16,14 @@ class DeviceControl {
     std::function<void(double)> overheat;  // the temperature passed its limit upwards
   };
 
-  DeviceControl(CameraCore& core, Hooks hooks) : core_(core), hooks_(std::move(hooks)) {}
+  DeviceControl(CameraCore& core, FileStore& store, Hooks hooks)
+      : core_(core),
+        store_(store),
+        hooks_(std::move(hooks)) {}
 
   void declare();
+  // After the map is sealed: takes what was kept from earlier.
+  void powerOn();
   std::string userId() const { return userId_->text(); }
   void setFirmwareVersion(const std::string& version) { firmware_->setText(version); }
 
@@ -30,11 +36,11 @@ class DeviceControl {
   void watchTemperature();
 
   CameraCore& core_;
+  FileStore& store_;
   Hooks hooks_;
   Feature* userId_ = nullptr;
   Feature* firmware_ = nullptr;
   Feature* temperatureLimit_ = nullptr;
-  Feature* timestampLatch_ = nullptr;
   std::uint64_t latched_ = 0;
   bool watching_ = false;
   bool hot_ = false;

@@ -193,6 +193,7 @@ class Feature {
   FeatureKind kind() const { return kind_; }
   std::int64_t integer(std::size_t slot = 0) const { return computeInteger_ ? computeInteger_(slot) : integers_[slot]; }
   // What was set, where computing limits it on reading.
+  std::int64_t setting(std::size_t slot = 0) const { return integers_[slot]; }
   double settingFloat(std::size_t slot = 0) const { return floats_[slot]; }
   double floating(std::size_t slot = 0) const { return computeFloat_ ? computeFloat_(slot) : floats_[slot]; }
   bool on(std::size_t slot = 0) const { return integer(slot) != 0; }

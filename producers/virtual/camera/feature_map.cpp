@@ -93,6 +93,11 @@ void FeatureMap::seal() {
     initialise(feature);
   }
   for (const Feature& feature : features_) {
+    for (const std::string& name : feature.invalidators_) {
+      if (find(name) == nullptr) {
+        throw std::logic_error(feature.name() + " depends on " + name + ", which is not declared");
+      }
+    }
     for (const Formula* formula : {&feature.min_, &feature.max_, &feature.inc_, &feature.implementedIf_,
                                    &feature.availableIf_, &feature.lockedIf_}) {
       for (const std::string& name : formula->names()) {

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "channel_block.h"
 #include "description_writer.h"
 
 namespace vcam {
@@ -23,31 +24,83 @@ bool samePicture(const PictureSettings& a, const PictureSettings& b) {
          a.tones.luma == b.tones.luma && a.chart == b.chart && a.folder == b.folder;
 }
 
+ToneTables negative(ToneTables tones) {
+  const auto invert = [](std::array<std::uint16_t, 256>& table) {
+    std::for_each(table.begin(), table.end(), [](std::uint16_t& tone) { tone = static_cast<std::uint16_t>(~tone); });
+  };
+  invert(tones.luma);
+  std::for_each(tones.rgb.begin(), tones.rgb.end(), invert);
+  return tones;
+}
+
+std::filesystem::path storageOf(const Configuration& configuration, const CameraModel& model) {
+  return configuration.storageFolder.empty() ? std::filesystem::path()
+                                             : configuration.storageFolder / model.identity.serialNumber;
+}
+
 }  // namespace
 
 VirtualCamera::VirtualCamera(CameraModel model, const Configuration& configuration)
     : core_(std::move(model), configuration),
-      device_(core_, {.reset =
-                          [this] {
-                            acquisition_.stop();
-                            core_.map.loadDefaults();
-                          },
-                      .overheat = [](double) {}}),
+      store_(storageOf(core_.config, core_.model), core_.config.report),
+      device_(core_, store_,
+              {.reset = [this] { reset(); }, .overheat = [this](double degrees) { events_.overheat(degrees); }}),
       format_(core_),
       analog_(core_),
-      acquisition_(core_, {.plan = [this] { return currentPlan(); },
-                           .lines = [this] { return format_.height(); },
-                           .exposure = [this] { return analog_.exposure(); },
-                           .watched = [] { return false; },
-                           .signal = [this](Signal s, std::uint64_t frameId) { signal(s, frameId); }}) {
+      acquisition_(
+          core_,
+          {.plan =
+               [this](std::size_t stream) {
+                 auto plan = planFor(stream);
+                 if (stream == 0) {
+                   sequencer_.frameBegun();
+                 }
+                 return plan;
+               },
+           .lines = [this] { return format_.height(); },
+           .exposure = [this] { return sequencer_.exposure(analog_.exposure()); },
+           .watched =
+               [this] { return events_.watchesFrames() || counters_.watchesFrames() || sequencer_.watchesFrames(); },
+           .signal = [this](Signal s, std::uint64_t frameId) { signal(s, frameId); }}),
+      events_(core_),
+      counters_(core_, [this](Signal s) { signal(s, 0); }),
+      chunks_(core_),
+      sequencer_(core_),
+      userSets_(core_, store_),
+      files_(core_, store_,
+             {.userSet = [this](const std::string& set) { return userSets_.content(set); },
+              .lut = [this]() -> Feature& { return analog_.lutValues(); },
+              .firmware = [this](const std::string& version) { device_.setFirmwareVersion(version); }}) {
+  declare();
+  core_.map.seal();
+  device_.powerOn();
+  userSets_.powerOn();
+  storeDescription();
+}
+
+void VirtualCamera::declare() {
   device_.declare();
   format_.declare();
   acquisition_.declare();
   analog_.declareExposure(acquisition_.category());
   analog_.declare();
-  acquisition_.declareTransport([this] { return static_cast<std::int64_t>(currentPlan()->payloadSize); });
-  core_.map.seal();
-  storeDescription();
+  counters_.declare();
+  sequencer_.declare();
+  events_.declare();
+  chunks_.declare();
+  userSets_.declare();
+  files_.declare();
+  acquisition_.declareTransport([this] { return static_cast<std::int64_t>(planFor(0)->payloadSize); });
+  if (core_.model.channels > 0) {
+    declareChannels(core_.map, core_.model.channels);
+  }
+}
+
+void VirtualCamera::reset() {
+  acquisition_.stop();
+  acquisition_.unlockParameters();
+  files_.close();
+  userSets_.powerOn();
 }
 
 VirtualCamera::~VirtualCamera() = default;
@@ -132,46 +185,111 @@ void VirtualCamera::disconnect() {
   ++core_.generation;
   acquisition_.stop();
   acquisition_.unlockParameters();
+  files_.close();
 }
 
-std::shared_ptr<const FramePlan> VirtualCamera::currentPlan() {
-  if (plan_ == nullptr || planGeneration_ != core_.generation) {
-    plan_ = buildPlan(analog_.exposure(), analog_.gain(), 0);
-    planGeneration_ = core_.generation;
+std::shared_ptr<const FramePlan> VirtualCamera::planFor(std::size_t stream) {
+  const std::size_t slot = stream * Sequencer::kSets + sequencer_.activeSet();
+  if (plans_.size() <= slot) {
+    plans_.resize(slot + 1);
   }
-  return plan_;
+  CachedPlan& cached = plans_[slot];
+  if (cached.generation != core_.generation) {
+    cached = {core_.generation, buildPlan(stream, slot)};
+  }
+  return cached.plan;
 }
 
-std::shared_ptr<const Picture> VirtualCamera::pictureFor(std::size_t slot, PictureSettings settings) {
-  if (pictures_.size() <= slot) {
-    pictures_.resize(slot + 1);
+std::shared_ptr<const Picture> VirtualCamera::pictureFor(std::size_t index, PictureSettings settings) {
+  if (pictures_.size() <= index) {
+    pictures_.resize(index + 1);
   }
-  if (pictures_[slot] == nullptr || !samePicture(pictures_[slot]->settings(), settings)) {
-    pictures_[slot] = std::make_shared<const Picture>(std::move(settings));
+  if (pictures_[index] == nullptr || !samePicture(pictures_[index]->settings(), settings)) {
+    pictures_[index] = std::make_shared<const Picture>(std::move(settings));
   }
-  return pictures_[slot];
+  return pictures_[index];
 }
 
-std::shared_ptr<FramePlan> VirtualCamera::buildPlan(double exposure, double gain, std::size_t slot) {
+std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::size_t slot) {
   auto plan = std::make_shared<FramePlan>();
+  plan->exposureTime = sequencer_.exposure(analog_.exposure());
+  plan->gain = sequencer_.gain(analog_.gain());
   PictureSettings settings = format_.settings();
-  settings.tones = analog_.tones(exposure, gain);
+  settings.tones = analog_.tones(plan->exposureTime, plan->gain);
+  if (stream > 0) {
+    settings.tones = negative(settings.tones);
+  }
   plan->width = settings.width;
   plan->height = settings.height;
   plan->offsetX = settings.offsetX;
   plan->offsetY = settings.offsetY;
   plan->pixelFormat = settings.format->code;
-  plan->exposureTime = exposure;
-  plan->gain = gain;
   plan->speedMode = core_.map.find("SpeedMode")->on();
-  plan->pictures[0] = pictureFor(slot, std::move(settings));
+  plan->lineStatus = static_cast<std::uint32_t>(core_.map.find("LineStatusAll")->integer());
+  plan->sequencerSet = static_cast<std::uint32_t>(sequencer_.activeSet());
+  plan->pictures[0] = pictureFor(slot * FramePlan::kMaxParts, std::move(settings));
   plan->imageSize = plan->pictures[0]->size();
-  plan->payloadSize = plan->imageSize;
+  if (format_.multiPart()) {
+    addParts(*plan, slot);
+  }
+  chunks_.layOut(*plan);
   return plan;
 }
 
-void VirtualCamera::signal(Signal signal, std::uint64_t) {
-  acquisition_.source(signal);
+// The image is the first part; range and confidence follow, each from an address that is a multiple of 8.
+void VirtualCamera::addParts(FramePlan& plan, std::size_t slot) {
+  struct Component {
+    std::size_t index;
+    const char* format;
+    PARTDATATYPE_ID type;
+    Pattern pattern;
+  };
+  plan.payloadType = PAYLOAD_TYPE_MULTI_PART;
+  plan.imageSize = 0;
+  for (const Component& component :
+       {Component{0, nullptr, PART_DATATYPE_2D_IMAGE, Pattern::Chart},
+        Component{1, "Coord3D_C16", PART_DATATYPE_3D_IMAGE, Pattern::GreyDiagonalRampMoving},
+        Component{2, "Confidence8", PART_DATATYPE_CONFIDENCE_MAP, Pattern::GreyVerticalRampMoving}}) {
+    if (component.index > 0 && !format_.componentEnabled(component.index)) {
+      continue;
+    }
+    const std::size_t number = plan.partCount++;
+    if (number > 0) {
+      PictureSettings settings = plan.pictures[0]->settings();
+      settings.format = findPixelFormat(std::string_view(component.format));
+      settings.pattern = component.pattern;
+      plan.pictures[number] = pictureFor(slot * FramePlan::kMaxParts + component.index, std::move(settings));
+    }
+    const PictureSettings& shown = plan.pictures[number]->settings();
+    PartPlan& part = plan.parts[number];
+    part.offset = (plan.imageSize + 7) & ~std::size_t{7};
+    part.size = plan.pictures[number]->size();
+    part.dataType = component.type;
+    part.pixelFormat = shown.format->code;
+    part.width = shown.width;
+    part.height = shown.height;
+    part.offsetX = shown.offsetX;
+    part.offsetY = shown.offsetY;
+    part.sourceId = 0;
+    part.regionId = 0;
+    plan.imageSize = part.offset + part.size;
+  }
+}
+
+void VirtualCamera::signal(Signal signal, std::uint64_t frameId) {
+  // Counters and timers may start one another; a circle of them ends here.
+  constexpr unsigned kMaxDepth = 8;
+  if (signalDepth_ >= kMaxDepth) {
+    return;
+  }
+  ++signalDepth_;
+  events_.signal(signal, frameId);
+  counters_.signal(signal);
+  sequencer_.signal(signal);
+  if (signal != Signal::Line0) {
+    acquisition_.source(signal);
+  }
+  --signalDepth_;
 }
 
 std::size_t VirtualCamera::render(const FramePlan& plan, std::span<std::byte> buffer) {
@@ -182,14 +300,20 @@ std::size_t VirtualCamera::render(const FramePlan& plan, std::span<std::byte> bu
     }
     return std::min(plan.payloadSize, buffer.size());
   }
-  if (buffer.size() >= plan.payloadSize) {
-    plan.pictures[0]->render(plan.frameId, buffer);
-    return plan.payloadSize;
+  if (buffer.size() < plan.payloadSize) {
+    std::vector<std::byte> whole(plan.payloadSize);
+    render(plan, whole);
+    std::memcpy(buffer.data(), whole.data(), buffer.size());
+    return buffer.size();
   }
-  std::vector<std::byte> whole(plan.payloadSize);
-  render(plan, whole);
-  std::memcpy(buffer.data(), whole.data(), buffer.size());
-  return buffer.size();
+  plan.pictures[0]->render(plan.frameId, buffer);
+  for (std::size_t i = 1; i < plan.partCount; ++i) {
+    plan.pictures[i]->render(plan.frameId, buffer.subspan(plan.parts[i].offset, plan.parts[i].size));
+  }
+  if (plan.chunkCount > 0) {
+    chunks_.write(plan, buffer);
+  }
+  return plan.payloadSize;
 }
 
 std::vector<std::unique_ptr<Camera>> makeDefaultCameras(const Configuration& configuration) {

@@ -9,8 +9,15 @@
 #include "analog_control.h"
 #include "camera.h"
 #include "camera_core.h"
+#include "chunk_control.h"
+#include "counter_timer.h"
 #include "device_control.h"
+#include "event_control.h"
+#include "file_access.h"
+#include "file_store.h"
 #include "image_format.h"
+#include "sequencer.h"
+#include "user_sets.h"
 
 namespace vcam {
 
@@ -42,23 +49,38 @@ class VirtualCamera : public Camera {
 
  private:
   void storeDescription();
-  std::shared_ptr<const FramePlan> currentPlan();
-  std::shared_ptr<const Picture> pictureFor(std::size_t slot, PictureSettings settings);
-  std::shared_ptr<FramePlan> buildPlan(double exposure, double gain, std::size_t slot);
+  void declare();
+  void reset();
+  std::shared_ptr<const FramePlan> planFor(std::size_t stream);
+  std::shared_ptr<const Picture> pictureFor(std::size_t index, PictureSettings settings);
+  std::shared_ptr<FramePlan> buildPlan(std::size_t stream, std::size_t slot);
+  void addParts(FramePlan& plan, std::size_t slot);
   void signal(Signal signal, std::uint64_t frameId);
 
   mutable CameraCore core_;
+  FileStore store_;
   DeviceControl device_;
   ImageFormat format_;
   AnalogControl analog_;
   Acquisition acquisition_;
+  EventControl events_;
+  CounterTimer counters_;
+  ChunkControl chunks_;
+  Sequencer sequencer_;
+  UserSets userSets_;
+  FileAccess files_;
+  unsigned signalDepth_ = 0;
   std::string portName_ = "Device";
   DescriptionInfo description_;
   std::string descriptionText_;
   std::vector<std::byte> descriptionBytes_;
 
-  std::uint64_t planGeneration_ = 0;
-  std::shared_ptr<const FramePlan> plan_;
+  // One for each stream and sequencer set, rebuilt when a setting has changed.
+  struct CachedPlan {
+    std::uint64_t generation = 0;
+    std::shared_ptr<const FramePlan> plan;
+  };
+  std::vector<CachedPlan> plans_;
   std::vector<std::shared_ptr<const Picture>> pictures_;
 };
 
