@@ -59,8 +59,10 @@ struct FormulaProgram::Instruction {
   std::uint32_t argument;
 };
 
-/// A frame holds the variables that a formula reads and its value stack; a formula that needs more is refused.
-inline constexpr std::size_t kSmallFormulaFrame = 48;
+/// A frame holds the variables that a formula reads and its value stack. One of usual size lies on the thread's stack,
+/// where there may be one for each of the nodes that ask each other; a larger one is allocated, an unreasonable one
+/// refused.
+inline constexpr std::size_t kSmallFormulaFrame = 96;
 inline constexpr std::size_t kMaxFormulaFrame = 1024;
 /// Expressions are compiled in place at each use; these two end what would grow without bound. The longest formulas of
 /// real cameras need a few hundred.

@@ -410,11 +410,10 @@ bool takesTwo(Op op) {
   return (op >= Op::power && op <= Op::logicOr) || op == Op::roundToDigits;
 }
 
-template<class Frame, std::size_t Size, class Read>
-Fault evaluateIn(std::span<const FormulaProgram::Instruction> instructions, std::span<const FormulaValue> constants,
-                 std::size_t variableCount, Read&& readVariable, FormulaValue& result) {
-  // Not initialised: each cell is written before it is read.
-  typename Frame::Cell cells[Size];  // NOLINT(cppcoreguidelines-pro-type-member-init)
+template<class Frame, class Read>
+Fault evaluateIn(typename Frame::Cell* cells, std::span<const FormulaProgram::Instruction> instructions,
+                 std::span<const FormulaValue> constants, std::size_t variableCount, Read&& readVariable,
+                 FormulaValue& result) {
   for (std::size_t i = 0; i < variableCount; ++i) {
     if (const Fault fault = Frame::load(readVariable(i), cells[i]); fault != Fault::none)
       return fault;
@@ -453,18 +452,22 @@ const char* describe(FormulaFault fault) {
 FormulaProgram::FormulaProgram() = default;
 FormulaProgram::~FormulaProgram() = default;
 
-template<std::size_t FrameSize>
-FormulaFault FormulaProgram::runInFrame(ReadVariable read, const void* context, FormulaValue& result) const {
-  const auto readVariable = [&](std::size_t i) { return read(context, usedVariables_[i]); };
-  return kind_ == FormulaKind::integer ? evaluateIn<IntegerFrame, FrameSize>(
-                                             instructions_, constants_, usedVariables_.size(), readVariable, result)
-                                       : evaluateIn<FloatingFrame, FrameSize>(
-                                             instructions_, constants_, usedVariables_.size(), readVariable, result);
+template<class Frame>
+FormulaFault FormulaProgram::runWith(ReadVariable read, const void* context, FormulaValue& result) const {
+  const auto run = [&](typename Frame::Cell* cells) {
+    const auto readVariable = [&](std::size_t i) { return read(context, usedVariables_[i]); };
+    return evaluateIn<Frame>(cells, instructions_, constants_, usedVariables_.size(), readVariable, result);
+  };
+  // The cells are not initialised: each is written before it is read.
+  if (frameSize_ > kSmallFormulaFrame)
+    return run(std::unique_ptr<typename Frame::Cell[]>(new typename Frame::Cell[frameSize_]).get());
+  typename Frame::Cell cells[kSmallFormulaFrame];  // NOLINT(cppcoreguidelines-pro-type-member-init)
+  return run(cells);
 }
 
 FormulaFault FormulaProgram::run(ReadVariable read, const void* context, FormulaValue& result) const {
-  return frameSize_ <= kSmallFormulaFrame ? runInFrame<kSmallFormulaFrame>(read, context, result)
-                                          : runInFrame<kMaxFormulaFrame>(read, context, result);
+  return kind_ == FormulaKind::integer ? runWith<IntegerFrame>(read, context, result)
+                                       : runWith<FloatingFrame>(read, context, result);
 }
 
 }  // namespace GenApiEngine

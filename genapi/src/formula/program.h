@@ -1,4 +1,5 @@
-// A formula of a swiss knife or converter, compiled once into a flat program that evaluates without allocating.
+// A formula of a swiss knife or converter, compiled once into a flat program. Evaluating it allocates only for formulas
+// of unusual size.
 #pragma once
 
 #include <cstdint>
@@ -112,8 +113,8 @@ class FormulaProgram {
 
   FormulaProgram();
   FormulaFault run(ReadVariable read, const void* context, FormulaValue& result) const;
-  template<std::size_t FrameSize>
-  FormulaFault runInFrame(ReadVariable read, const void* context, FormulaValue& result) const;
+  template<class Frame>
+  FormulaFault runWith(ReadVariable read, const void* context, FormulaValue& result) const;
 
   FormulaKind kind_ = FormulaKind::floating;
   std::uint32_t frameSize_ = 0;
