@@ -1,0 +1,178 @@
+// What a feature call costs through the C interface, as a multiple of the engine's own call on the same description.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "GenApi/GenApi.h"
+#include "ovi/ovi.h"
+#include "platform/platform.h"
+#include "scripted_camera.h"
+
+namespace {
+
+thread_local std::uint64_t allocations = 0;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  ++allocations;
+  if (void* const memory = std::malloc(size))
+    return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+
+namespace {
+
+constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
+
+const char* const kDescription = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Bench" VendorName="Kestrova" StandardNameSpace="None" SchemaMajorVersion="1"
+ SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+ ProductGuid="1F3C7F9E-1111-4222-8333-444455556668" VersionGuid="1F3C7F9E-1111-4222-8333-444455556669"
+ xmlns="http://www.genicam.org/GenApi/Version_1_1">
+<Category Name="Root"><pFeature>AcquisitionFrameCount</pFeature><pFeature>ExposureTime</pFeature>
+ <pFeature>ReverseX</pFeature><pFeature>PixelFormat</pFeature></Category>
+<Integer Name="AcquisitionFrameCount"><ToolTip>Frames.</ToolTip><pValue>CountReg</pValue><Min>0</Min><Max>1000</Max>
+</Integer>
+<Float Name="ExposureTime"><pValue>ExposureReg</pValue><Min>0</Min><Max>1000</Max></Float>
+<Boolean Name="ReverseX"><pValue>ReverseReg</pValue><OnValue>1</OnValue><OffValue>0</OffValue></Boolean>
+<Enumeration Name="PixelFormat"><EnumEntry Name="Mono8"><Value>0</Value></EnumEntry>
+ <EnumEntry Name="Mono16"><Value>1</Value></EnumEntry><pValue>FormatReg</pValue></Enumeration>
+<IntReg Name="CountReg"><Address>0x10</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+ <Cachable>WriteThrough</Cachable><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+<IntReg Name="ReverseReg"><Address>0x14</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+ <Cachable>WriteThrough</Cachable><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+<IntReg Name="FormatReg"><Address>0x18</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+ <Cachable>WriteThrough</Cachable><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+<FloatReg Name="ExposureReg"><Address>0x20</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+ <Cachable>WriteThrough</Cachable><Endianess>LittleEndian</Endianess></FloatReg>
+<Port Name="Device"></Port>
+</RegisterDescription>)";
+
+/** Registers that are all zero. */
+class ZeroPort : public GenApi::IPort {
+ public:
+  GenApi::EAccessMode GetAccessMode() const override { return GenApi::RW; }
+  void Read(void* buffer, std::int64_t, std::int64_t length) override {
+    std::fill_n(static_cast<char*>(buffer), length, '\0');
+  }
+  void Write(const void*, std::int64_t, std::int64_t) override {}
+};
+
+struct Measured {
+  double nanoseconds = std::numeric_limits<double>::max();
+  double allocations = 0;
+};
+
+/** The best of several rounds, each long enough for the clock. */
+Measured measure(const std::function<void()>& call) {
+  constexpr int kRounds = 15;
+  constexpr int kCalls = 20000;
+  Measured best;
+  call();
+  for (int round = 0; round < kRounds; ++round) {
+    const std::uint64_t before = allocations;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < kCalls; ++i)
+      call();
+    const std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - start;
+    best.nanoseconds = std::min(best.nanoseconds, took.count() / kCalls);
+    best.allocations = static_cast<double>(allocations - before) / kCalls;
+  }
+  return best;
+}
+
+void require(bool good, const char* what) {
+  if (!good) {
+    std::fprintf(stderr, "features_bench: %s failed\n", what);
+    std::exit(EXIT_FAILURE);
+  }
+}
+
+void print(const char* what, const Measured& measured, const Measured& engine, double target) {
+  std::printf("%-34s %8.1f ns  %6.2f x  (at most %4.1f)  %4.1f allocations\n", what, measured.nanoseconds,
+              measured.nanoseconds / engine.nanoseconds, target, measured.allocations);
+}
+
+std::uint64_t openCamera() {
+  const std::string directory = SCRIPTED_DIR "/ScriptedCamera";
+  void* const library = OVI::platform::loadLibrary(directory + "/ScriptedCamera.cti");
+  require(library != nullptr, "loading the scripted camera");
+  auto* const script = reinterpret_cast<scripted::GetScript>(OVI::platform::resolve(library, "scriptedCamera"))();
+  for (scripted::Space* const space : {&script->camera, &script->localDevice, &script->interface, &script->system})
+    space->description = kDescription;
+  const auto info = std::make_unique<oviDiscoveryInfo>();
+  std::uint64_t device = 0;
+  require(oviInit(0, nullptr, nullptr) == OVI_SUCCESS, "oviInit");
+  require(oviDiscoverDevices(info.get(), 1000, nullptr, directory.c_str(), 1) == OVI_SUCCESS, "oviDiscoverDevices");
+  require(oviOpenDevice("ScriptedCamera", &device, 1000, 3) == OVI_SUCCESS, "oviOpenDevice");
+  return device;
+}
+
+}  // namespace
+
+int main() {
+  const std::uint64_t device = openCamera();
+  ZeroPort port;
+  GenApi::CNodeMapFactory factory{GenICam::gcstring(kDescription)};
+  GenApi::INodeMap* const map = factory.CreateNodeMap("Device");
+  require(map->Connect(&port, "Device"), "connecting the engine's own node map");
+  const GenICam::gcstring name = "AcquisitionFrameCount";
+
+  std::int64_t integer = 0;
+  double number = 0;
+  bool flag = false;
+  std::size_t size = 0;
+  char text[512];
+  oviFeatureParameter record;
+  GenApi::IInteger& held = *GenApi::CIntegerPtr(map->GetNode(name));
+  GenApi::IFloat& heldFloat = *GenApi::CFloatPtr(map->GetNode("ExposureTime"));
+  GenApi::IBoolean& heldFlag = *GenApi::CBooleanPtr(map->GetNode("ReverseX"));
+  GenApi::IEnumeration& heldFormat = *GenApi::CEnumerationPtr(map->GetNode("PixelFormat"));
+
+  const Measured onPointer = measure([&] { integer = held.GetValue(); });
+  const Measured engine = measure([&] {
+    GenApi::IInteger& node = *GenApi::CIntegerPtr(map->GetNode(name));
+    if (GenApi::IsReadable(node.GetAccessMode()))
+      integer = node.GetValue();
+  });
+  const Measured engineFloat = measure([&] { number = heldFloat.GetValue(); });
+  const Measured engineFlag = measure([&] { flag = heldFlag.GetValue(); });
+  const Measured engineFormat = measure([&] { text[0] = heldFormat.GetCurrentEntry()->GetSymbolic().c_str()[0]; });
+
+  std::printf("engine, held pointer: integer %.1f, float %.1f, boolean %.1f, entry's name %.1f ns\n",
+              onPointer.nanoseconds, engineFloat.nanoseconds, engineFlag.nanoseconds, engineFormat.nanoseconds);
+  std::printf("engine, integer by name with access check: %.1f ns, the unit of what follows\n", engine.nanoseconds);
+  require(oviGetFeatureInt(device, "AcquisitionFrameCount", &integer, kCamera) == OVI_SUCCESS, "the integer read");
+  print("integer", measure([&] { oviGetFeatureInt(device, "AcquisitionFrameCount", &integer, kCamera); }), engine, 2.5);
+  print("float", measure([&] { oviGetFeatureFloat(device, "ExposureTime", &number, kCamera); }), engine, 2.5);
+  print("boolean", measure([&] { oviGetFeatureBool(device, "ReverseX", &flag, kCamera); }), engine, 2.5);
+  print("enumeration by name", measure([&] {
+          size = sizeof text;
+          oviGetFeatureString(device, "PixelFormat", text, &size, kCamera);
+        }),
+        engine, 2.5);
+  print("record", measure([&] { oviGetFeatureParameter(device, "AcquisitionFrameCount", &record, kCamera); }), engine,
+        12);
+  print("text", measure([&] { oviGetFeature(device, "AcquisitionFrameCount", text); }), engine, 16);
+
+  GenApi::CPointer<GenApi::IDestroy, GenApi::INodeMap>(map)->Destroy();
+  oviCloseDevice(device);
+  oviClose();
+  return EXIT_SUCCESS;
+}
