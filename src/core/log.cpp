@@ -84,6 +84,10 @@ void attachCallback(oviLogCallback callback, void* userData) {
   plog::get()->addAppender(&LogCallbackAppender::instance());
 }
 
+void detachCallback() noexcept {
+  LogCallbackAppender::instance().forget();
+}
+
 Severity severityFromLevel(std::uint32_t level) noexcept {
   for (const LevelPair& pair : kLevels) {
     if (pair.level == level) {

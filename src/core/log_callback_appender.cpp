@@ -26,6 +26,12 @@ void LogCallbackAppender::set(oviLogCallback callback, void* userData) {
   userData_ = userData;
 }
 
+void LogCallbackAppender::forget() {
+  if (!insideCallback) {
+    set(nullptr, nullptr);
+  }
+}
+
 void LogCallbackAppender::write(const plog::Record& record) {
   if (insideCallback) {
     return;

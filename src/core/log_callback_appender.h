@@ -15,6 +15,8 @@ class LogCallbackAppender : public plog::IAppender {
   static LogCallbackAppender& instance();
 
   void set(oviLogCallback callback, void* userData);
+  /** Calls nobody any more. May be called from within the callback, which is what ends a process sometimes. */
+  void forget();
   void write(const plog::Record& record) override;
 
  private:

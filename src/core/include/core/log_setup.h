@@ -19,6 +19,9 @@ void setUpLogging(unsigned appenderMask, Severity severity, const std::string& f
 /** Stores the callback and appends the callback appender once more, so that a second attachment delivers twice. */
 void attachCallback(oviLogCallback callback, void* userData);
 
+/** Forgets the callback: at the end of the process, what it needs may be gone. */
+void detachCallback() noexcept;
+
 /** The severity for a level as applications give it; a value that is none of theirs means warning. */
 Severity severityFromLevel(std::uint32_t level) noexcept;
 

@@ -1,0 +1,48 @@
+// The end of the library's use, asked for by the application or by the end of the process.
+#include "discovery/closing.h"
+
+#include <cstdlib>
+
+#include "core/global_state.h"
+#include "core/handle_registry.h"
+#include "core/log.h"
+#include "core/log_setup.h"
+#include "discovery/tl_discovery.h"
+#include "exit_handler.h"
+#include "gentl/module_lookup.h"
+
+namespace OVI {
+
+namespace {
+
+void closeAtExit() {
+  if (!isInitialized())
+    return;
+  detachCallback();
+  endAllWaits();
+  HandleRegistry::instance().clear();
+  TLDiscovery::instance().closeAtExit();
+  setInitialized(false);
+}
+
+}  // namespace
+
+oviErr oviClose() {
+  if (!isInitialized())
+    return OVI_ERR_NOT_INITIALIZED;
+  OVI_LOG_DEBUG("OVI::oviClose") << "Closing Kestrova GenTL consumer library.";
+  endAllWaits();
+  HandleRegistry::instance().clear();
+  TLDiscovery::instance().closeAll();
+  setInitialized(false);
+  return OVI_SUCCESS;
+}
+
+void closeProducersAtExit() {
+  // These exist before the handler is registered, so they are destroyed after it ran.
+  static_cast<void>(HandleRegistry::instance());
+  static_cast<void>(TLDiscovery::instance());
+  static_cast<void>(std::atexit(closeAtExit));
+}
+
+}  // namespace OVI

@@ -1,0 +1,235 @@
+// The enumeration of devices: every producer, every interface, every device, with progress.
+#include <algorithm>
+
+#include "Base/GCException.h"
+#include "GenApi/GenApi.h"
+#include "core/global_state.h"
+#include "core/log.h"
+#include "device_record.h"
+#include "discovery/tl_discovery.h"
+#include "gentl/feature_list.h"
+#include "gentl/guard.h"
+#include "gentl/interface_info.h"
+#include "gentl/producer_family.h"
+#include "progress.h"
+
+namespace OVI {
+
+namespace {
+
+constexpr const char* kSite = "OVI::TLDiscovery::getDeviceList";
+constexpr std::uint32_t kMaxReported = 16;
+
+// The discovery that is under way on this thread, if any: its progress callback must not start another.
+thread_local bool discovering = false;
+
+class DiscoveryMark {
+ public:
+  DiscoveryMark() { discovering = true; }
+  ~DiscoveryMark() { discovering = false; }
+  DiscoveryMark(const DiscoveryMark&) = delete;
+  DiscoveryMark& operator=(const DiscoveryMark&) = delete;
+};
+
+bool refusedWhileDiscovering() {
+  if (discovering)
+    OVI_LOG_ERROR(kSite) << "A progress callback must not call back into discovery.";
+  return discovering;
+}
+
+void logStart(bool update, std::uint64_t timeout) {
+  OVI_LOG_DEBUG(kSite) << "=== Starting device discovery ===";
+  OVI_LOG_VERBOSE(kSite) << "Discovery parameters: update: " << update << "; timeout: " << timeout;
+}
+
+std::string nameOf(const GenTLCpp::TransportLayer& transportLayer) {
+  std::string name;
+  guarded(kSite, Severity::Debug, "A producer does not tell its name: ", [&] {
+    name = transportLayer.getProducer()->getName();
+    return OVI_SUCCESS;
+  });
+  return name;
+}
+
+// Tells an interface of the S2i producer whether to list cameras of other subnets.
+void applyIgnoreSubnet(GenTLCpp::TLInterface& tlInterface, const std::string& interfaceID) {
+  guarded(
+      kSite, Severity::Error,
+      [&](LogRecord& record) { record << "Failed to set IgnoreSubnet of interface " << interfaceID << ". Error: "; },
+      [&] {
+        if (!isS2iTL(*tlInterface.getParent()))
+          return OVI_SUCCESS;
+        const std::shared_ptr<GenTLCpp::FeatureList> features = tlInterface.getFeatureList();
+        if (features == nullptr)
+          return OVI_SUCCESS;
+        if (auto* node = dynamic_cast<GenApi::IBoolean*>(features->getNode("IgnoreSubnet")))
+          node->SetValue(GlobalState::instance().ignoreSubnetEnabled(), true);
+        return OVI_SUCCESS;
+      });
+}
+
+double part(std::size_t index, std::size_t count) {
+  return count == 0 ? 0.0 : static_cast<double>(index) / static_cast<double>(count);
+}
+
+}  // namespace
+
+oviErr TLDiscovery::getDeviceList(bool update, std::vector<oviDeviceInfo>& outDevices, std::uint64_t timeout) {
+  if (refusedWhileDiscovering()) {
+    return OVI_ERR_BUSY;
+  }
+  const std::lock_guard lock(deviceMutex_);
+  logStart(update, timeout);
+  if (update) {
+    return updateDeviceList(outDevices, timeout);
+  }
+  outDevices = devices_;
+  return OVI_SUCCESS;
+}
+
+oviErr TLDiscovery::discoverDevices(const DiscoveryRequest& request, std::vector<oviDeviceInfo>& outDevices) {
+  if (refusedWhileDiscovering()) {
+    return OVI_ERR_BUSY;
+  }
+  const std::lock_guard lock(deviceMutex_);
+  {
+    const std::lock_guard optionLock(optionMutex_);
+    if (request.searchPaths) {
+      searchPaths_ = *request.searchPaths;
+      givenPathsOnly_ = request.givenPathsOnly;
+    }
+    progressCallback_ = request.progressCallback;
+  }
+  logStart(true, request.timeout);
+  return updateDeviceList(outDevices, request.timeout);
+}
+
+oviErr TLDiscovery::updateDeviceList(std::vector<oviDeviceInfo>& outDevices, std::uint64_t timeout) {
+  const DiscoveryMark mark;
+  devices_.clear();
+  discoverTransportLayers();
+  enumerate(timeout);
+  outDevices = devices_;
+  return OVI_SUCCESS;
+}
+
+void TLDiscovery::enumerate(std::uint64_t timeout) {
+  const std::lock_guard lock(producerMutex_);
+  for (std::size_t i = 0; i < producers_.size(); ++i)
+    enumerateProducer(producers_[i], i, producers_.size(), timeout);
+  reportProgress(kPhaseEnd, 1.0);
+}
+
+void TLDiscovery::enumerateProducer(const TransportLayerPtr& transportLayer, std::size_t index, std::size_t count,
+                                    std::uint64_t timeout) {
+  const std::string name = nameOf(*transportLayer);
+  OVI_LOG_DEBUG(kSite) << "Discovery on TL [" << name << "]...";
+  OVI_LOG_DEBUG(kSite) << "Updating interface list. TL [" << name << "]...";
+  std::vector<std::string> ids;
+  const oviErr code = guarded(
+      kSite, Severity::Error,
+      [&](LogRecord& record) { record << "Error updating interface list in TL [" << name << "]. Error: "; },
+      [&] {
+        transportLayer->updateInterfaceList(timeout);
+        OVI_LOG_DEBUG(kSite) << "Success: Interface list update! TL [" << name << "]";
+        ids = transportLayer->getInterfaceIDs();
+        return OVI_SUCCESS;
+      });
+  if (code != OVI_SUCCESS)
+    return;
+  OVI_LOG_DEBUG(kSite) << "Number of interfaces for TL [" << name << "]: " << ids.size();
+
+  // Some producers do not list an interface that is open already.
+  {
+    const std::lock_guard lock(interfaceMutex_);
+    for (const auto& [key, opened] : interfaces_)
+      if (key.first == transportLayer.get() && std::find(ids.begin(), ids.end(), key.second) == ids.end())
+        ids.push_back(key.second);
+  }
+  for (std::size_t j = 0; j < ids.size(); ++j) {
+    const double lower = (static_cast<double>(index) + part(j, ids.size())) / static_cast<double>(count);
+    const double upper = (static_cast<double>(index) + part(j + 1, ids.size())) / static_cast<double>(count);
+    enumerateInterface(transportLayer, name, ids[j], lower, upper, timeout);
+  }
+}
+
+TLDiscovery::InterfacePtr TLDiscovery::openForDiscovery(const TransportLayerPtr& transportLayer,
+                                                        const std::string& name, const std::string& id) {
+  OVI_LOG_DEBUG(kSite) << ">>> New interface on TL [" << name << "]: " << id;
+  if (InterfacePtr kept = keptInterface(*transportLayer, id))
+    return kept;
+  OVI_LOG_DEBUG(kSite) << "Open interface on TL [" << name << "]: with id: " << id;
+  InterfacePtr opened;
+  guarded(
+      kSite, Severity::Error,
+      [&](LogRecord& record) {
+        record << "Failed to open interface with ID: " << id << " on TL [" << name << "]. Message: ";
+      },
+      [&] {
+        opened = GenTLCpp::InterfaceInfo(transportLayer, id, "", "").open();
+        return OVI_SUCCESS;
+      });
+  if (opened != nullptr) {
+    OVI_LOG_DEBUG(kSite) << "Success: Interface open! TL [" << name << "]";
+    keepInterface(*transportLayer, id, opened);
+  }
+  return opened;
+}
+
+void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, const std::string& name,
+                                     const std::string& id, double lower, double upper, std::uint64_t timeout) {
+  const InterfacePtr tlInterface = openForDiscovery(transportLayer, name, id);
+  if (tlInterface == nullptr)
+    return;
+  applyIgnoreSubnet(*tlInterface, id);
+
+  OVI_LOG_DEBUG(kSite) << "Updating device list in TL [" << name << "]: IF id: " << id;
+  std::vector<std::string> devices;
+  const oviErr code = guarded(
+      kSite, Severity::Error,
+      [&](LogRecord& record) {
+        record << "Error updating device list in TL [" << name << "]: IF id: " << id << ". Error: ";
+      },
+      [&] {
+        tlInterface->updateDeviceList(timeout);
+        OVI_LOG_DEBUG(kSite) << "Success updating device list. TL [" << name << "]";
+        devices = tlInterface->getDeviceIDs();
+        return OVI_SUCCESS;
+      });
+  if (code != OVI_SUCCESS) {
+    dropInterface(*transportLayer, id);
+    return;
+  }
+  OVI_LOG_DEBUG(kSite) << "Number of acquisition devices: " << devices.size() << ". TL [" << name << "]";
+
+  for (std::size_t k = 0; k < devices.size(); ++k) {
+    OVI_LOG_DEBUG(kSite) << "\t\t>>> New acquisition device: [" << devices[k] << "] on TL [" << name
+                         << "] / IF id: " << id;
+    oviDeviceInfo record;
+    fillDeviceRecord(record, *tlInterface, id, devices[k]);
+    reportProgress(kPhaseDevices, lower + (upper - lower) * part(k, devices.size()));
+    if (isSupportedDevice(record))
+      devices_.push_back(record);
+    else
+      OVI_LOG_DEBUG(kSite)
+          << "Found a device that is currently not supported by this consumer! Device will be ignored..";
+  }
+}
+
+void TLDiscovery::reportProgress(unsigned phase, double fraction) {
+  oviDiscoveryCallback callback = nullptr;
+  {
+    const std::lock_guard lock(optionMutex_);
+    callback = progressCallback_;
+  }
+  if (callback == nullptr)
+    return;
+  const auto info = std::make_unique<oviDiscoveryInfo>();
+  info->progress = progressValue(phase, fraction);
+  info->running = phase == kPhaseEnd ? 0 : 1;
+  info->deviceCount = static_cast<std::uint32_t>(std::min<std::size_t>(devices_.size(), kMaxReported));
+  std::copy_n(devices_.begin(), info->deviceCount, std::begin(info->devices));
+  callback(info.get());
+}
+
+}  // namespace OVI
