@@ -187,11 +187,7 @@ oviErr oviGetNextImage(std::uint64_t eventHandle, oviNewBufferEventData* record,
     return found;
   }
   oviNewBufferEventData* image = nullptr;
-  const oviErr result = waitForImage(*event, timeout, image);
-  if (image != nullptr) {
-    *record = *image;
-  }
-  return result;
+  return waitForImage(*event, timeout, image, record);
 }
 
 oviErr oviEventKill(std::uint64_t eventHandle) {

@@ -38,7 +38,8 @@ constexpr std::uint32_t channelsOf(std::uint32_t pixelFormat) noexcept {
 
 /** Bytes of a line without padding; in single precision, as applications know it. */
 inline std::uint32_t linePitchOf(std::uint32_t pixelFormat, std::uint32_t width) noexcept {
-  const float pitch = static_cast<float>(OVI::oviBitsPerPixelFromFormat(pixelFormat)) * static_cast<float>(width) * 0.125F;
+  const float pitch =
+      static_cast<float>(OVI::oviBitsPerPixelFromFormat(pixelFormat)) * static_cast<float>(width) * 0.125F;
   constexpr float kMost = 4294967040.0F;  // The greatest float that a pitch can hold.
   return static_cast<std::uint32_t>(std::min(pitch, kMost));
 }

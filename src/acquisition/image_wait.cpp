@@ -158,7 +158,8 @@ void logFailure(const Delivery& delivery) {
 
 }  // namespace
 
-oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord) {
+oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord,
+                    oviNewBufferEventData* outCopy) {
   auto* newBuffer = dynamic_cast<NewBufferEvent*>(&event);
   if (newBuffer == nullptr) {
     OVI_LOG_ERROR(kSite) << "Could not wait for this event, the event type didn't match the expected EVENT_NEW_BUFFER "
@@ -170,6 +171,9 @@ oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*&
     const Event::Stay stay(event);
     const EVENT_NEW_BUFFER_DATA data = newBuffer->waitForBuffer(stay, timeout);
     deliver(event, static_cast<DataStream&>(*event.getParent()), data, delivery);
+    if (outCopy != nullptr && delivery.record != nullptr) {
+      *outCopy = *delivery.record;
+    }
   } catch (const GenTLCpp::TimeoutException& error) {
     OVI_LOG_DEBUG(kSite) << "Timeout waiting for new buffer event! Error: " << error.what();
     return mapGenTLError(error.code());
@@ -205,7 +209,11 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
     return result;  // Of the buffer alone: an unknown stream is in the log only.
   }
   return guarded(kReleaseSite, Severity::Error, "Failed to queue buffer. Error: ", [&] {
-    const GC_ERROR status = stream->queueBuffer(*buffer, false);
+    GC_ERROR status = GC_ERR_SUCCESS;
+    {
+      const DataStream::Use use(*stream);
+      status = stream->queueBuffer(*buffer, false);
+    }
     if (status != GC_ERR_SUCCESS) {
       OVI_LOG_ERROR(kReleaseSite) << "Failed to queue buffer. Error: " << status;
     }

@@ -15,7 +15,9 @@ namespace OVI {
  * is one for filled buffers.
  *
  * @param outRecord  set when the result is Success, unless the buffer has no record
+ * @param outCopy    when not null: receives a copy of the record, made before a stop can give the buffer away again
  */
-oviErr waitForImage(GenTLCpp::Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord);
+oviErr waitForImage(GenTLCpp::Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord,
+                    oviNewBufferEventData* outCopy = nullptr);
 
 }  // namespace OVI

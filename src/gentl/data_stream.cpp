@@ -44,6 +44,17 @@ GC_ERROR DataStream::closeModule() {
   return OpenModule::closeModule();
 }
 
+DataStream::Use::Use(DataStream& stream) : gate_(stream.uses_) {
+  if (!gate_.enter(ticket_)) {
+    throw ClosedException(kTexts.closed);
+  }
+}
+
+void DataStream::shutUses() noexcept {
+  uses_.shut([] { return true; });
+  uses_.drain(kPatience);
+}
+
 std::shared_ptr<Buffer> DataStream::allocAndAnnounceBuffer(std::size_t size, void* userData) {
   BUFFER_HANDLE buffer = nullptr;
   checkGenTLError(functions().DSAllocAndAnnounceBuffer(getHandle(), size, userData, &buffer));

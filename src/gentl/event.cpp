@@ -2,7 +2,6 @@
 #include "gentl/event.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "gentl/data_stream.h"
@@ -11,13 +10,6 @@
 #include "gentl/trace.h"
 
 namespace GenTLCpp {
-
-namespace {
-
-/** How long whoever ends waits waits for them to be over; a producer that takes longer has lost a kill. */
-constexpr std::chrono::seconds kPatience{2};
-
-}  // namespace
 
 std::shared_ptr<Event> makeEvent(std::shared_ptr<BaseModule> module, EVENT_TYPE eventType, EVENT_HANDLE handle) {
   return std::make_shared<Event>(std::move(module), eventType, handle);

@@ -54,6 +54,10 @@ void endStreamWaits(std::uint64_t streamHandle) {
 
 void shutStreamWaits(std::uint64_t streamHandle) {
   forEachEvent(streamHandle, [](GenTLCpp::Event& event) { event.shutWaits(); });
+  std::shared_ptr<GenTLCpp::DataStream> stream;
+  if (lookupModule(streamHandle, stream) == OVI_SUCCESS) {
+    stream->shutUses();
+  }
 }
 
 void endDeviceWaits(std::uint64_t deviceHandle) {
@@ -68,6 +72,9 @@ void endDeviceWaits(std::uint64_t deviceHandle) {
 void endAllWaits() {
   for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
     static_cast<GenTLCpp::Event&>(*module).shutWaits();
+  }
+  for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::DataStream)) {
+    static_cast<GenTLCpp::DataStream&>(*module).shutUses();
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include "gentl/device.h"
 #include "gentl/open_module.h"
+#include "gentl/wait_gate.h"
 
 namespace GenTLCpp {
 
@@ -48,6 +49,26 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
   /** As the device does: the entry points are the producer's. */
   LibraryHandle getLibraryHandle() const override { return getParent()->getLibraryHandle(); }
 
+  /**
+   * A thread's use of the stream for one of the calls that applications make while others close it. Whoever closes the
+   * stream waits for the end of all uses first.
+   *
+   * @throws ClosedException when that has happened already
+   */
+  class Use {
+   public:
+    explicit Use(DataStream& stream);
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+    ~Use() { gate_.leave(ticket_); }
+
+   private:
+    WaitGate& gate_;
+    WaitGate::Ticket ticket_ = 0;
+  };
+  /** No use begins any more, and those that were under way are over. */
+  void shutUses() noexcept;
+
   /** A buffer in the producer's memory, not queued; empty when the producer succeeds without one. Checked. */
   std::shared_ptr<Buffer> allocAndAnnounceBuffer(std::size_t size, void* userData);
   /** @return the user data of the announcement. Checked. */
@@ -82,6 +103,8 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
   }
 
  private:
+  WaitGate uses_;
+
   template<class T>
   T getInfoValue(STREAM_INFO_CMD cmd) const;
 };

@@ -10,6 +10,9 @@
 
 namespace GenTLCpp {
 
+/** How long whoever ends waits waits for them to be over; a producer that takes longer has lost a kill. */
+inline constexpr std::chrono::seconds kPatience{2};
+
 /**
  * Counts the threads that wait for one event.
  *
