@@ -51,7 +51,7 @@ void afterDeviceOpen(std::uint64_t deviceHandle) {
   constexpr std::uint32_t kRecordingFrameRate = 30;  // frames a second
   guarded("OVI::oviOpenDevice", Severity::Debug, "The adjustment after the opening failed: ", [&] {
     if (isServed(deviceHandle, oviIsUsingS2iTL))
-      oviSetFeatureInt(deviceHandle, "GVCPAckTimeout", kAckTimeout, OVI_MODULE_LOCAL_DEVICE);
+      OVI::oviSetFeatureInt(deviceHandle, "GVCPAckTimeout", kAckTimeout, OVI_MODULE_LOCAL_DEVICE);
     if (isServed(deviceHandle, oviIsUsingNimboTL))
       oviNimboSetFrameRate(deviceHandle, kRecordingFrameRate);
     return OVI_SUCCESS;

@@ -149,4 +149,12 @@ std::string writeWholeFile(const std::string& path, const void* data, std::size_
   return error;
 }
 
+const char* searchPathSeparators() noexcept {
+  return ";:";
+}
+
+char pathSeparator() noexcept {
+  return '/';
+}
+
 }  // namespace OVI::platform

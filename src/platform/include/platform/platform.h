@@ -22,6 +22,11 @@ void unload(LibraryHandle library) noexcept;
 /** The system's words for the calling thread's last failed call of this header, as the system gives them. */
 std::string lastErrorText();
 
+/** The characters that separate the folders of a search path. */
+const char* searchPathSeparators() noexcept;
+/** What stands between a folder and what is in it, as the system writes it. */
+char pathSeparator() noexcept;
+
 /** The local path of a file URL, percent-decoded; empty when the URL names no local file. */
 std::string urlToPath(const std::string& url);
 
