@@ -1,6 +1,8 @@
 // Features by name and type.
 #include "features/typed_access.h"
 
+#include <algorithm>
+
 #include "core/bounded_copy.h"
 #include "typed_node.h"
 
@@ -175,7 +177,7 @@ oviErr oviIsCommandActive(std::uint64_t handle, const char* name, bool* active, 
 
 oviErr oviGetFeatureReg(std::uint64_t handle, const char* name, std::uint8_t* buffer, std::int64_t* length,
                         std::uint32_t selector) {
-  if (name == nullptr || length == nullptr)
+  if (name == nullptr || length == nullptr || *length < 0)
     return OVI_ERR_INVALID_PARAMETER;
   TypedNode<GenApi::IRegister> node;
   if (const oviErr code = genGetNode(handle, name, node, selector); code != OVI_SUCCESS)
@@ -184,8 +186,8 @@ oviErr oviGetFeatureReg(std::uint64_t handle, const char* name, std::uint8_t* bu
       [&]() -> oviErr {
         if (*length == 0 || buffer == nullptr)
           *length = node.value->GetLength();
-        else
-          node.value->Get(buffer, *length, false, false);
+        else  // A buffer that is longer than the register is filled as far as the register goes.
+          node.value->Get(buffer, std::min(*length, node.value->GetLength()), false, false);
         return OVI_SUCCESS;
       },
       [&](const char* text) { logRegisterFailure("OVI::oviGetFeatureReg", name, text); });
@@ -193,7 +195,7 @@ oviErr oviGetFeatureReg(std::uint64_t handle, const char* name, std::uint8_t* bu
 
 oviErr oviSetFeatureReg(std::uint64_t handle, const char* name, const std::uint8_t* buffer, std::int64_t length,
                         std::uint32_t selector) {
-  if (name == nullptr || buffer == nullptr || length == 0)
+  if (name == nullptr || buffer == nullptr || length <= 0)
     return OVI_ERR_INVALID_PARAMETER;
   TypedNode<GenApi::IRegister> node;
   if (const oviErr code = genGetNode(handle, name, node, selector); code != OVI_SUCCESS)

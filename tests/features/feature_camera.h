@@ -68,7 +68,9 @@ inline std::string featureCamera() {
   constexpr int kDeep = 50;
   for (int i = 0; i < kDeep; ++i)
     nodes += "<Category Name=\"Deep" + std::to_string(i) + "\"><pFeature>" +
-             (i + 1 < kDeep ? "Deep" + std::to_string(i + 1) : std::string("Hidden")) + "</pFeature></Category>";
+             (i + 1 < kDeep ? "Deep" + std::to_string(i + 1) : "Bottom</pFeature><pFeature>Hidden") +
+             "</pFeature></Category>";
+  nodes += "<Integer Name=\"Bottom\"><Value>0</Value></Integer>";
   nodes += "<Integer Name=\"" + std::string(10000, 'n') + "\"><Value>1</Value></Integer>";
   return describe(
       "Int Hex WriteOnly Unavailable Hidden Float WideFloat Bool Mode WriteOnlyMode Go Selector Text Raw "

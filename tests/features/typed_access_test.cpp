@@ -224,12 +224,16 @@ TEST_F(TypedAccess, CommandsAndRegisters) {
   std::vector<std::uint8_t> read(16);
   EXPECT_EQ(oviGetFeatureReg(device(), "Raw", read.data(), &length, kCamera), OVI_SUCCESS);
   EXPECT_EQ(read, bytes);
-  for (const std::int64_t absurd : {std::int64_t{-1}, INT64_MIN, std::int64_t{17}, INT64_MAX}) {
+  for (const auto& [absurd, code] : {std::pair{std::int64_t{-1}, OVI_ERR_INVALID_PARAMETER},
+                                     {INT64_MIN, OVI_ERR_INVALID_PARAMETER},
+                                     {17, OVI_SUCCESS},
+                                     {INT64_MAX, OVI_SUCCESS}}) {
     length = absurd;
-    std::vector<std::uint8_t> guarded(32, 0xAA);
-    const oviErr code = oviGetFeatureReg(device(), "Raw", guarded.data(), &length, kCamera);
-    EXPECT_TRUE(code == OVI_ERR_UNKNOWN || guarded[16] == 0xAA) << absurd;
+    std::vector<std::uint8_t> guarded(17, 0xAA);
+    EXPECT_EQ(oviGetFeatureReg(device(), "Raw", guarded.data(), &length, kCamera), code) << absurd;
+    EXPECT_EQ(guarded[16], 0xAA) << absurd;
   }
+  EXPECT_EQ(oviSetFeatureReg(device(), "Raw", bytes.data(), -1, kCamera), OVI_ERR_INVALID_PARAMETER);
 }
 
 TEST_F(TypedAccess, PortFailuresAreMapped) {

@@ -1,4 +1,5 @@
 // ScriptedCamera.cti: the smallest producer that has one camera, with registers as a test writes them.
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -56,11 +57,6 @@ GC_ERROR giveText(std::string_view text, INFO_DATATYPE* type, void* buffer, std:
   return giveBytes(INFO_DATATYPE_STRING, terminated.c_str(), terminated.size() + 1, type, buffer, size);
 }
 
-/** Any info of any module: the texts that the library compares or needs, one text for all others. */
-GC_ERROR giveInfo(std::string_view id, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
-  return giveText(id, type, buffer, size);
-}
-
 }  // namespace
 
 SCRIPTED_EXPORT scripted::Script* scriptedCamera() {
@@ -73,8 +69,8 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCInitLib(void) {
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCCloseLib(void) {
   return GC_ERR_SUCCESS;
 }
-SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD, INFO_DATATYPE* type, void* buf, size_t* size) {
-  return giveInfo("Scripted", type, buf, size);
+SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD cmd, INFO_DATATYPE* type, void* buf, size_t* size) {
+  return giveText(cmd == TL_INFO_PATHNAME ? "/scripted/" SCRIPTED_FILE_NAME : "Scripted", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR* code, char* text, size_t* size) {
   *code = GC_ERR_ERROR;
@@ -132,6 +128,17 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE port, uint32_t
   return giveText(url, type, buf, size);
 }
 
+// The library resolves these and never calls them.
+SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURL(PORT_HANDLE, char*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCReadPortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCWritePortStacked(PORT_HANDLE, PORT_REGISTER_STACK_ENTRY*, size_t*) {
+  return GC_ERR_NOT_IMPLEMENTED;
+}
+
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLOpen(TL_HANDLE* out) {
   *out = handleOf(kSystem);
   return GC_ERR_SUCCESS;
@@ -141,7 +148,7 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLClose(TL_HANDLE) {
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLGetInfo(TL_HANDLE, TL_INFO_CMD cmd, INFO_DATATYPE* type, void* buf,
                                                size_t* size) {
-  return giveInfo(cmd == TL_INFO_PATHNAME ? "/scripted/" SCRIPTED_FILE_NAME : "Scripted", type, buf, size);
+  return GCGetInfo(cmd, type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLUpdateInterfaceList(TL_HANDLE, bool8_t* changed, uint64_t) {
   if (changed != nullptr)
@@ -157,7 +164,7 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceID(TL_HANDLE, uint32_t, char*
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE* type,
                                                         void* buf, size_t* size) {
-  return giveInfo("ScriptedInterface", type, buf, size);
+  return giveText("ScriptedInterface", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE TLOpenInterface(TL_HANDLE, const char*, IF_HANDLE* out) {
   *out = handleOf(kInterface);
@@ -169,7 +176,7 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE IFClose(IF_HANDLE) {
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE IFGetInfo(IF_HANDLE, INTERFACE_INFO_CMD, INFO_DATATYPE* type, void* buf,
                                                size_t* size) {
-  return giveInfo("ScriptedInterface", type, buf, size);
+  return giveText("ScriptedInterface", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE IFUpdateDeviceList(IF_HANDLE, bool8_t* changed, uint64_t) {
   if (changed != nullptr)
@@ -188,7 +195,7 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE, const char*, DEV
   const std::int32_t readWrite = 1;
   if (cmd == DEVICE_INFO_ACCESS_STATUS)
     return giveBytes(INFO_DATATYPE_INT32, &readWrite, sizeof readWrite, type, buf, size);
-  return giveInfo(cmd == DEVICE_INFO_VENDOR ? "Kestrova" : "ScriptedCamera", type, buf, size);
+  return giveText(cmd == DEVICE_INFO_VENDOR ? "Kestrova" : "ScriptedCamera", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE, const char*, DEVICE_ACCESS_FLAGS, DEV_HANDLE* out) {
   *out = handleOf(kDevice);
@@ -200,7 +207,7 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE DevClose(DEV_HANDLE) {
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE DevGetInfo(DEV_HANDLE, DEVICE_INFO_CMD, INFO_DATATYPE* type, void* buf,
                                                 size_t* size) {
-  return giveInfo("ScriptedCamera", type, buf, size);
+  return giveText("ScriptedCamera", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE DevGetPort(DEV_HANDLE, PORT_HANDLE* out) {
   *out = handleOf(kCamera);
