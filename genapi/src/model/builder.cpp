@@ -104,11 +104,15 @@ LineTable::Position LineTable::positionOf(std::uint32_t offset) const {
 
 std::shared_ptr<const Model> buildModel(std::span<const std::string_view> documents) {
   auto model = std::make_shared<Model>();
-  ModelBuilder::build(*model, documents);
+  if (!ModelBuilder::build(*model, documents, false)) {
+    // Perhaps the remains of another document follow.
+    model = std::make_shared<Model>();
+    ModelBuilder::build(*model, documents, true);
+  }
   return model;
 }
 
-void ModelBuilder::build(Model& model, std::span<const std::string_view> texts) {
+bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, bool cutAtFirstEnd) {
   Clock::time_point clock = Clock::now();
   const auto tooLong = [](std::size_t size) {
     return RUNTIME_EXCEPTION("The camera description has %llu bytes, more than the %llu that are allowed",
@@ -121,7 +125,7 @@ void ModelBuilder::build(Model& model, std::span<const std::string_view> texts) 
     if (text.size() > kMaxDescriptionBytes) {
       throw tooLong(text.size());
     }
-    prepared.push_back(prepareDocument(text.data(), text.size()));
+    prepared.push_back(prepareDocument(text.data(), text.size(), cutAtFirstEnd));
     total += prepared.back().size + 2;
   }
   if (total > 2 * kMaxDescriptionBytes) {
@@ -151,6 +155,9 @@ void ModelBuilder::build(Model& model, std::span<const std::string_view> texts) 
     pugi::xml_document tree;
     const pugi::xml_parse_result result = tree.load_buffer_inplace(begin, size, kParseOptions, pugi::encoding_utf8);
     model.times_.parse += nanosecondsSince(clock);
+    if (!result && !cutAtFirstEnd) {
+      return false;
+    }
     if (!result) {
       const auto [line, column] =
           lines.positionOf(offset + static_cast<std::uint32_t>(std::max<std::ptrdiff_t>(result.offset, 0)));
@@ -168,6 +175,7 @@ void ModelBuilder::build(Model& model, std::span<const std::string_view> texts) 
   model.properties_.shrink_to_fit();
   model.numbers_.shrink_to_fit();
   model.times_.link = nanosecondsSince(clock);
+  return true;
 }
 
 void ModelBuilder::addDocument(pugi::xml_node root, bool first) {

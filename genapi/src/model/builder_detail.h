@@ -54,7 +54,8 @@ class ModelBuilder {
         lines_(lines),
         warnings_(warnings) {}
 
-  static void build(Model& model, std::span<const std::string_view> texts);
+  /// False when the text cannot be parsed and might be with cutAtFirstEnd, with which it throws instead.
+  static bool build(Model& model, std::span<const std::string_view> texts, bool cutAtFirstEnd);
 
  private:
   struct Span {

@@ -160,9 +160,9 @@ bool declaresLatin1(std::string_view text) {
 }
 
 // Where the document ends: remains of something else may follow its last tag.
-std::size_t documentSize(std::string_view text) {
+std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
   constexpr std::string_view kEnd = "RegisterDescription>";
-  if (trim(text).ends_with(kEnd)) {
+  if (!cutAtFirstEnd && trim(text).ends_with(kEnd)) {
     return text.size();
   }
   for (std::size_t at = text.find(kEnd); at != std::string_view::npos; at = text.find(kEnd, at + 1)) {
@@ -174,8 +174,8 @@ std::size_t documentSize(std::string_view text) {
   return text.size();
 }
 
-DocumentText own(std::string_view text) {
-  text = text.substr(0, documentSize(text));
+DocumentText own(std::string_view text, bool cutAtFirstEnd) {
+  text = text.substr(0, documentSize(text, cutAtFirstEnd));
   DocumentText out;
   out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2);
   out.data[0] = '\0';
@@ -289,16 +289,16 @@ std::string toUtf8(std::string_view text) {
   return std::string(text);
 }
 
-DocumentText prepareDocument(const void* data, std::size_t size) {
+DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirstEnd) {
   const auto* bytes = static_cast<const unsigned char*>(data);
   const WideForm form = detectForm(bytes, size);
   bytes += form.mark;
   size -= form.mark;
   if (form.width == 4) {
-    return own(convertWide<4>(bytes, size, form.bigEndian));
+    return own(convertWide<4>(bytes, size, form.bigEndian), cutAtFirstEnd);
   }
   if (form.width == 2) {
-    return own(convertWide<2>(bytes, size, form.bigEndian));
+    return own(convertWide<2>(bytes, size, form.bigEndian), cutAtFirstEnd);
   }
   std::string_view text(static_cast<const char*>(static_cast<const void*>(bytes)), size);
   text = text.substr(0, std::min(text.find('\0'), text.size()));
@@ -308,9 +308,9 @@ DocumentText prepareDocument(const void* data, std::size_t size) {
     for (const char c : text) {
       appendUtf8(converted, static_cast<unsigned char>(c));
     }
-    return own(converted);
+    return own(converted, cutAtFirstEnd);
   }
-  return own(text);
+  return own(text, cutAtFirstEnd);
 }
 
 }  // namespace GenApiEngine

@@ -32,7 +32,8 @@ struct DocumentText {
   std::size_t size = 0;          ///< without the byte in front and the NUL at the end
 };
 
-/// Copies a description, converting UTF-16, UTF-32 and declared Latin-1, and cuts what follows the document.
-DocumentText prepareDocument(const void* data, std::size_t size);
+/// Copies a description, converting UTF-16, UTF-32 and declared Latin-1, and cuts what follows the document: behind the
+/// first end tag of its root, or, while that need not be, only when the text does not end with such a tag.
+DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirstEnd);
 
 }  // namespace GenApiEngine

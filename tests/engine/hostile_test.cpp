@@ -1,0 +1,290 @@
+// Descriptions and registers that mean harm: an exception or nodes that are not there, always with the rest usable.
+#include <chrono>
+#include <random>
+
+#include "test_map.h"
+
+using namespace GenApi;
+
+namespace {
+
+/// Asks every node of a map everything; all that may happen is a GenICam exception.
+void askEverything(TestMap& map) {
+  NodeList_t nodes;
+  map->GetNodes(nodes);
+  const auto attempt = [](auto&& work) {
+    try {
+      work();
+    } catch (const GenICam::GenericException& error) {
+      EXPECT_STRNE(error.what(), "");
+    }
+  };
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    INode* const node = nodes[i];
+    node->GetAccessMode();
+    node->GetCachingMode();
+    node->IsAccessModeCacheable();
+    attempt([&] { node->GetVisibility(); });
+    NodeList_t list;
+    for (const ELinkType type : {ctParentNodes, ctReadingChildren, ctDependingNodes, ctTerminalNodes}) {
+      node->GetChildren(list, type);
+    }
+    if (CValuePtr value = node) {
+      attempt([&] { value->ToString(); });
+      attempt([&] { value->ToString(true, true); });
+      attempt([&] { value->FromString("1"); });
+      attempt([&] { value->FromString("1", false); });
+    }
+    if (CIntegerPtr integer = node) {
+      attempt([&] { integer->GetMin(); });
+      attempt([&] { integer->GetMax(); });
+      attempt([&] { integer->GetInc(); });
+      attempt([&] { integer->GetListOfValidValues(); });
+      attempt([&] { integer->GetUnit(); });
+    }
+    if (CFloatPtr number = node) {
+      attempt([&] { number->GetMin(); });
+      attempt([&] { number->GetMax(); });
+      attempt([&] { number->GetInc(); });
+      attempt([&] { number->GetListOfValidValues(); });
+    }
+    if (CRegisterPtr bytes = node) {
+      attempt([&] { bytes->GetAddress(); });
+      attempt([&] { bytes->GetLength(); });
+    }
+    if (CCommandPtr command = node) {
+      attempt([&] { command->Execute(); });
+      attempt([&] { command->IsDone(); });
+    }
+    if (CEnumerationPtr enumeration = node) {
+      attempt([&] { enumeration->GetCurrentEntry(); });
+    }
+    attempt([&] { node->InvalidateNode(); });
+  }
+  map->Poll(100000);
+}
+
+const std::string kGood = "<Integer Name=\"Good\"><Value>7</Value></Integer>";
+
+std::string integerOver(const std::string& name, const std::string& source) {
+  return "<Integer Name=\"" + name + "\"><pValue>" + source + "</pValue></Integer>";
+}
+
+}  // namespace
+
+TEST(Hostile, CyclesOfEveryKind) {
+  const std::vector<std::string> cases{
+      integerOver("A", "A"),
+      integerOver("A", "B") + integerOver("B", "C") + integerOver("C", "A"),
+      "<IntSwissKnife Name=\"A\"><pVariable Name=\"X\">A</pVariable><Formula>X</Formula></IntSwissKnife>",
+      "<Integer Name=\"A\"><pIsAvailable>A</pIsAvailable><Value>1</Value></Integer>",
+      "<Integer Name=\"A\"><pIsImplemented>B</pIsImplemented><Value>1</Value></Integer>"
+      "<Integer Name=\"B\"><pIsLocked>A</pIsLocked><Value>1</Value></Integer>",
+      "<Integer Name=\"A\"><Value>1</Value><pMin>B</pMin></Integer><Integer "
+      "Name=\"B\"><Value>1</Value><pMax>A</pMax></Integer>",
+      "<Integer Name=\"A\"><Value>1</Value><pMin>A</pMin><pInc>A</pInc></Integer>",
+      "<Category Name=\"Root\"><pFeature>Root</pFeature><pFeature>B</pFeature></Category><Category "
+      "Name=\"B\"><pFeature>Root</pFeature></Category>",
+      "<Integer Name=\"A\"><pInvalidator>B</pInvalidator><Value>1</Value></Integer><Integer "
+      "Name=\"B\"><pInvalidator>A</pInvalidator>"
+      "<Value>1</Value></Integer>",
+      "<Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"X\"><pIsAvailable>K</pIsAvailable><Value>0</Value></EnumEntry><Value>0</Value>"
+      "<pSelected>E</pSelected></Enumeration><IntSwissKnife Name=\"K\"><pVariable "
+      "Name=\"V\">E</pVariable><Formula>V=0</Formula></IntSwissKnife>",
+      reg("IntReg", "A", "<pAddress>A</pAddress>"),
+      "<IntReg Name=\"A\"><Address>0</Address><pLength>A</pLength><pPort>Device</pPort></IntReg>",
+      "<Integer Name=\"A\"><Value>1</Value><pError>E</pError></Integer><Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"X\"><Value>1</Value>"
+      "</EnumEntry><pError>E</pError><Value>1</Value></Enumeration>",
+      "<Command Name=\"A\"><pValue>A</pValue><pCommandValue>A</pCommandValue></Command>",
+      "<Converter Name=\"A\"><pVariable "
+      "Name=\"X.Max\">B</pVariable><FormulaTo>FROM</FormulaTo><FormulaFrom>TO+X.Max</FormulaFrom>"
+      "<pValue>Good</pValue></Converter><Float Name=\"B\"><Value>1</Value><pMax>A</pMax></Float>",
+      "<SwissKnife Name=\"A\"><Expression Name=\"X\">Y</Expression><Expression "
+      "Name=\"Y\">X</Expression><Formula>X</Formula></SwissKnife>",
+      "<Port Name=\"P\"><pChunkID>S</pChunkID></Port><StringReg "
+      "Name=\"S\"><Address>0</Address><Length>4</Length><pPort>P</pPort></StringReg>",
+  };
+  for (const std::string& nodes : cases) {
+    SCOPED_TRACE(nodes);
+    TestMap map(kGood + nodes);
+    askEverything(map);
+    map.integer("Good").SetValue(9);
+    EXPECT_EQ(map.integer("Good").GetValue(), 9);
+  }
+}
+
+TEST(Hostile, ReferencesToTheWrongKind) {
+  const std::string all = kGood +
+                          "<Node Name=\"N\"/><Category Name=\"Cat\"/><String "
+                          "Name=\"S\"><Value>x</Value></String><Float Name=\"F\"><Value>1.5</Value></Float>" +
+                          reg("Register", "R", at(0), {}, "16") +
+                          "<Command Name=\"C\"><Value>1</Value></Command><Port Name=\"P\"/>";
+  for (const char* const target : {"N", "Cat", "S", "F", "R", "C", "P", "Device", "Good"}) {
+    std::string nodes = all;
+    for (const char* const link : {"pValue", "pMin", "pMax", "pInc", "pIsAvailable", "pIsLocked", "pIsImplemented",
+                                   "pError", "pAlias", "pCastAlias", "pInvalidator", "pSelected", "pBlockPolling"}) {
+      nodes += std::string("<Integer Name=\"I_") + link + "\"><" + link + ">" + target + "</" + link +
+               "><Value>1</Value><PollingTime>1</PollingTime>"
+               "</Integer><Float Name=\"F_" +
+               link + "\"><" + link + ">" + target + "</" + link + "><Value>1</Value></Float>";
+    }
+    for (const char* const link : {"pAddress", "pIndex", "pLength", "pPort"}) {
+      nodes += std::string("<IntReg Name=\"R_") + link + "\"><" + link + ">" + target + "</" + link +
+               "><Address>0</Address></IntReg>";
+    }
+    for (const char* const kind : {"Boolean", "Enumeration", "Command", "String", "Converter", "IntConverter"}) {
+      nodes += std::string("<") + kind + " Name=\"V_" + kind + "\"><pValue>" + target +
+               "</pValue><FormulaTo>FROM</FormulaTo>"
+               "<FormulaFrom>TO</FormulaFrom></" +
+               kind + ">";
+    }
+    nodes += std::string("<IntSwissKnife Name=\"K\"><pVariable Name=\"X\">") + target +
+             "</pVariable><pVariable Name=\"Y.Entry.Z\">" + target +
+             "</pVariable><Formula>X+Y.Entry.Z</Formula></IntSwissKnife><Enumeration Name=\"Old\"><pEnumEntry>" +
+             target + "</pEnumEntry><Value>1</Value></Enumeration><Category Name=\"Root\"><pFeature>" + target +
+             "</pFeature></Category>";
+    SCOPED_TRACE(target);
+    TestMap map(nodes);
+    askEverything(map);
+    EXPECT_NO_THROW(map.integer("Good").GetValue());
+  }
+}
+
+TEST(Hostile, RegistersFullOfNonsense) {
+  const std::string nodes =
+      reg("IntReg", "A", at(0), {}, "8") +
+      reg("IntReg", "Moving", "<pAddress>A</pAddress><pIndex>A</pIndex>", {}, "8") +
+      "<Register "
+      "Name=\"Sized\"><pAddress>A</pAddress><pLength>B</pLength><AccessMode>RW</AccessMode><pPort>Device</pPort></"
+      "Register>"
+      "<StringReg "
+      "Name=\"Text\"><Address>0</Address><pLength>B</pLength><AccessMode>RW</AccessMode><pPort>Device</pPort></"
+      "StringReg>" +
+      reg("MaskedIntReg", "M", at(3), "<LSB>1</LSB><MSB>60</MSB><Sign>Signed</Sign>", "8") +
+      reg("IntReg", "B", at(9), "<Sign>Signed</Sign>", "1") +
+      reg("FloatReg", "F", at(16), "<Cachable>NoCache</Cachable>") +
+      "<Integer Name=\"I\"><pValue>F</pValue><pMin>A</pMin><pMax>B</pMax><pInc>M</pInc></Integer>"
+      "<Float "
+      "Name=\"G\"><pValue>A</pValue><pMin>F</pMin><pMax>F</pMax><DisplayPrecision>99999999999</DisplayPrecision></"
+      "Float>"
+      "<Converter Name=\"Conv\"><pVariable "
+      "Name=\"V\">F</pVariable><FormulaTo>FROM/V</FormulaTo><FormulaFrom>SQRT(TO)/V</FormulaFrom>"
+      "<pValue>A</pValue></Converter><IntConverter Name=\"IConv\"><pVariable "
+      "Name=\"V\">A</pVariable><FormulaTo>FROM%V</FormulaTo>"
+      "<FormulaFrom>TO**V/V&lt;&lt;V</FormulaFrom><pValue>M</pValue><Slope>Automatic</Slope></IntConverter>"
+      "<Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"X\"><Value>1</Value><NumericValue>1e300</NumericValue></EnumEntry><pValue>M</pValue></Enumeration>"
+      "<Integer Name=\"OverE\"><pValue>E</pValue></Integer><Boolean Name=\"Bool\"><pValue>A</pValue></Boolean>"
+      "<Command Name=\"C\"><pValue>A</pValue><pCommandValue>B</pCommandValue></Command>";
+  std::mt19937 random(7);
+  TestMap map(nodes);
+  map.port.onRead = [&] {
+    for (std::int64_t i = 0; i < 24; ++i) {
+      map.port.bytes[i] = static_cast<std::uint8_t>(random() % 4 == 0 ? 0xFF : random());
+    }
+  };
+  for (int round = 0; round < 100; ++round) {
+    map->InvalidateNodes();
+    askEverything(map);
+  }
+}
+
+TEST(Hostile, DepthAndBreadth) {
+  // Ten thousand groups in each other, a chain of nodes longer than any stack, and nodes that each use the next one
+  // twice.
+  std::string nodes;
+  for (int i = 0; i < 10000; ++i) {
+    nodes += "<Group Comment=\"g\">";
+  }
+  nodes += kGood;
+  for (int i = 0; i < 10000; ++i) {
+    nodes += "</Group>";
+  }
+  constexpr int kChain = 20000;
+  for (int i = 0; i < kChain; ++i) {
+    const std::string name = "C" + std::to_string(i);
+    nodes += integerOver(name, i + 1 == kChain ? "Good" : "C" + std::to_string(i + 1));
+    nodes += "<Integer Name=\"G" + std::to_string(i) + "\"><pIsAvailable>" +
+             (i + 1 == kChain ? "Good" : "G" + std::to_string(i + 1)) + "</pIsAvailable><Value>1</Value></Integer>";
+  }
+  constexpr int kLevels = 150;
+  for (int i = 0; i < kLevels; ++i) {
+    const std::string next = i + 1 == kLevels ? "Uncached" : "D" + std::to_string(i + 1);
+    nodes += "<IntSwissKnife Name=\"D" + std::to_string(i) + "\"><pVariable Name=\"A\">" + next +
+             "</pVariable><pVariable Name=\"B\">" + next +
+             "</pVariable><Formula>A+B</Formula></IntSwissKnife><Integer Name=\"L" + std::to_string(i) +
+             "\"><Value>1</Value><pMin>L" + std::to_string(i + 1) + "</pMin><pMax>L" + std::to_string(i + 1) +
+             "</pMax></Integer>";
+  }
+  nodes += reg("IntReg", "Uncached", at(0), "<Cachable>NoCache</Cachable>") +
+           integerOver("L" + std::to_string(kLevels), "Uncached");
+  const auto begin = std::chrono::steady_clock::now();
+  TestMap map(nodes);
+  EXPECT_EQ(map.integer("Good").GetValue(), 7);
+  map.node("C0").GetAccessMode();
+  EXPECT_THROW(map.integer("C0").GetValue(), GenICam::GenericException);
+  EXPECT_EQ(map.integer("C19990").GetValue(), 7);
+  map.node("C0").GetCachingMode();
+  EXPECT_STREQ(map.integer("C0").GetUnit(), "");
+  EXPECT_THROW(map.integer("D0").GetValue(), GenICam::GenericException);
+  map.node("G0").GetAccessMode();
+  EXPECT_EQ(map.mode("G19990"), RW);
+  map.integer("Good").SetValue(1);
+  try {
+    map.integer("L0").GetMin();
+    map.integer("L0").SetValue(1);
+  } catch (const GenICam::GenericException&) {
+    // What matters is that the answer comes.
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+}
+
+TEST(Hostile, TooMuchText) {
+  const std::string huge(std::size_t{65} << 20, ' ');
+  expectThrow<GenICam::RuntimeException>(
+      [&] { CNodeMapFactory(ContentType_Xml, huge.data(), huge.size()).CreateNodeMap(); }, "more than the");
+  TestMap map(kGood + "<Integer Name=\"" + std::string(100000, 'n') + "\"><ToolTip>" + std::string(17 << 20, 't') +
+              "</ToolTip><Value>" + std::string(100000, '1') + "</Value></Integer>");
+  EXPECT_EQ(map.integer("Good").GetValue(), 7);
+  std::string strange;
+  for (int i = 0; i < 3000; ++i) {
+    strange += "<Strange" + std::to_string(i) + "/>";
+  }
+  TestMap many(kGood + strange);
+  const auto diagnostics = GenApiEngine::diagnosticsOf(*many);
+  EXPECT_EQ(diagnostics.warnings.size() + diagnostics.warningsSuppressed, 3000U);
+  EXPECT_LE(diagnostics.warnings.size(), 1000U);
+}
+
+// Any prefix and any single changed byte of a description is either refused or answered.
+TEST(Hostile, DamagedText) {
+  const std::string text = describe(
+      "<Category Name=\"Root\"><pFeature>E</pFeature></Category><Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"X\"><Value>1</Value></EnumEntry>"
+      "<pValue>R</pValue></Enumeration>" +
+      reg("IntReg", "R", "<Address>4</Address><IntSwissKnife Name=\"K\"><Formula>2*2</Formula></IntSwissKnife>") +
+      "<StructReg><Address>0</Address><Length>4</Length><pPort>Device</pPort><StructEntry "
+      "Name=\"S\"><Bit>1</Bit></StructEntry></StructReg>"
+      "<Converter Name=\"C\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>R</pValue></Converter>");
+  const auto attempt = [](const std::string& damaged) {
+    try {
+      TestMap map(TestMap::RawText{damaged});
+      askEverything(map);
+    } catch (const GenICam::GenericException& error) {
+      EXPECT_STRNE(error.what(), "");
+    }
+  };
+  for (std::size_t size = 1; size < text.size(); size += 7) {
+    attempt(text.substr(0, size));
+  }
+  std::mt19937 random(11);
+  for (int i = 0; i < 600; ++i) {
+    std::string damaged = text;
+    for (int k = 0; k < 3; ++k) {
+      damaged[random() % damaged.size()] = "<>/\"&;=0A \0\xFF!-"[random() % 15];
+    }
+    attempt(damaged);
+  }
+}
