@@ -84,7 +84,7 @@ class Camera {
   virtual void setEventSink(CameraEventSink sink) = 0;
 
   // After each execution a command reads as not yet done for this many polls; 0, the beginning, is as fast as it is.
-  virtual void setBusyPolls(std::uint32_t /*polls*/) {}
+  virtual void setBusyPolls(std::uint32_t polls) = 0;
 
   virtual std::size_t streamCount() const = 0;
   // Bytes of the largest payload with the present settings.

@@ -185,6 +185,12 @@ GC_ERROR FeatureMap::read(std::uint64_t address, std::span<std::byte> out) {
     const std::size_t count = std::min(out.size(), feature->length_ - skip);
     slotBytes.assign(feature->length_, std::byte{0});
     encode(*feature, slot, slotBytes);
+    if (const auto polls = busy_.find(feature); polls != busy_.end()) {
+      putInteger(slotBytes, 1);
+      if (--polls->second == 0) {
+        busy_.erase(polls);
+      }
+    }
     std::memcpy(out.data(), slotBytes.data() + skip, count);
     address += count;
     out = out.subspan(count);
@@ -212,10 +218,18 @@ GC_ERROR FeatureMap::write(std::uint64_t address, std::span<const std::byte> in)
     if (const GC_ERROR error = writeSlot(*feature, slot, slotBytes); error != GC_ERR_SUCCESS) {
       return error;
     }
+    if (busyPolls_ != 0 && feature->kind() == FeatureKind::Command) {
+      busy_[feature] = busyPolls_;
+    }
     address += count;
     in = in.subspan(count);
   }
   return GC_ERR_SUCCESS;
+}
+
+void FeatureMap::setBusyPolls(std::uint32_t polls) {
+  busyPolls_ = polls;
+  busy_.clear();
 }
 
 void FeatureMap::putInteger(std::span<std::byte> to, std::uint64_t value) const {

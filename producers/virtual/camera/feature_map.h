@@ -64,6 +64,9 @@ class FeatureMap {
   GC_ERROR read(std::uint64_t address, std::span<std::byte> out);
   GC_ERROR write(std::uint64_t address, std::span<const std::byte> in);
 
+  // From now on a command reads as under way for this many polls after each execution; 0 withdraws it.
+  void setBusyPolls(std::uint32_t polls);
+
   // The slot that the selectors choose now.
   std::size_t currentSlot(const Feature& feature) const;
   std::int64_t limitInteger(const Feature& feature, const Formula& limit) const;
@@ -102,6 +105,8 @@ class FeatureMap {
   std::unordered_map<std::string, Feature*> byName_;
   std::map<std::uint64_t, Feature*> byAddress_;
   std::uint64_t endAddress_ = 0;
+  std::uint32_t busyPolls_ = 0;
+  std::unordered_map<const Feature*, std::uint32_t> busy_;  // commands and the polls that still find them under way
 };
 
 }  // namespace vcam

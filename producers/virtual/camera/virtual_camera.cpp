@@ -160,6 +160,11 @@ GC_ERROR VirtualCamera::write(std::uint64_t address, const void* data, std::size
   return core_.map.write(address, {static_cast<const std::byte*>(data), size});
 }
 
+void VirtualCamera::setBusyPolls(std::uint32_t polls) {
+  const CameraLock guard(core_);
+  core_.map.setBusyPolls(polls);
+}
+
 std::size_t VirtualCamera::payloadSize(std::size_t) const {
   const CameraLock guard(core_);
   return static_cast<std::size_t>(core_.map.find("PayloadSize")->integer());

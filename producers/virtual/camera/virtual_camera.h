@@ -35,6 +35,7 @@ class VirtualCamera : public Camera {
   GC_ERROR read(std::uint64_t address, void* data, std::size_t size) override;
   GC_ERROR write(std::uint64_t address, const void* data, std::size_t size) override;
   void setEventSink(CameraEventSink sink) override { core_.setSink(std::move(sink)); }
+  void setBusyPolls(std::uint32_t polls) override;
   std::size_t streamCount() const override { return core_.model.streams; }
   std::size_t payloadSize(std::size_t stream) const override;
   void startStream(std::size_t stream) override;
