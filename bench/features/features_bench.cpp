@@ -79,10 +79,10 @@ struct Measured {
   double allocations = 0;
 };
 
-/** The best of several rounds, each long enough for the clock. */
+/** The best of many rounds, each long enough for the clock and short enough to escape the scheduler. */
 Measured measure(const std::function<void()>& call) {
-  constexpr int kRounds = 15;
-  constexpr int kCalls = 20000;
+  constexpr int kRounds = 300;
+  constexpr int kCalls = 1000;
   Measured best;
   call();
   for (int round = 0; round < kRounds; ++round) {
