@@ -10,6 +10,8 @@
 #include "core/bounded_copy.h"
 #include "features/invalidation.h"
 #include "features/memory.h"
+#include "gentl/device.h"
+#include "gentl/guard.h"
 #include "typed_node.h"
 
 namespace OVI {
@@ -223,6 +225,18 @@ GenICam::gcstring fillIdentity(oviFeatureParameter& record, GenApi::INode& node)
   return name;
 }
 
+/** The field stays as it is when the port does not answer. The device is at hand already: it is not looked up again. */
+void fillByteOrder(oviFeatureParameter& record, const FoundNode& found, std::uint64_t handle, std::uint32_t selector) {
+  if (selector != OVI_MODULE_REMOTE_DEVICE) {
+    OVI::oviIsModuleLittleEndian(handle, static_cast<std::int32_t>(selector), &record.littleEndian);
+    return;
+  }
+  guarded("nodeToFeatureParameter", Severity::Debug, "The port does not tell its byte order. Error: ", [&]() -> oviErr {
+    record.littleEndian = !static_cast<GenTLCpp::Device&>(*found.module).getRemotePort(false)->isBigEndian();
+    return OVI_SUCCESS;
+  });
+}
+
 void fillDisplayProperties(oviFeatureParameter& record, GenTLCpp::Feature& feature) {
   if (const auto notation = feature.getDisplayNotation(); !notation.empty())
     record.displayNotation = named(kNotations, notation);
@@ -266,7 +280,7 @@ oviErr nodeToFeatureParameter(oviFeatureParameter* record, GenApi::INode* node, 
   if (node == nullptr || record == nullptr)
     return OVI_ERR_INVALID_PARAMETER;
   const GenICam::gcstring name = fillIdentity(*record, *node);
-  OVI::oviIsModuleLittleEndian(handle, static_cast<std::int32_t>(selector), &record->littleEndian);
+  fillByteOrder(*record, found, handle, selector);
   if (record->accessMode <= kNotAvailable)
     return OVI_SUCCESS;
   if (!record->isFeature && record->featureType != OVI_FEATURE_ENUM_ENTRY)
