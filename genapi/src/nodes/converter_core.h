@@ -32,17 +32,17 @@ class ConverterCore {
 
   /// The value of the source as the user sees it.
   T read(NodeCore& owner, ReadFlags flags) {
-    return fromSource(owner, NumberOf<T>::read(*source(owner), flags), flags);
+    return fromSource(owner, NumberOf<T>::read(required(owner), flags), flags);
   }
   void write(NodeCore& owner, T value, bool verify) {
-    NumberOf<T>::write(*source(owner), number(to_.evaluate(owner, made(value), {})), verify);
+    NumberOf<T>::write(required(owner), number(to_.evaluate(owner, made(value), {})), verify);
   }
   T fromSource(NodeCore& owner, T raw, ReadFlags flags = {}) { return number(from_.evaluate(owner, made(raw), flags)); }
 
   /// The limits of the source through the formula, in the order that the slope says. A source without limits has none
   /// here.
   std::pair<T, T> limits(NodeCore& owner) {
-    NodeCore& raw = *source(owner);
+    NodeCore& raw = required(owner);
     const std::pair<T, T> none(std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max());
     const T rawMin = NumberOf<T>::min(raw);
     const T rawMax = NumberOf<T>::max(raw);
@@ -74,6 +74,14 @@ class ConverterCore {
 
  private:
   static constexpr FormulaKind kKind = std::is_same_v<T, double> ? FormulaKind::floating : FormulaKind::integer;
+
+  NodeCore& required(const NodeCore& owner) const {
+    NodeCore* const raw = source(owner);
+    if (raw == nullptr) {
+      NODE_FAIL(owner, AccessException, "Node has no value to convert.");
+    }
+    return *raw;
+  }
 
   FormulaValue made(T value) const {
     if constexpr (std::is_same_v<T, double>) {

@@ -17,7 +17,9 @@ std::int64_t IntConverterNode::intMax() {
 void IntConverterNode::validInts(std::vector<std::int64_t>& values) {
   const ValueDescent descent(*this, state_, 0);
   std::vector<std::int64_t> raw;
-  converter_.source(*this)->validInts(raw);
+  if (NodeCore* const source = converter_.source(*this)) {
+    source->validInts(raw);
+  }
   for (const std::int64_t value : raw) {
     values.push_back(converter_.fromSource(*this, value));
   }
