@@ -1,0 +1,31 @@
+// The commands of the tool: each adds itself to the command line and runs when it is chosen.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "session.h"
+
+namespace tool {
+
+/// What is run after the command line was read; set by the command that was chosen.
+using Action = std::function<void(Session&)>;
+
+/// Adds a command to the command line, with its options; `action` is what it does when chosen.
+using AddCommand = void (*)(CLI::App& app, CommonOptions& common, Action& action);
+
+void addList(CLI::App& app, CommonOptions& common, Action& action);
+void addInfo(CLI::App& app, CommonOptions& common, Action& action);
+void addFeatures(CLI::App& app, CommonOptions& common, Action& action);
+void addGet(CLI::App& app, CommonOptions& common, Action& action);
+void addSet(CLI::App& app, CommonOptions& common, Action& action);
+void addGrab(CLI::App& app, CommonOptions& common, Action& action);
+void addStream(CLI::App& app, CommonOptions& common, Action& action);
+
+/// The option that names the camera, for commands that work on one.
+void addCameraOption(CLI::App& command, CommonOptions& common);
+
+/// The option that names a module; the text is converted with moduleFromText.
+void addModuleOption(CLI::App& command, std::string& module);
+
+}  // namespace tool

@@ -1,0 +1,273 @@
+// One run of the tool against the library: its start, the search for cameras, and the opening of the one that is meant.
+#include "session.h"
+
+#include <algorithm>
+#include <csignal>
+
+#include "paths.h"
+#include "platform/console.h"
+#include "terminal.h"
+#include "text.h"
+#include "tool_error.h"
+
+namespace tool {
+
+namespace {
+
+constexpr const char* kVirtualProducer = "VirtualCamera.cti";
+constexpr std::size_t kMaxMessages = 200;
+
+volatile std::sig_atomic_t interruptFlag = 0;
+
+void onInterrupt(int /*signal*/) {
+  interruptFlag = 1;
+}
+
+// Folders in which the virtual camera may be installed, beside the tool or in the library's own folder.
+std::vector<std::filesystem::path> virtualCameraFolders() {
+  const std::filesystem::path own = programFolder();
+  return {own, own / ".." / "lib" / "ovi"};
+}
+
+bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code error;
+  return std::filesystem::equivalent(a, b, error) && !error;
+}
+
+std::vector<std::string> split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::size_t start = 0;
+  while (start <= text.size()) {
+    const std::size_t end = std::min(text.find(separator, start), text.size());
+    if (end > start)
+      parts.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
+Camera describe(const ovi::DeviceInfo& info, std::size_t number) {
+  Camera camera;
+  camera.number = number;
+  camera.id = fromLibraryText(info.deviceID);
+  camera.displayName = fromLibraryText(info.displayName);
+  camera.model = fromLibraryText(info.model);
+  camera.vendor = fromLibraryText(info.vendor);
+  camera.serial = fromLibraryText(info.serialNumber);
+  camera.userName = fromLibraryText(info.userDefinedName);
+  camera.version = fromLibraryText(info.version);
+  camera.tlType = fromLibraryText(info.tlType);
+  camera.interfaceName = fromLibraryText(info.interfaceDisplayName);
+  camera.interfaceId = fromLibraryText(info.interfaceID);
+  camera.producerName = fromLibraryText(info.tlDisplayName);
+  camera.producerPath = fromLibraryText(info.tlPathName);
+  camera.accessStatus = info.accessStatus;
+  camera.isVirtual = pathFromText(camera.producerPath).filename() == kVirtualProducer;
+  return camera;
+}
+
+std::string cameraLines(const std::vector<const Camera*>& cameras) {
+  std::string text;
+  for (const Camera* camera : cameras)
+    text += "\n  " + std::to_string(camera->number) + "  " + camera->model + "  " + camera->serial +
+            (camera->userName.empty() ? "" : "  \"" + camera->userName + "\"") +
+            (camera->isVirtual ? "  (virtual)" : "");
+  return text;
+}
+
+}  // namespace
+
+bool interrupted() {
+  return interruptFlag != 0;
+}
+
+void catchInterrupt() {
+  std::signal(SIGINT, onInterrupt);
+  std::signal(SIGTERM, onInterrupt);
+}
+
+std::string Camera::shortName() const {
+  if (!serial.empty())
+    return serial;
+  return userName.empty() ? id : userName;
+}
+
+std::string accessText(std::uint32_t accessStatus) {
+  switch (accessStatus) {
+    case 1:
+      return "available";
+    case 2:
+      return "read-only";
+    case 3:
+      return "not available";
+    case 4:
+      return "in use";
+    case 5:
+      return "opened by this program";
+    default:
+      return "unknown";
+  }
+}
+
+Session::Session(const CommonOptions& options) : options_(options) {
+  const auto level = options.verbose ? ovi::LogLevel::kDebug : ovi::LogLevel::kWarning;
+  library_ = std::make_unique<ovi::Library>(level, [this](ovi::LogLevel l, std::string_view m) { remember(l, m); });
+}
+
+void Session::remember(ovi::LogLevel level, std::string_view message) {
+  if (level != ovi::LogLevel::kError && level != ovi::LogLevel::kWarning)
+    return;
+  const std::lock_guard lock(messageMutex_);
+  messages_.push_back(fromLibraryText(message));
+  if (messages_.size() > kMaxMessages)
+    messages_.pop_front();
+}
+
+std::vector<std::string> Session::takeMessages() {
+  const std::lock_guard lock(messageMutex_);
+  std::vector<std::string> taken(messages_.begin(), messages_.end());
+  messages_.clear();
+  return taken;
+}
+
+std::string Session::searchPath() const {
+  if (!options_.producer.empty()) {
+    const std::filesystem::path file = std::filesystem::absolute(pathFromText(options_.producer));
+    std::error_code error;
+    if (!std::filesystem::exists(file, error))
+      throw ToolError("there is no producer " + pathText(file), "give the path of a .cti file");
+    return pathText(std::filesystem::is_directory(file, error) ? file : file.parent_path());
+  }
+  // The environment's folders are searched anyway; the virtual camera joins them unless it is there already.
+  const std::vector<std::string> known = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparator());
+  for (const std::filesystem::path& folder : virtualCameraFolders()) {
+    std::error_code error;
+    if (!std::filesystem::exists(folder / kVirtualProducer, error))
+      continue;
+    const bool listed = std::any_of(known.begin(), known.end(),
+                                    [&](const std::string& k) { return sameFolder(pathFromText(k), folder); });
+    return listed ? std::string() : pathText(folder);
+  }
+  return {};
+}
+
+const std::vector<Camera>& Session::cameras() {
+  if (cameras_)
+    return *cameras_;
+  ProgressLine line;
+  const auto show = [&](const oviDiscoveryInfo& info) {
+    line.show(info.progress / 100.0, "searching, " + std::to_string(info.deviceCount) + " found");
+  };
+  const std::vector<ovi::DeviceInfo> found = library_->discover(
+      std::chrono::milliseconds(options_.timeout), show, toLibraryText(searchPath()), !options_.producer.empty());
+  line.clear();
+  cameras_.emplace();
+  for (const ovi::DeviceInfo& info : found) {
+    Camera camera = describe(info, cameras_->size() + 1);
+    // A producer that was named by its file shares its folder with others that were not meant.
+    std::error_code error;
+    const std::filesystem::path wanted = pathFromText(options_.producer);
+    if (!options_.producer.empty() && !std::filesystem::is_directory(wanted, error) &&
+        pathFromText(camera.producerPath).filename() != wanted.filename())
+      continue;
+    camera.number = cameras_->size() + 1;
+    cameras_->push_back(std::move(camera));
+  }
+  return *cameras_;
+}
+
+const Camera& Session::pick(const std::string& name) {
+  const std::vector<Camera>& all = cameras();
+  if (all.empty())
+    throw ToolError("no camera was found\n" + explainNoCameras(), "ovi doctor");
+
+  std::vector<const Camera*> matches;
+  const auto collect = [&](auto&& matchesCamera) {
+    if (!matches.empty())
+      return;
+    for (const Camera& camera : all)
+      if (matchesCamera(camera))
+        matches.push_back(&camera);
+  };
+  if (name.empty()) {
+    collect([](const Camera& c) { return !c.isVirtual; });
+    collect([](const Camera&) { return true; });
+    if (matches.size() == 1)
+      return *matches.front();
+    throw ToolError(
+        "there are several cameras, and none was named:" + cameraLines(matches),
+        "name one by number, serial number, user-defined name, model or ID: --camera " + matches.front()->shortName(),
+        ExitCode::kUsage);
+  }
+  collect([&](const Camera& c) { return c.id == name; });
+  collect([&](const Camera& c) { return c.serial == name; });
+  collect([&](const Camera& c) { return c.userName == name; });
+  collect([&](const Camera& c) { return std::to_string(c.number) == name; });
+  collect([&](const Camera& c) { return c.displayName == name; });
+  collect([&](const Camera& c) { return equalsIgnoringCase(c.model, name); });
+  collect([&](const Camera& c) { return equalsIgnoringCase(c.userName, name) || equalsIgnoringCase(c.serial, name); });
+  if (matches.size() == 1)
+    return *matches.front();
+  if (matches.size() > 1)
+    throw ToolError("\"" + name + "\" means several cameras:" + cameraLines(matches),
+                    "name one by its serial number: --camera " + matches.front()->shortName(), ExitCode::kUsage);
+
+  std::vector<std::string> names;
+  std::vector<const Camera*> present;
+  for (const Camera& camera : all) {
+    present.push_back(&camera);
+    for (const std::string& candidate : {camera.serial, camera.userName, camera.model, camera.id})
+      if (!candidate.empty())
+        names.push_back(candidate);
+  }
+  const std::string nearest = nearestMatch(name, names);
+  throw ToolError("there is no camera \"" + name + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
+                      " There are:" + cameraLines(present),
+                  "ovi list", ExitCode::kUsage);
+}
+
+ovi::Device Session::open(const std::string& name, ovi::Access access) {
+  const Camera& camera = pick(name.empty() ? options_.camera : name);
+  takeMessages();
+  try {
+    return ovi::Device(toLibraryText(camera.id), access, std::chrono::milliseconds(options_.timeout));
+  } catch (const ovi::Error& error) {
+    const std::vector<std::string> messages = takeMessages();
+    std::string reason = error.code().message();
+    if (!messages.empty())
+      reason = messages.back();
+    throw ToolError(
+        "cannot open camera " + camera.shortName() + " (" + camera.model + "): " + reason,
+        camera.accessStatus == 4 || error.result() == OVI_ERR_NO_ACCESS || error.result() == OVI_ERR_RESOURCE_IN_USE
+            ? "another program holds it: close that program, then try again"
+            : "ovi list");
+  }
+}
+
+std::vector<std::string> Session::producers() {
+  std::vector<std::string> paths = library_->producers();
+  for (std::string& path : paths)
+    path = fromLibraryText(path);
+  return paths;
+}
+
+std::string Session::explainNoCameras() {
+  std::vector<std::string> folders;
+  const std::string environment = environmentVariable("GENICAM_GENTL64_PATH");
+  if (options_.producer.empty())
+    folders = split(environment, searchPathSeparator());
+  if (const std::string own = searchPath(); !own.empty())
+    folders.push_back(own);
+
+  std::string text = "  searched: ";
+  text += folders.empty() ? "no folder at all; GENICAM_GENTL64_PATH is not set" : join(folders, ", ");
+  const std::vector<std::string> files = producers();
+  text +=
+      "\n  producers: " + (files.empty() ? std::string("none (no *.cti file in these folders)") : join(files, ", "));
+  for (const std::string& message : takeMessages())
+    if (message.rfind("timeout discovery", 0) != 0)
+      text += "\n  " + message;
+  return text;
+}
+
+}  // namespace tool

@@ -1,0 +1,91 @@
+// One run of the tool against the library: its start, the search for cameras, and the opening of the one that is meant.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ovi/ovi.hpp"
+
+namespace tool {
+
+/// What every command may be given.
+struct CommonOptions {
+  bool json = false;
+  bool verbose = false;
+  std::string producer;  ///< one producer file; then no other is used
+  std::string camera;    ///< which camera is meant; may be empty
+  unsigned timeout = 1000;
+};
+
+/// One camera that was found, in the tool's own text encoding.
+struct Camera {
+  std::size_t number = 0;  ///< from 1, as the list shows it
+  std::string id;
+  std::string displayName;
+  std::string model;
+  std::string vendor;
+  std::string serial;
+  std::string userName;
+  std::string version;
+  std::string tlType;
+  std::string interfaceName;
+  std::string interfaceId;
+  std::string producerName;
+  std::string producerPath;
+  std::uint32_t accessStatus = 0;
+  bool isVirtual = false;
+
+  /// The shortest name that means just this camera.
+  std::string shortName() const;
+};
+
+/// "available", "in use by another program", ... for a GenTL access status.
+std::string accessText(std::uint32_t accessStatus);
+
+class Session {
+ public:
+  explicit Session(const CommonOptions& options);
+
+  const CommonOptions& options() const { return options_; }
+
+  /// All cameras, with progress while it searches; searched once.
+  const std::vector<Camera>& cameras();
+
+  /// The camera that the text means: number, serial number, user-defined name, model, ID or display name. An empty text
+  /// means the only one. Throws ToolError that says what is there instead.
+  const Camera& pick(const std::string& name);
+
+  /// Opens the camera of the common options, or the one that is named.
+  ovi::Device open(const std::string& name = {}, ovi::Access access = ovi::Access::kExclusive);
+
+  /// Producer files on the search path.
+  std::vector<std::string> producers();
+
+  /// What the library logged as warnings and errors since the last call.
+  std::vector<std::string> takeMessages();
+
+  /// Why nothing was found: which folders were searched, which producers were found, what each said.
+  std::string explainNoCameras();
+
+ private:
+  void remember(ovi::LogLevel level, std::string_view message);
+  std::string searchPath() const;
+
+  CommonOptions options_;
+  std::mutex messageMutex_;
+  std::deque<std::string> messages_;
+  std::unique_ptr<ovi::Library> library_;
+  std::optional<std::vector<Camera>> cameras_;
+};
+
+/// True after the user pressed Ctrl-C.
+bool interrupted();
+
+/// Makes Ctrl-C set the flag that interrupted() tells, instead of ending the process.
+void catchInterrupt();
+
+}  // namespace tool

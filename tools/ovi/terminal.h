@@ -1,0 +1,59 @@
+// What a person sees: tables on standard output, progress and messages on standard error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+enum class Colour { kNone, kRed, kYellow, kGreen, kBlue, kDim, kBold };
+
+/// The text in that colour when the stream is a terminal and NO_COLOR is not set; else the text alone.
+std::string coloured(std::string_view text, Colour colour, bool onTerminal);
+
+/// Rows of text under headings. On a terminal the columns are aligned; elsewhere they are separated by tabs, for
+/// scripts.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> headings) : headings_(std::move(headings)) {}
+  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  bool empty() const { return rows_.empty(); }
+  std::string text(bool aligned) const;
+
+ private:
+  std::vector<std::string> headings_;
+  std::vector<std::vector<std::string>> rows_;
+};
+
+/// One line on standard error that is rewritten in place; silent when standard error is no terminal.
+class ProgressLine {
+ public:
+  ProgressLine();
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  /// Shows a bar (fraction 0 to 1; below 0: none) and a text. At most twenty times a second unless forced.
+  void show(double fraction, std::string_view text, bool forced = false);
+  void clear();
+
+ private:
+  bool terminal_;
+  bool shown_ = false;
+  std::chrono::steady_clock::time_point last_;
+};
+
+/// Where printData writes; standard output unless told otherwise.
+void setDataStream(std::FILE* stream);
+
+/// Writes a line to standard output, data that other programs may read.
+void printData(std::string_view text);
+
+/// Writes a line to standard error, for people.
+void printNote(std::string_view text);
+
+}  // namespace tool

@@ -1,0 +1,30 @@
+// Small text helpers: nearest match, shell patterns, numbers in words.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tool {
+
+/// The candidate that is most like the text, without regard to case; empty when none is like it.
+std::string nearestMatch(std::string_view text, const std::vector<std::string>& candidates);
+
+/// Shell pattern with * and ?, without regard to case. A pattern without either matches any text that contains it.
+bool matchesPattern(std::string_view pattern, std::string_view text);
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
+
+/// Columns that the UTF-8 text takes in a terminal, counted as code points.
+std::size_t displayWidth(std::string_view utf8);
+
+/// 1536 as "1.5 KiB".
+std::string bytesText(std::uint64_t bytes);
+
+/// A fixed number of decimals, with a point whatever the locale.
+std::string fixedText(double value, int decimals);
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator);
+
+}  // namespace tool
