@@ -4,6 +4,7 @@
 #include <miniz.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <pugixml.hpp>
 
@@ -162,7 +163,10 @@ struct Registers::Document {
   }
 };
 
-Registers::Registers(Handle port) : port_(port), document_(std::make_shared<Document>()) {
+Registers::Registers(Handle port)
+    : port_(port),
+      bigEndian_(ask(gentl().GCGetPortInfo, port, 6).number() != 0),
+      document_(std::make_shared<Document>()) {
   const std::string url = ask(gentl().GCGetPortURLInfo, port, 0U, 0).bytes;
   const std::size_t first = url.find(';');
   const std::size_t second = url.find(';', first + 1);
@@ -182,29 +186,52 @@ bool Registers::has(const std::string& name) const {
   return !document_->registerOf(name).empty();
 }
 
-std::uint64_t Registers::address(const std::string& name) const {
+Registers::Place Registers::place(const std::string& name) const {
   const pugi::xml_node node = document_->registerOf(name);
   EXPECT_TRUE(node) << "no register for " << name;
-  return std::strtoull(node.child_value("Address"), nullptr, 0);
+  Place found;
+  for (const pugi::xml_node& part : node.children("Address")) {
+    found.address += std::strtoull(part.child_value(), nullptr, 0);
+  }
+  for (const pugi::xml_node& part : node.children("pIndex")) {
+    found.address += get(part.child_value()) * part.attribute("Offset").as_ullong();
+  }
+  found.length = std::strtoull(node.child_value("Length"), nullptr, 0);
+  return found;
+}
+
+std::uint64_t Registers::address(const std::string& name) const {
+  return place(name).address;
 }
 
 std::uint64_t Registers::get(const std::string& name) const {
+  const Place at = place(name);
+  std::array<unsigned char, 8> bytes{};
+  std::size_t size = at.length;
+  EXPECT_LE(size, bytes.size()) << name;
+  EXPECT_EQ(gentl().GCReadPort(port_, at.address, bytes.data(), &size), kSuccess) << name << ": " << lastErrorText();
   std::uint64_t value = 0;
-  std::size_t size = std::strtoull(document_->registerOf(name).child_value("Length"), nullptr, 0);
-  EXPECT_LE(size, sizeof(value));
-  EXPECT_EQ(gentl().GCReadPort(port_, address(name), &value, &size), kSuccess) << name << ": " << lastErrorText();
+  for (std::size_t i = 0; i < at.length; ++i) {
+    value = value << 8 | bytes[bigEndian_ ? i : at.length - 1 - i];
+  }
   return value;
 }
 
 Error Registers::set(const std::string& name, std::uint64_t value) const {
-  std::size_t size = std::strtoull(document_->registerOf(name).child_value("Length"), nullptr, 0);
-  return gentl().GCWritePort(port_, address(name), &value, &size);
+  const Place at = place(name);
+  std::vector<unsigned char> bytes(at.length);
+  std::size_t size = at.length;
+  for (std::size_t i = 0; i < size; ++i, value >>= 8) {
+    bytes[bigEndian_ ? size - 1 - i : i] = static_cast<unsigned char>(value & 0xFF);
+  }
+  return gentl().GCWritePort(port_, at.address, bytes.data(), &size);
 }
 
 std::string Registers::text(const std::string& name) const {
-  std::size_t size = std::strtoull(document_->registerOf(name).child_value("Length"), nullptr, 0);
+  const Place at = place(name);
+  std::size_t size = at.length;
   std::string content(size, '\0');
-  EXPECT_EQ(gentl().GCReadPort(port_, address(name), content.data(), &size), kSuccess) << name;
+  EXPECT_EQ(gentl().GCReadPort(port_, at.address, content.data(), &size), kSuccess) << name;
   return content.c_str();
 }
 

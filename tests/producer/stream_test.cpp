@@ -316,6 +316,10 @@ TEST_F(StreamTest, TooSmallBuffersComeBackIncompleteAndAnErrorIsSent) {
 TEST_F(StreamTest, ChunksAreListedWhereTheyLie) {
   openStream();
   ASSERT_EQ(remote->set("ChunkModeActive", 1), kSuccess);
+  for (const char* chunk : {"Timestamp", "FrameID", "ExposureTime", "CRC"}) {
+    ASSERT_EQ(remote->set("ChunkSelector", remote->entry("ChunkSelector", chunk)), kSuccess);
+    ASSERT_EQ(remote->set("ChunkEnable", 1), kSuccess);
+  }
   announce(3);
   ASSERT_EQ(g.DSStartAcquisition(stream, 0, 1), kSuccess);
   startCamera();
@@ -353,6 +357,10 @@ TEST_F(StreamTest, ChunksAreListedWhereTheyLie) {
 TEST_F(StreamTest, MultiPartPayloadsDescribeTheirParts) {
   openDevice("VC-640X");
   openStream();
+  for (const char* component : {"Range", "Confidence"}) {
+    ASSERT_EQ(remote->set("ComponentSelector", remote->entry("ComponentSelector", component)), kSuccess);
+    ASSERT_EQ(remote->set("ComponentEnable", 1), kSuccess);
+  }
   announce(3);
   ASSERT_EQ(g.DSStartAcquisition(stream, 0, 1), kSuccess);
   startCamera();

@@ -73,7 +73,7 @@ TEST_F(ThreadTest, QueriesGoOnWhileModulesCloseAndReopen) {
 TEST_F(ThreadTest, AllCamerasStreamAtOnceAndTheTreeClosesUnderThem) {
   openSystem();
   std::vector<std::thread> threads;
-  std::atomic<int> frames{0};
+  std::atomic<std::size_t> streaming{0};
   std::atomic<int> failed{0};
   for (std::uint32_t i = 0; i < 2; ++i) {
     openInterface(i);
@@ -111,15 +111,16 @@ TEST_F(ThreadTest, AllCamerasStreamAtOnceAndTheTreeClosesUnderThem) {
             ++failed;
           }
         }
-        std::uint64_t start = 0x0100000001;  // one in either byte order, whatever the register's length
         if (g.DSStartAcquisition(source, 0, kInfinite) != kSuccess ||
-            registers.set("AcquisitionStart", start) != kSuccess) {
+            registers.set("AcquisitionStart", 1) != kSuccess) {
           ++failed;
         }
         NewBufferData data{};
         bytes = sizeof(data);
+        bool first = true;
         while (g.EventGetData(event, &data, &bytes, 5000) == kSuccess) {
-          ++frames;
+          streaming += first ? 1 : 0;
+          first = false;
           if (g.DSQueueBuffer(source, data.buffer) != kSuccess) {
             break;
           }
@@ -127,7 +128,7 @@ TEST_F(ThreadTest, AllCamerasStreamAtOnceAndTheTreeClosesUnderThem) {
       });
     }
   }
-  while (frames < 40 && failed == 0) {
+  while (streaming < threads.size() && failed == 0) {
     std::this_thread::yield();
   }
   EXPECT_EQ(g.TLClose(tl), kSuccess);
