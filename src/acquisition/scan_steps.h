@@ -33,7 +33,7 @@ void logImage(const char* site, const char* prefix, const oviNewBufferEventData&
 oviErr refreshStatistics(const ScanFamily& family, std::uint64_t streamHandle);
 
 /** The first failure of a sequence of steps that all run. */
-class FirstFailure {
+class StepResults {
  public:
   void add(oviErr result) noexcept { first_ = first_ == OVI_SUCCESS ? result : first_; }
   oviErr result() const noexcept { return first_; }

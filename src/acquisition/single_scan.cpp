@@ -39,7 +39,7 @@ oviErr openForScan(std::uint64_t deviceHandle, std::uint32_t streamIndex, std::u
 
 /** Takes images until one has the expected height. @return whether the scan ends here, acquisition left running */
 bool takeMatchingImage(const ScanFamily& family, std::uint64_t stream, std::uint64_t event, std::int64_t height,
-                       std::uint8_t* destination, oviNewBufferEventData& record, FirstFailure& failure,
+                       std::uint8_t* destination, oviNewBufferEventData& record, StepResults& failure,
                        bool& isFetched) {
   constexpr const char* kSite = "OVI::oviScanImage";
   const int limit = ScanState::instance().scanFlag ? 5 : 1;
@@ -133,7 +133,7 @@ oviErr takeContinued(std::uint64_t deviceHandle, std::uint64_t stream, std::uint
 }
 
 oviErr endContinued(std::uint64_t stream, std::uint64_t event, oviNewBufferEventData& record) {
-  FirstFailure failure;
+  StepResults failure;
   failure.add(OVI::oviReleaseImage(stream, &record));
   failure.add(OVI::oviUnregisterEvent(event));
   failure.add(OVI::oviCloseDataStream(stream));
@@ -152,7 +152,7 @@ oviErr oviScanImage(std::uint64_t deviceHandle, std::uint8_t* destination) {
   if (opened != OVI_SUCCESS) {
     return opened;
   }
-  FirstFailure failure;
+  StepResults failure;
   failure.add(OVI::oviStartAcquisition(deviceHandle, kEndlessAcquisition));
   bool isFetched = failure.result() == OVI_SUCCESS;
   oviNewBufferEventData record{};
@@ -205,7 +205,7 @@ oviErr oviScanStreamImage(std::uint64_t deviceHandle, std::uint32_t streamCount,
   if (streamCount == 0) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  FirstFailure failure;
+  StepResults failure;
   std::vector<Opened> opened;
   while (opened.size() < streamCount && failure.result() == OVI_SUCCESS) {
     Opened next;

@@ -25,6 +25,13 @@ std::vector<std::string> takeLog() {
   return std::exchange(logLines, {});
 }
 
+void expectLogged(const std::string& beginning) {
+  const std::vector<std::string> lines = takeLog();
+  if (!beginning.empty()) {
+    EXPECT_THAT(lines, testing::Contains(testing::StartsWith(beginning)));
+  }
+}
+
 void ManualCameraTest::SetUp() {
   const std::string directory = MANUAL_CAMERA_DIR;
   library_ = OVI::platform::loadLibrary(directory + "/ManualCamera.cti");

@@ -17,6 +17,9 @@ using Calls = std::vector<std::string>;
 /** Messages of the log since the last call, as "level text"; 1 error, 2 warning, 4 info, 8 debug. */
 std::vector<std::string> takeLog();
 
+/** Expects a message since the last call that begins like this; nothing for an empty beginning. */
+void expectLogged(const std::string& beginning);
+
 /** Finds the manual camera, opens it, and closes everything again. */
 class ManualCameraTest : public testing::Test {
  protected:
@@ -27,6 +30,8 @@ class ManualCameraTest : public testing::Test {
   std::uint64_t device() const { return device_; }
   void open();
   void closeDevice();
+  /** The device is closed already. */
+  void forgetDevice() { device_ = 0; }
 
   /** A stream with its event for filled buffers; the log of the calls so far is dropped. */
   struct Stream {

@@ -107,7 +107,7 @@ TEST_F(ScanTest, GiveBackWhatWasSetUpWhenAStepFails) {
   const Case cases[] = {
       {"DevOpenDataStream", 0, "x.cti", OVI_ERR_IO, "Cannot create data stream!\n"},
       {"DSAllocAndAnnounceBuffer", 0, "x.cti", OVI_ERR_IO, "Cannot create data stream!\n"},
-      {"GCWritePort", 2, "gevtls2i.cti", OVI_ERR_IO, "Cannot enable filter driver!\n"},
+      {"GCWritePort", 1, "gevtls2i.cti", OVI_ERR_IO, "Cannot enable filter driver!\n"},
       {"GCRegisterEvent", 0, "x.cti", OVI_ERR_IO, "Cannot register event!\n"},
       {"GCReadPort", 1, "x.cti", OVI_ERR_IO, "Cannot get height from camera!\n"},
       {"GCReadPort", 2, "x.cti", OVI_ERR_IO, "Cannot get width from camera!\n"},
@@ -242,7 +242,7 @@ TEST_F(ScanTest, WaitForTheCamerasStop) {
 TEST_F(ScanTest, TheFilterDriverIsForOneProducer) {
   script().setFileName("gevtls2i.cti");
   script().setRegister(kPacketSize, 9000);
-  for (const std::uint8_t enabled : {1, 0}) {
+  for (const std::uint8_t enabled : {std::uint8_t{1}, std::uint8_t{0}}) {
     setScan(enabled, 0);
     script().setRegister(kFilterDriver, 7);
     script().play({{}});
@@ -289,7 +289,7 @@ TEST_F(ScanTest, OneImageInOneCall) {
 TEST_F(ScanTest, OneImageInThreeCalls) {
   Frame small;
   small.height = 2;
-  for (const std::uint8_t scanFlag : {0, 1}) {
+  for (const std::uint8_t scanFlag : {std::uint8_t{0}, std::uint8_t{1}}) {
     SCOPED_TRACE(testing::Message() << int{scanFlag});
     script().reset();
     setScan(1, scanFlag);

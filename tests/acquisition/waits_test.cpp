@@ -1,7 +1,6 @@
 // Waits that other threads end: at once, in every interleaving, and without a kill too many.
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <random>
 #include <thread>
 
@@ -18,7 +17,16 @@ using testing::Not;
 constexpr unsigned kWaiters = 3;
 
 class WaitsTest : public ManualCameraTest {
- protected:
+ public:
+  using End = void (WaitsTest::*)(const Stream&);
+  void stop(const Stream& /*stream*/) { EXPECT_EQ(oviStopAcquisition(device()), OVI_SUCCESS); }
+  void abort(const Stream& /*stream*/) { EXPECT_EQ(oviAbortAcquisition(device()), OVI_SUCCESS); }
+  void kill(const Stream& stream) { EXPECT_EQ(oviEventKill(stream.event), OVI_SUCCESS); }
+  void unregister(const Stream& stream) { EXPECT_EQ(oviUnregisterEvent(stream.event), OVI_SUCCESS); }
+  void closeStream(const Stream& stream) { EXPECT_EQ(oviCloseDataStream(stream.handle), OVI_SUCCESS); }
+  void closeCamera(const Stream& /*stream*/) { closeDevice(); }
+  void closeLibrary(const Stream& /*stream*/) { EXPECT_EQ(oviClose(), OVI_SUCCESS); }
+
   /** Starts threads that wait for ever and returns when they all do. */
   std::vector<std::thread> startWaiters(std::uint64_t event, std::vector<oviErr>& results) {
     results.assign(kWaiters, 1);
@@ -39,26 +47,22 @@ class WaitsTest : public ManualCameraTest {
 TEST_F(WaitsTest, EndWithWhateverEndsThem) {
   struct Case {
     const char* name;
-    std::function<void(WaitsTest&, const Stream&)> end;
+    End end;
   };
-  const Case cases[] = {
-      {"stop", [](WaitsTest& test, const Stream&) { EXPECT_EQ(oviStopAcquisition(test.device()), OVI_SUCCESS); }},
-      {"abort", [](WaitsTest& test, const Stream&) { EXPECT_EQ(oviAbortAcquisition(test.device()), OVI_SUCCESS); }},
-      {"kill", [](WaitsTest&, const Stream& stream) { EXPECT_EQ(oviEventKill(stream.event), OVI_SUCCESS); }},
-      {"unregister",
-       [](WaitsTest&, const Stream& stream) { EXPECT_EQ(oviUnregisterEvent(stream.event), OVI_SUCCESS); }},
-      {"close stream",
-       [](WaitsTest&, const Stream& stream) { EXPECT_EQ(oviCloseDataStream(stream.handle), OVI_SUCCESS); }},
-      {"close device", [](WaitsTest& test, const Stream&) { test.closeDevice(); }},
-      {"close library", [](WaitsTest&, const Stream&) { EXPECT_EQ(oviClose(), OVI_SUCCESS); }},
-  };
+  const Case cases[] = {{"stop", &WaitsTest::stop},
+                        {"abort", &WaitsTest::abort},
+                        {"kill", &WaitsTest::kill},
+                        {"unregister", &WaitsTest::unregister},
+                        {"close stream", &WaitsTest::closeStream},
+                        {"close device", &WaitsTest::closeCamera},
+                        {"close library", &WaitsTest::closeLibrary}};
   for (const Case& each : cases) {
     SCOPED_TRACE(each.name);
     const Stream stream = openStream();
     start();
     std::vector<oviErr> results;
     std::vector<std::thread> waiters = startWaiters(stream.event, results);
-    each.end(*this, stream);
+    (this->*each.end)(stream);
     for (std::thread& waiter : waiters) {
       waiter.join();
     }
@@ -66,6 +70,7 @@ TEST_F(WaitsTest, EndWithWhateverEndsThem) {
     EXPECT_THAT(script().violations(), IsEmpty());
     // Back to an open device.
     if (each.name == std::string("close library")) {
+      forgetDevice();
       TearDown();
       SetUp();
     } else if (each.name == std::string("close device")) {
