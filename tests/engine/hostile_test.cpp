@@ -115,6 +115,24 @@ TEST(Hostile, CyclesOfEveryKind) {
   }
 }
 
+TEST(Hostile, ReferencesToNothing) {
+  const std::string nodes =
+      kGood + integerOver("A", "Nobody") + reg("IntReg", "B", "<pAddress>Nobody</pAddress>") +
+      reg("Register", "C", "<pIndex>Nobody</pIndex><pIndex pOffset=\"Nobody\">Good</pIndex>") +
+      "<StringReg Name=\"D\"><Address>0</Address><pLength>Nobody</pLength><pPort>Nobody</pPort></StringReg>"
+      "<IntSwissKnife Name=\"E\"><pVariable Name=\"X\">Nobody</pVariable><Formula>X</Formula></IntSwissKnife>"
+      "<Converter Name=\"F\"><pVariable "
+      "Name=\"X\">Nobody</pVariable><FormulaTo>X</FormulaTo><FormulaFrom>X</FormulaFrom>"
+      "<pValue>Nobody</pValue></Converter><Command Name=\"G\"><pValue>Nobody</pValue></Command>"
+      "<Enumeration Name=\"H\"><pEnumEntry>Nobody</pEnumEntry><pValue>Nobody</pValue></Enumeration>";
+  TestMap map(nodes);
+  askEverything(map);
+  const std::uint8_t byte = 1;
+  EXPECT_THROW(map.get<IRegister>("C").Set(&byte, 1, false), GenICam::AccessException);
+  EXPECT_EQ(map.mode("A"), NI);
+  EXPECT_EQ(map.integer("Good").GetValue(), 1) << "the good node was written";
+}
+
 TEST(Hostile, ReferencesToTheWrongKind) {
   const std::string all = kGood +
                           "<Node Name=\"N\"/><Category Name=\"Cat\"/><String "

@@ -745,6 +745,10 @@ ValueDescent::ValueDescent(NodeCore& node, std::uint8_t& state, std::uint8_t bus
     : map_(node.map()),
       state_(state),
       busyBit_(busyBit) {
+  // A write that is not verified does not ask for the access mode.
+  if (node.record().broken) {
+    NODE_FAIL(node, AccessException, "Node is not implemented.");
+  }
   if ((state & busyBit) != 0) {
     NODE_FAIL(node, RuntimeException, "The value depends on itself.");
   }

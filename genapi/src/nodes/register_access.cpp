@@ -231,6 +231,9 @@ void RegisterAccess::writeNumber(NodeCore& owner, std::uint64_t value) {
 // More than the register holds is cut, less leaves the rest of it alone.
 void RegisterAccess::set(NodeCore& owner, const std::uint8_t* buffer, std::int64_t length, bool verify) {
   WriteCall call(owner, "Set");
+  if (owner.record().broken) {
+    NODE_FAIL(owner, AccessException, "Node is not implemented.");
+  }
   if (verify) {
     owner.requireWritable("Node is not writable");
   }
