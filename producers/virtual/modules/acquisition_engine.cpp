@@ -171,6 +171,9 @@ void DataStream::fillFast() {
 std::uint64_t DataStream::ticksOf(std::uint64_t nanoseconds) const {
   constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
   const std::uint64_t frequency = timestampFrequency_;
+  if (frequency == kNanosecondsPerSecond) {
+    return nanoseconds;
+  }
   return nanoseconds / kNanosecondsPerSecond * frequency +
          nanoseconds % kNanosecondsPerSecond * frequency / kNanosecondsPerSecond;
 }

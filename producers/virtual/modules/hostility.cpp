@@ -2,6 +2,8 @@
 #include "modules/hostility.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 
 namespace vcam {
 
@@ -18,7 +20,8 @@ std::string nameFrom(const char* text) {
 
 // Never destroyed: calls may be under way while the process ends.
 Hostility& Hostility::instance() {
-  static Hostility& instance = *new Hostility;
+  alignas(Hostility) static std::array<std::byte, sizeof(Hostility)> place;
+  static Hostility& instance = *new (place.data()) Hostility;
   return instance;
 }
 
@@ -214,12 +217,13 @@ std::uint64_t Hostility::calls(const char* function) {
 void Hostility::reset() {
   const std::lock_guard lock(mutex_);
   armed_.store(false, std::memory_order_relaxed);
-  failing_.clear();
-  blocking_.clear();
-  texts_.clear();
-  types_.clear();
-  frames_.clear();
-  paused_.clear();
+  // Nothing may be left behind when the producer is unloaded.
+  failing_ = std::vector<Failing>();
+  blocking_ = std::vector<Blocking>();
+  texts_ = std::vector<SpoiledText>();
+  types_ = std::vector<SpoiledType>();
+  frames_ = std::vector<SpoiledFrames>();
+  paused_ = std::vector<std::string>();
   shortReads_ = {};
   updateDelayMs_ = 0;
   counting_ = false;

@@ -69,8 +69,12 @@ void answerScalar(INFO_DATATYPE dataType, std::uint64_t value, std::int32_t comm
     if (*size < bytes) {
       fail(GC_ERR_BUFFER_TOO_SMALL, "the buffer holds ", *size, " bytes, the answer ", bytes);
     }
-    // The low bytes come first on every machine that this runs on.
-    std::memcpy(buffer, &value, bytes);
+    // The low bytes come first on every machine that this runs on. A copy of known size needs no call.
+    if (bytes == sizeof(value)) {
+      std::memcpy(buffer, &value, sizeof(value));
+    } else {
+      std::memcpy(buffer, &value, bytes);
+    }
   }
   *size = bytes;
   reportType(dataType, command, type);
