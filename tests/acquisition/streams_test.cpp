@@ -72,7 +72,7 @@ TEST_F(StreamsTest, AdjustPacketsForTheProducersThatNeedIt) {
   };
   const Case cases[] = {
       {"x.cti", 0, 1500, {}, 1500},
-      {"gevtls2i.cti", 0, 1500, {"find"}, 9000},
+      {"gevtls2i.cti", 0, 1500, {}, 9000},  // The command is asked of the stream, which no camera feature is found by.
       {"GEVTLS2I.CTI", 0, 1500, {}, 1500},
       {"my_lsgentlgevkithara_1.cti", 0, 1500, {}, 9000},
       {"nimbo_producer.cti", 0, 9000, {}, 9000},

@@ -10,7 +10,8 @@ inline constexpr std::string_view kDescription = R"xml(<?xml version="1.0" encod
   SchemaMajorVersion="1" SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0"
   SubMinorVersion="0" ProductGuid="9DDAA2F5-1AEB-4F30-9F6C-15B60C1B4D7C"
   VersionGuid="5A3B9C3A-8C5A-4E0E-8C3B-0D5A4B6E7F10" xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>Width</pFeature><pFeature>Height</pFeature></Category>
+  <Category Name="Root"><pFeature>Width</pFeature><pFeature>Height</pFeature>
+    <pFeature>GevSCPSPacketSize</pFeature></Category>
   <IntReg Name="Width"><Address>0x100</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
     <Cachable>NoCache</Cachable><Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
   <IntReg Name="Height"><Address>0x104</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
