@@ -1,0 +1,36 @@
+// Opens a device of the producers in a folder and returns from main without closing anything.
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "ovi/ovi.h"
+
+namespace {
+bool inMain = true;
+
+void log(std::uint32_t /*level*/, const char* /*message*/, void* /*userData*/) {
+  if (!inMain)
+    std::puts("callback after main");
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+#ifdef _WIN32
+  _putenv_s("TREE_TRACE", "1");
+#else
+  setenv("TREE_TRACE", "1", 1);
+#endif
+  oviInit(OVI_LOG_LEVEL_DEBUG, log, nullptr);
+  const auto info = std::make_unique<oviDiscoveryInfo>();
+  std::uint64_t handle = 0;
+  if (argc < 2 || oviDiscoverDevices(info.get(), 100, nullptr, argv[1], 1) != OVI_SUCCESS ||
+      oviOpenDevice("cam0", &handle, 100, OVI_DEVICE_ACCESS_CONTROL) != OVI_SUCCESS) {
+    std::puts("failed");
+    return 1;
+  }
+  std::puts("ready");
+  std::fflush(stdout);
+  inMain = false;
+  return 0;
+}

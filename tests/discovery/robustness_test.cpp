@@ -1,0 +1,201 @@
+// Every GenTL function on the way from discovery to closing fails with every code, on its first and on its second call:
+// the library answers as it should, and the next attempt succeeds.
+#include <array>
+#include <memory>
+#include <string>
+
+#include "core/result.h"
+#include "discovery_fixture.h"
+#include "ovi_virtual/hostility.h"
+#include "platform/platform.h"
+
+namespace discovery_test {
+
+namespace {
+
+enum class Step { Discover, Open, CloseDevice, CloseLibrary };
+
+/** What a fault of one function does. */
+enum class Effect {
+  Logged,     // Devices may be missing from the list; discovery itself succeeds.
+  Tolerated,  // At most a field is empty: the device is listed and opens.
+  Returned,   // The call returns the mapped code.
+  Unseen,     // The call succeeds.
+};
+
+struct Row {
+  const char* function;
+  Step step;
+  Effect effect;
+  const char* log;  // On a fault that the standard knows; "" for none.
+};
+
+constexpr Row kRows[] = {
+    {"GCInitLib", Step::Discover, Effect::Logged, "Failed to load and initialize producer from "},
+    {"TLOpen", Step::Discover, Effect::Logged, "Error opening transport layer for producer from location"},
+    {"GCGetInfo", Step::Discover, Effect::Tolerated, ""},
+    {"TLUpdateInterfaceList", Step::Discover, Effect::Logged, "Error updating interface list in TL ["},
+    {"TLGetNumInterfaces", Step::Discover, Effect::Logged, "Error updating interface list in TL ["},
+    {"TLGetInterfaceID", Step::Discover, Effect::Logged, "Error updating interface list in TL ["},
+    {"TLGetInterfaceInfo", Step::Discover, Effect::Tolerated, ""},
+    {"TLOpenInterface", Step::Discover, Effect::Logged, "Failed to open interface with ID: "},
+    {"IFUpdateDeviceList", Step::Discover, Effect::Logged, "Error updating device list in TL ["},
+    {"IFGetNumDevices", Step::Discover, Effect::Logged, "Error updating device list in TL ["},
+    {"IFGetDeviceID", Step::Discover, Effect::Logged, "Error updating device list in TL ["},
+    {"IFGetDeviceInfo", Step::Discover, Effect::Logged, " is not available: "},
+    {"GCGetLastError", Step::Discover, Effect::Tolerated, ""},
+    {"GCGetInfo", Step::Open, Effect::Unseen, ""},
+    {"TLUpdateInterfaceList", Step::Open, Effect::Returned, "Error updating interface list in TL ["},
+    {"IFUpdateDeviceList", Step::Open, Effect::Returned, "Error updating device list in TL ["},
+    {"IFGetNumDevices", Step::Open, Effect::Returned, "Could not get device info. Interface: "},
+    {"IFGetDeviceID", Step::Open, Effect::Returned, "Could not get device info. Interface: "},
+    {"IFOpenDevice", Step::Open, Effect::Returned, "Failed to open device with ID: ["},
+    {"DevClose", Step::CloseDevice, Effect::Returned, "Failed to close device! Error: "},
+    {"DevClose", Step::CloseLibrary, Effect::Unseen, ""},
+    {"IFClose", Step::CloseLibrary, Effect::Unseen, ""},
+    {"TLClose", Step::CloseLibrary, Effect::Unseen, ""},
+    {"GCCloseLib", Step::CloseLibrary, Effect::Unseen, ""},
+};
+
+std::vector<GC_ERROR> faults() {
+  std::vector<GC_ERROR> codes = {-1023, -10000, 1};
+  for (GC_ERROR code = GC_ERR_ERROR; code >= GC_ERR_BUSY; --code)
+    codes.push_back(code);
+  return codes;
+}
+
+}  // namespace
+
+class Robustness : public testing::Test {
+ protected:
+  Robustness() : library_(OVI::platform::loadLibrary(VIRTUAL_DIR "/VirtualCamera.cti")) {
+    void* const entry = OVI::platform::resolve(library_, "oviVirtualHostility");
+    orders_ = reinterpret_cast<POviVirtualHostility>(entry)();
+    closeProducer_ = reinterpret_cast<PGCCloseLib>(OVI::platform::resolve(library_, "GCCloseLib"));
+    initialise();
+  }
+  ~Robustness() override {
+    orders_->reset();
+    oviClose();
+    OVI::platform::unload(library_);
+  }
+
+  oviErr discover() { return oviDiscoverDevices(info_.get(), 1000, nullptr, VIRTUAL_DIR, 1); }
+  void order(const Row& row, GC_ERROR code, std::uint64_t call) {
+    ASSERT_EQ(orders_->fail(row.function, code, call, 1), 0) << row.function;
+    takeLog();
+  }
+  void reopenLibrary() {
+    EXPECT_EQ(oviClose(), OVI_SUCCESS);
+    initialise();
+  }
+  /** Everything works again: the whole list, and a camera that opens and closes. */
+  void expectHealthy(std::uint32_t devices, const std::string& id) {
+    orders_->reset();
+    ASSERT_EQ(discover(), OVI_SUCCESS);
+    EXPECT_EQ(info_->deviceCount, devices);
+    std::uint64_t handle = 0;
+    ASSERT_EQ(oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+    EXPECT_EQ(oviCloseDevice(handle), OVI_SUCCESS);
+  }
+
+  void* library_;
+  const OviVirtualHostility* orders_;
+  PGCCloseLib closeProducer_;
+  std::unique_ptr<oviDiscoveryInfo> info_ = std::make_unique<oviDiscoveryInfo>();
+};
+
+TEST_F(Robustness, EveryFaultOfEveryFunction) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  const std::uint32_t all = info_->deviceCount;
+  ASSERT_GE(all, 2U);
+  const std::string id = info_->devices[0].deviceID;
+
+  for (const Row& row : kRows) {
+    for (const GC_ERROR code : faults()) {
+      for (const std::uint64_t call : {1U, 2U}) {
+        SCOPED_TRACE(std::string(row.function) + " " + std::to_string(code) + " at call " + std::to_string(call) +
+                     " of step " + std::to_string(static_cast<int>(row.step)));
+        const bool known = code <= GC_ERR_ERROR && code >= GC_ERR_BUSY;
+        if (row.step == Step::Discover) {
+          reopenLibrary();
+          order(row, code, call);
+          orders_->startCounting();
+          ASSERT_EQ(discover(), OVI_SUCCESS);
+          const bool happened = orders_->calls(row.function) >= call;
+          if (row.effect == Effect::Tolerated) {
+            EXPECT_EQ(info_->deviceCount, all);
+          }
+          if (known && happened) {
+            EXPECT_TRUE(contains(takeLog(), row.log));
+          }
+        } else if (row.step == Step::Open) {
+          std::uint64_t handle = 0;
+          order(row, code, call);
+          orders_->startCounting();
+          const oviErr result = oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL);
+          const bool happened = orders_->calls(row.function) >= call;
+          if (row.effect == Effect::Returned && known && happened) {
+            EXPECT_EQ(result, OVI::mapGenTLError(code));
+            EXPECT_TRUE(contains(takeLog(), row.log));
+            EXPECT_EQ(handle, 0U);
+          } else if (!happened || (row.effect == Effect::Unseen && call == 2)) {
+            EXPECT_EQ(result, OVI_SUCCESS);
+          }
+          EXPECT_EQ(result == OVI_SUCCESS, handle != 0);
+          if (result == OVI_SUCCESS) {
+            EXPECT_EQ(oviCloseDevice(handle), OVI_SUCCESS);
+          }
+        } else {
+          std::uint64_t handle = 0;
+          ASSERT_EQ(oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+          order(row, code, call);
+          if (row.step == Step::CloseDevice) {
+            EXPECT_EQ(oviCloseDevice(handle), known && call == 1 ? OVI::mapGenTLError(code) : OVI_SUCCESS);
+            EXPECT_EQ(contains(takeLog(), row.log), known && call == 1);
+          }
+          EXPECT_EQ(oviClose(), OVI_SUCCESS);
+          orders_->reset();
+          closeProducer_();  // One that refused stays initialised, because this test keeps it loaded.
+          initialise();
+        }
+        ASSERT_NO_FATAL_FAILURE(expectHealthy(all, id));
+      }
+    }
+  }
+}
+
+TEST_F(Robustness, TextsWithoutAnEndAreCut) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  const std::uint32_t all = info_->deviceCount;
+  for (const char* function : {"GCGetInfo", "TLGetInterfaceInfo", "IFGetDeviceInfo"}) {
+    for (const OviVirtualText how : {OVI_VIRTUAL_TEXT_UNTERMINATED, OVI_VIRTUAL_TEXT_EMPTY, OVI_VIRTUAL_TEXT_FULL}) {
+      ASSERT_EQ(orders_->spoilText(function, -1, how, UINT64_MAX), 0);
+      ASSERT_EQ(discover(), OVI_SUCCESS);
+      for (std::uint32_t i = 0; i < info_->deviceCount; ++i) {
+        const oviDeviceInfo& device = info_->devices[i];
+        for (const auto* field : {&device.displayName, &device.vendor, &device.interfaceDisplayName, &device.tlID})
+          EXPECT_LT(std::string_view(*field, 512).find('\0'), 512U);
+      }
+      orders_->reset();
+    }
+  }
+  expectHealthy(all, "VC-KV130001");
+}
+
+TEST_F(Robustness, APulledCameraComesBack) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  const std::uint32_t all = info_->deviceCount;
+  const std::string id = info_->devices[0].deviceID;
+  std::uint64_t handle = 0;
+  ASSERT_EQ(oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+  ASSERT_EQ(orders_->loseDevice(id.c_str()), 0);
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  EXPECT_EQ(info_->deviceCount, all - 1);
+  EXPECT_EQ(oviCloseDevice(handle), OVI_SUCCESS);
+  EXPECT_EQ(oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_ERR_NOT_FOUND);
+  ASSERT_EQ(orders_->returnDevice(id.c_str()), 0);
+  expectHealthy(all, id);
+}
+
+}  // namespace discovery_test
