@@ -218,7 +218,7 @@ void Acquisition::declareLine() {
       .uncached()
       .representation("HexNumber")
       .visibility("Expert")
-      .computed([this](std::size_t) { return (lineHigh_ ? 1 : 0) | (running_ ? 2 : 0); });
+      .computed([this](std::size_t) { return lineStatus(); });
   lineFrequency_ = &map.floating("LineSignalFrequency", lines,
                                  "Rate of the square wave that the virtual wiring puts on "
                                  "Line0; 0 leaves it low")
@@ -291,7 +291,7 @@ Clock::duration Acquisition::period() const {
 }
 
 std::uint64_t Acquisition::frameLimit() const {
-  switch (mode_->integer()) {
+  switch (mode_->setting()) {
     case kSingleFrame:
       return 1;
     case kMultiFrame:
@@ -320,7 +320,6 @@ void Acquisition::start() {
     stream->count = 0;
     stream->burstLeft = 0;
     stream->next = now;
-    stream->exposing = false;
     stream->pending.clear();
   }
   hooks_.signal(Signal::AcquisitionStart, 0);
@@ -334,7 +333,6 @@ void Acquisition::stop() {
   running_ = false;
   for (const auto& stream : streams_) {
     stream->pending.clear();
-    stream->exposing = false;
   }
   hooks_.signal(Signal::AcquisitionEnd, 0);
   wakeAll();
@@ -344,7 +342,6 @@ void Acquisition::startStream(std::size_t index) {
   Stream& stream = *streams_[index];
   stream.started = true;
   stream.pending.clear();
-  stream.exposing = false;
   stream.next = Clock::now();
   stream.changed.notify_all();
 }
@@ -353,7 +350,6 @@ void Acquisition::stopStream(std::size_t index) {
   Stream& stream = *streams_[index];
   stream.started = false;
   stream.pending.clear();
-  stream.exposing = false;
   stream.changed.notify_all();
 }
 
@@ -366,8 +362,8 @@ bool Acquisition::mayRun(const Stream& stream) const {
 void Acquisition::begin(std::size_t index, Clock::time_point start) {
   Stream& stream = *streams_[index];
   const auto exposure = microseconds(hooks_.exposure());
-  stream.pending.push_back(
-      {hooks_.plan(index), core_.config.firstFrameId + stream.count, start, start + exposure + readout()});
+  stream.pending.push_back({hooks_.plan(index), core_.config.firstFrameId + stream.count, lineStatus(), start,
+                            start + exposure + readout()});
   ++stream.count;
   exposureEnd_ = start + exposure;
   readoutEnd_ = exposureEnd_ + readout();
@@ -395,37 +391,57 @@ void Acquisition::finishIfComplete() {
   }
 }
 
+void Acquisition::fillPlan(FramePlan& plan, std::size_t index, const FramePlan& from, std::uint64_t frameId,
+                           Clock::time_point start, std::uint32_t lines) const {
+  if (plan.planId != from.planId) {
+    plan = from;
+  }
+  plan.stream = index;
+  plan.frameId = frameId;
+  plan.timestampNs = core_.ticks(start);
+  plan.lineStatus = lines;
+}
+
+void Acquisition::deliverFast(std::size_t index, FramePlan& plan) {
+  Stream& stream = *streams_[index];
+  if (stream.speedGeneration != core_.generation) {
+    stream.speedPlan = hooks_.plan(index);
+    stream.speedGeneration = core_.generation;
+  }
+  fillPlan(plan, index, *stream.speedPlan, core_.config.firstFrameId + stream.count, Clock::now(), lineStatus());
+  ++stream.count;
+  if (mode_->setting() != kContinuous) {
+    finishIfComplete();
+  }
+}
+
 FrameWait Acquisition::waitForFrame(CameraLock& guard, std::size_t index, Clock::time_point until, FramePlan& plan) {
   Stream& stream = *streams_[index];
   for (;;) {
     if (!stream.started) {
       return FrameWait::Stopped;
     }
+    const bool idle = stream.pending.empty() && mayRun(stream);
+    if (idle && speedMode_->setting() != 0) {
+      deliverFast(index, plan);
+      return FrameWait::Frame;
+    }
     const auto now = Clock::now();
-    if (stream.pending.empty() && mayRun(stream)) {
-      if (speedMode_->on()) {
-        stream.next = now;
-        stream.pending.push_back({hooks_.plan(index), core_.config.firstFrameId + stream.count, now, now});
-        ++stream.count;
-      } else {
-        // A consumer that was late gets the next frame at once, but not all that it let pass.
-        begin(index, std::max(stream.next, now - period()));
-        stream.next = stream.pending.front().start + period();
-        stream.burstLeft -= stream.burstLeft > 0 ? 1 : 0;
-        const bool first = std::none_of(streams_.begin(), streams_.begin() + static_cast<std::ptrdiff_t>(index),
-                                        [](const auto& other) { return other->started; });
-        if (first) {
-          announce(stream.pending.front());
-        }
+    if (idle) {
+      // A consumer that was late gets the next frame at once, but not all that it let pass.
+      begin(index, std::max(stream.next, now - period()));
+      stream.next = stream.pending.front().start + period();
+      stream.burstLeft -= stream.burstLeft > 0 ? 1 : 0;
+      const bool first = std::none_of(streams_.begin(), streams_.begin() + static_cast<std::ptrdiff_t>(index),
+                                      [](const auto& other) { return other->started; });
+      if (first) {
+        announce(stream.pending.front());
       }
     }
     if (!stream.pending.empty() && stream.pending.front().due <= now) {
       const Exposure exposure = std::move(stream.pending.front());
       stream.pending.pop_front();
-      plan = *exposure.plan;
-      plan.stream = index;
-      plan.frameId = exposure.frameId;
-      plan.timestampNs = core_.ticks(exposure.start);
+      fillPlan(plan, index, *exposure.plan, exposure.frameId, exposure.start, exposure.lineStatus);
       finishIfComplete();
       return FrameWait::Frame;
     }

@@ -50,6 +50,7 @@ class Acquisition {
   struct Exposure {
     std::shared_ptr<const FramePlan> plan;
     std::uint64_t frameId = 0;
+    std::uint32_t lineStatus = 0;
     Clock::time_point start;
     Clock::time_point due;
   };
@@ -59,8 +60,9 @@ class Acquisition {
     std::uint64_t count = 0;  // frames begun since the start of the acquisition
     std::uint64_t burstLeft = 0;
     Clock::time_point next;  // earliest start of the next free-running frame
-    bool exposing = false;   // a free-running frame is under way; it is the front of pending
     std::deque<Exposure> pending;
+    std::shared_ptr<const FramePlan> speedPlan;  // what speed mode delivers, as of a generation of the settings
+    std::uint64_t speedGeneration = 0;
   };
 
   void declareTriggers();
@@ -71,6 +73,10 @@ class Acquisition {
   bool triggerOn(TriggerKind kind) const { return triggerMode_->on(static_cast<std::size_t>(kind)); }
   void start();
   void finishIfComplete();
+  void deliverFast(std::size_t index, FramePlan& plan);
+  void fillPlan(FramePlan& plan, std::size_t index, const FramePlan& from, std::uint64_t frameId,
+                Clock::time_point start, std::uint32_t lines) const;
+  std::uint32_t lineStatus() const { return (lineHigh_ ? 1U : 0U) | (running_ ? 2U : 0U); }
   bool mayRun(const Stream& stream) const;
   std::uint64_t frameLimit() const;
   void begin(std::size_t index, Clock::time_point start);

@@ -39,6 +39,10 @@ struct FramePlan {
   static constexpr std::size_t kMaxParts = 4;
   static constexpr std::size_t kMaxChunks = 12;
 
+  // The same for frames that differ in nothing but stream, IDs, time stamp and line status: a plan that is filled again
+  // with such a frame is not copied whole.
+  std::uint64_t planId = 0;
+
   std::size_t stream = 0;
   std::uint64_t frameId = 0;
   std::uint64_t timestampNs = 0;  // start of the exposure, in the camera's own time

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
@@ -216,7 +217,10 @@ std::shared_ptr<const Picture> VirtualCamera::pictureFor(std::size_t index, Pict
 }
 
 std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::size_t slot) {
+  // Counted over all cameras, so that a plan that served one is never taken for another's.
+  static std::atomic<std::uint64_t> lastPlanId{0};
   auto plan = std::make_shared<FramePlan>();
+  plan->planId = ++lastPlanId;
   plan->exposureTime = sequencer_.exposure(analog_.exposure());
   plan->gain = sequencer_.gain(analog_.gain());
   PictureSettings settings = format_.settings();
@@ -230,7 +234,6 @@ std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::siz
   plan->offsetY = settings.offsetY;
   plan->pixelFormat = settings.format->code;
   plan->speedMode = core_.map.find("SpeedMode")->on();
-  plan->lineStatus = static_cast<std::uint32_t>(core_.map.find("LineStatusAll")->integer());
   plan->sequencerSet = static_cast<std::uint32_t>(sequencer_.activeSet());
   plan->pictures[0] = pictureFor(slot * FramePlan::kMaxParts, std::move(settings));
   plan->imageSize = plan->pictures[0]->size();
