@@ -2,7 +2,9 @@
 
 stage_names=() stage_seconds=()
 
-# Makes a machine with few cores finish sooner and one with many not starve.
+# What was compiled in one checkout serves the next one too, wherever it lies.
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+
 jobs_count() { nproc; }
 
 stage() {
