@@ -12,6 +12,7 @@
 #include "core/result.h"
 #include "gentl/data_stream.h"
 #include "gentl/device.h"
+#include "gentl/exceptions.h"
 #include "gentl/guard.h"
 #include "gentl/module_lookup.h"
 #include "stream_text.h"
@@ -82,14 +83,15 @@ oviErr oviCloseDataStream(std::uint64_t streamHandle) {
   std::shared_ptr<DataStream> stream;
   oviErr result = lookupModule(streamHandle, stream);
   if (result == OVI_SUCCESS) {
-    const auto failed = [&](LogRecord& record) {
-      record << "Data stream close failed: Stream ID: [" << streamId(*stream) << "] Error: ";
+    // A stream that did not close cannot be asked for its ID any more either.
+    const auto failed = [id = streamId(*stream)](LogRecord& record) {
+      record << "Data stream close failed: Stream ID: [" << id << "] Error: ";
     };
     shutStreamWaits(streamHandle);
     BufferRecords records;  // They outlive the stream: the application may still hold one.
     result = removeAllBuffersFromStream(streamHandle, records);
     const oviErr closed = guarded(kSite, Severity::Error, failed, [&] {
-      static_cast<void>(stream->close());
+      GenTLCpp::checkGenTLError(stream->close());
       return OVI_SUCCESS;
     });
     if (closed != OVI_SUCCESS) {

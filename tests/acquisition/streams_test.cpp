@@ -206,6 +206,10 @@ TEST_F(StreamsTest, CloseWhateverFailsOnTheWay) {
        OVI_SUCCESS,
        {"DSFlushQueue(0,4)", "DSClose(0)"},
        "1 Failed to revoke buffer from data stream: Stream ID: [Stream0] Error: "},
+      {"DSClose",
+       OVI_ERR_BUSY,
+       {"DSFlushQueue(0,4)", "DSRevokeBuffer(0)", "DSRevokeBuffer(0)"},
+       "1 Data stream close failed: Stream ID: [Stream0] Error: "},
   };
   for (const Case& each : cases) {
     SCOPED_TRACE(each.function);
