@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include <array>
+#include <mutex>
 
 #include "platform/platform.h"
 
@@ -11,21 +12,35 @@ namespace {
 
 constexpr DWORD kEnglishUnitedStates = 1033;
 
-// Makes the folder of a library the place where what it needs is looked for, for the time of one load.
+// Makes the folder of a library the place where what it needs is looked for, for the time of one load; the
+// application's own choice is in force again afterwards. The choice is one of the whole process, so one load at a time
+// makes it.
 class DllFolder {
  public:
-  explicit DllFolder(const std::string& path) {
+  explicit DllFolder(const std::string& path) : lock_(mutex()) {
     const std::size_t end = path.find_last_of("\\/");
-    active_ = end != std::string::npos && SetDllDirectoryA(path.substr(0, end).c_str()) != 0;
+    if (end == std::string::npos)
+      return;
+    std::array<wchar_t, 32768> previous{};
+    const DWORD length = GetDllDirectoryW(static_cast<DWORD>(previous.size()), previous.data());
+    previous_.assign(previous.data(), length < previous.size() ? length : 0);
+    active_ = SetDllDirectoryA(path.substr(0, end + 1).c_str()) != 0;
   }
   ~DllFolder() {
     if (active_)
-      SetDllDirectoryA(nullptr);
+      SetDllDirectoryW(previous_.empty() ? nullptr : previous_.c_str());
   }
   DllFolder(const DllFolder&) = delete;
   DllFolder& operator=(const DllFolder&) = delete;
 
  private:
+  static std::recursive_mutex& mutex() {
+    static std::recursive_mutex instance;  // A library may load another one while it is being loaded.
+    return instance;
+  }
+
+  std::lock_guard<std::recursive_mutex> lock_;
+  std::wstring previous_;
   bool active_ = false;
 };
 
