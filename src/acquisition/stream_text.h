@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "core/log.h"
 #include "gentl/data_stream.h"
@@ -31,17 +32,10 @@ inline std::string deviceId(const GenTLCpp::Device& device) {
 /** As guarded(), for an error line that is fixed text: the reason follows in a line of its own, for debugging. */
 template<class Work>
 oviErr guardedWithFixedText(const char* site, const char* text, Work&& work) {
-  bool thrown = true;
-  const auto prefix = [&](LogRecord& record) { record << text << " Reason: "; };
-  const oviErr result = guarded(site, Severity::Debug, prefix, [&] {
-    const oviErr worked = work();
-    thrown = false;
-    return worked;
-  });
-  if (thrown) {
+  return caught(std::forward<Work>(work), [&](const char* reason) {
+    OVI_LOG_DEBUG(site) << text << " Reason: " << reason;
     OVI_LOG_ERROR(site) << text;
-  }
-  return result;
+  });
 }
 
 }  // namespace OVI

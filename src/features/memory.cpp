@@ -6,10 +6,10 @@
 #include <limits>
 #include <vector>
 
-#include "caught.h"
 #include "core/global_state.h"
 #include "core/log.h"
 #include "gentl/device.h"
+#include "gentl/guard.h"
 #include "gentl/module_lookup.h"
 #include "gentl/port.h"
 #include "number_text.h"

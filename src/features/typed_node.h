@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <utility>
 
-#include "caught.h"
 #include "core/global_state.h"
 #include "core/log.h"
 #include "features/node_lookup.h"
+#include "gentl/guard.h"
 
 namespace OVI {
 
