@@ -4,7 +4,7 @@
 namespace OVI {
 
 ScanState& ScanState::instance() {
-  static ScanState state;
+  static ScanState& state = *new ScanState;  // Threads that outlive main may still ask it.
   return state;
 }
 

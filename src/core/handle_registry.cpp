@@ -34,12 +34,8 @@ std::size_t HandleRegistry::NativeHash::operator()(const NativeKey& key) const n
 }
 
 HandleRegistry& HandleRegistry::instance() {
-  static HandleRegistry registry;
+  static HandleRegistry& registry = *new HandleRegistry;  // Threads that outlive main may still ask it.
   return registry;
-}
-
-HandleRegistry::~HandleRegistry() {
-  clear();
 }
 
 oviErr HandleRegistry::registerModule(const Module& module, ModuleKind kind, Handle& outHandle) {

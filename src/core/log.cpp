@@ -4,7 +4,6 @@
 #include <plog/Appenders/ColorConsoleAppender.h>
 #include <plog/Appenders/RollingFileAppender.h>
 #include <plog/Formatters/TxtFormatter.h>
-#include <plog/Init.h>
 #include <plog/Log.h>
 
 #include <array>
@@ -39,7 +38,7 @@ constexpr std::array kLevels = {LevelPair{0, Severity::None},    LevelPair{1, Se
 
 // Appending while another thread writes a record would pull the appender list from under it.
 std::shared_mutex& appenderListMutex() {
-  static std::shared_mutex mutex;
+  static std::shared_mutex& mutex = *new std::shared_mutex;
   return mutex;
 }
 
@@ -58,21 +57,16 @@ LogRecord::~LogRecord() {
 void setUpLogging(unsigned appenderMask, Severity severity, const std::string& fileName) {
   static std::once_flag once;
   std::call_once(once, [&] {
-    static_cast<void>(appenderListMutex());
-    auto& logger = plog::init(static_cast<plog::Severity>(severity));
-    // All of these live as long as the logger, which writes until the end of the process.
-    static_cast<void>(LogCallbackAppender::instance());
+    // Logger and appenders are never destroyed: threads that outlive main go on writing.
+    static auto& logger = *new plog::Logger<PLOG_DEFAULT_INSTANCE_ID>(static_cast<plog::Severity>(severity));
     if ((appenderMask & kLogToConsole) != 0) {
-      static plog::ColorConsoleAppender<plog::TxtFormatter> console;
-      logger.addAppender(&console);
+      logger.addAppender(new plog::ColorConsoleAppender<plog::TxtFormatter>);
     }
     if ((appenderMask & kLogToFile) != 0) {
-      static plog::RollingFileAppender<plog::TxtFormatter> file(fileName.c_str(), kMaxFileSize, kMaxFiles);
-      logger.addAppender(&file);
+      logger.addAppender(new plog::RollingFileAppender<plog::TxtFormatter>(fileName.c_str(), kMaxFileSize, kMaxFiles));
     }
     if ((appenderMask & kLogToDebugOutput) != 0) {
-      static DebugOutputAppender debugOutput;
-      logger.addAppender(&debugOutput);
+      logger.addAppender(new DebugOutputAppender);
     }
     Log::maximum_.store(static_cast<int>(severity));
   });

@@ -16,7 +16,7 @@ thread_local bool insideCallback = false;
 }  // namespace
 
 LogCallbackAppender& LogCallbackAppender::instance() {
-  static LogCallbackAppender appender;
+  static LogCallbackAppender& appender = *new LogCallbackAppender;
   return appender;
 }
 

@@ -18,11 +18,11 @@ namespace {
 void closeAtExit() {
   if (!isInitialized())
     return;
+  setInitialized(false);  // First, so that threads which go on calling find nothing to do any more.
   detachCallback();
   endAllWaits();
   HandleRegistry::instance().clear();
   TLDiscovery::instance().closeAtExit();
-  setInitialized(false);
 }
 
 }  // namespace
@@ -39,9 +39,6 @@ oviErr oviClose() {
 }
 
 void closeProducersAtExit() {
-  // These exist before the handler is registered, so they are destroyed after it ran.
-  static_cast<void>(HandleRegistry::instance());
-  static_cast<void>(TLDiscovery::instance());
   static_cast<void>(std::atexit(closeAtExit));
 }
 

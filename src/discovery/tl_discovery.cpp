@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/bounded_copy.h"
+#include "core/global_state.h"
 #include "core/handle_registry.h"
 #include "core/log.h"
 #include "discovery/environment.h"
@@ -43,7 +44,7 @@ bool isUsed(const GenTLCpp::TLInterface& tlInterface) {
 }  // namespace
 
 TLDiscovery& TLDiscovery::instance() {
-  static TLDiscovery discovery;
+  static TLDiscovery& discovery = *new TLDiscovery;  // Threads that outlive main may still be in it.
   return discovery;
 }
 
@@ -63,6 +64,8 @@ oviErr TLDiscovery::discoverTransportLayers() {
   reportProgress(kPhaseStart, 0.0);
   const std::vector<std::string> files = getTLLocations();
   const std::lock_guard lock(producerMutex_);
+  if (!isInitialized())
+    return OVI_ERR_NOT_INITIALIZED;  // The process has ended meanwhile: nobody would close what is loaded now.
   const std::size_t loadedBefore = producers_.size();
   for (std::size_t i = 0; i < files.size(); ++i) {
     const std::string& path = files[i];

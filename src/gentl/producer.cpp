@@ -22,7 +22,7 @@ struct CurrentProducer {
   std::weak_ptr<GenTLProducer> producer;
 
   static CurrentProducer& instance() {
-    static CurrentProducer current;
+    static CurrentProducer& current = *new CurrentProducer;
     return current;
   }
   void set(const std::shared_ptr<GenTLProducer>& to) {
@@ -36,7 +36,6 @@ std::atomic<int> nextId{0};
 }  // namespace
 
 std::shared_ptr<GenTLProducer> GenTLProducer::create(const std::string& path) {
-  static_cast<void>(CurrentProducer::instance());  // Outlives every producer.
   static const bool forwarded = [] {
     forwardGenICamLog();
     return true;

@@ -185,6 +185,7 @@ TEST(ForgottenClose, IsDoneAtExit) {
     ASSERT_NE(at, std::string::npos) << next << " missing in:\n" << *output;
   }
   EXPECT_EQ(output->find("callback after main"), std::string::npos);
+  EXPECT_NE(output->find("late call: 1"), std::string::npos);
 }
 
 }  // namespace discovery_test

@@ -13,6 +13,15 @@ void log(std::uint32_t /*level*/, const char* /*message*/, void* /*userData*/) {
   if (!inMain)
     std::puts("callback after main");
 }
+
+/** A global object of an application, which uses the library when the library may have been taken down. */
+struct LateCaller {
+  ~LateCaller() {
+    inMain = true;
+    oviSetIgnoreSubnetEnabled(1);
+    std::printf("late call: %d\n", oviCloseDevice(1) != OVI_SUCCESS);
+  }
+} lateCaller;
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -99,7 +99,6 @@ class HandleRegistry {
   class WriteGuard;
 
   HandleRegistry() = default;
-  ~HandleRegistry();
 
   std::mutex& readerMutex() const noexcept;
   Handle issue(const Module& module, ModuleKind kind);

@@ -41,7 +41,8 @@ class TLDiscovery {
   /** The producer files on the search path, whether they load or not. */
   std::vector<std::string> getTLLocations() const;
 
-  /** Loads and opens every producer that is not loaded yet. One that fails is logged and passed over. @return Success
+  /** Loads and opens every producer that is not loaded yet. One that fails is logged and passed over.
+   * @return Success, or NotInitialized at the end of the process
    */
   oviErr discoverTransportLayers();
 
