@@ -79,7 +79,8 @@ NodeMapPtr Device::getRemoteNodeMap() {
 }
 
 void Device::setRemoteDeviceXMLFile(const std::string& path) {
-  const NodeMapPtr nodeMap = makeNodeMap(readDescriptionFile(path), getRemotePort(false));
+  const GenICam::gcstring xml = readDescriptionFile(path);
+  const NodeMapPtr nodeMap = makeNodeMap(xml, getRemotePort(false));
   if (nodeMap == nullptr) {
     checkGenTLError(GC_ERR_ERROR);
   }

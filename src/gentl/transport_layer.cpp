@@ -49,9 +49,10 @@ std::string TransportLayer::getInterfaceInfoString(const std::string& id, INTERF
 std::vector<std::shared_ptr<InterfaceInfo>> TransportLayer::getInterfaceInfos() {
   std::vector<std::shared_ptr<InterfaceInfo>> infos;
   for (const std::string& id : getInterfaceIDs()) {
-    infos.push_back(std::make_shared<InterfaceInfo>(sharedAs<TransportLayer>(), id,
-                                                    getInterfaceInfoString(id, INTERFACE_INFO_DISPLAYNAME),
-                                                    getInterfaceInfoString(id, INTERFACE_INFO_TLTYPE)));
+    std::string displayName = getInterfaceInfoString(id, INTERFACE_INFO_DISPLAYNAME);
+    std::string tlType = getInterfaceInfoString(id, INTERFACE_INFO_TLTYPE);
+    infos.push_back(
+        std::make_shared<InterfaceInfo>(sharedAs<TransportLayer>(), id, std::move(displayName), std::move(tlType)));
   }
   return infos;
 }

@@ -29,10 +29,11 @@ std::string missingLibrary(const std::string& message) {
 LibraryHandle loadLibrary(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::string folder = slash != std::string::npos ? path.substr(0, slash + 1) : "./";
+  const std::string file = slash != std::string::npos ? path : folder + path;  // A bare name would be searched for.
   // The loader finds a library that is loaded already by its name, so what it misses is loaded from here first.
   std::vector<LibraryHandle> dependencies;
   LibraryHandle library = nullptr;
-  std::vector<std::string> wanted = {path};
+  std::vector<std::string> wanted = {file};
   for (int attempt = 0; !wanted.empty() && attempt < kMaxDependencies; ++attempt) {
     LibraryHandle loaded = dlopen(wanted.back().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (loaded != nullptr) {
