@@ -1,8 +1,6 @@
 // What certain producers need around the opening of a device.
 #include "device_adjustments.h"
 
-#include <algorithm>
-#include <cctype>
 #include <string>
 
 #include "Base/GCException.h"
@@ -13,16 +11,11 @@
 #include "gentl/guard.h"
 #include "gentl/producer_family.h"
 #include "gentl/recording.h"
+#include "platform/ascii.h"
 
 namespace OVI {
 
 namespace {
-
-std::string upperCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
-  return text;
-}
 
 bool isServed(std::uint64_t deviceHandle, oviErr (*test)(std::uint64_t, bool*)) {
   bool served = false;
@@ -32,7 +25,7 @@ bool isServed(std::uint64_t deviceHandle, oviErr (*test)(std::uint64_t, bool*)) 
 }  // namespace
 
 void beforeDeviceOpen(const oviDeviceInfo& record, GenTLCpp::TransportLayer& transportLayer) {
-  if (upperCase(record.vendor).find("MIK") == std::string::npos)
+  if (platform::upperCase(std::string_view(record.vendor)).find("MIK") == std::string::npos)
     return;
   guarded("OVI::beforeDeviceOpen", Severity::Error,
           "Failed to adjust the producer before the device is opened. Error: ", [&] {

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 #include "features/enumerations.h"
+#include "platform/ascii.h"
 
 namespace OVI {
 namespace {
@@ -15,12 +15,6 @@ constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
 // Names of older cameras, which take them although they do not list them.
 constexpr std::array<std::string_view, 6> kAcceptedEverywhere = {"BrefLut1", "ShcLut1",  "User Defined",
                                                                  "Default",  "GammaLut", "PackageDescriptionFile"};
-
-bool equalsIgnoringCase(std::string_view left, std::string_view right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-  });
-}
 
 }  // namespace
 
@@ -41,7 +35,7 @@ bool hasFileSelector(std::uint64_t device, std::string_view name) {
 bool isFileSelector(std::uint64_t device, std::string_view name) {
   return hasFileSelector(device, name) ||
          std::any_of(kAcceptedEverywhere.begin(), kAcceptedEverywhere.end(),
-                     [name](std::string_view accepted) { return equalsIgnoringCase(name, accepted); });
+                     [name](std::string_view accepted) { return platform::equalsIgnoringCase(name, accepted); });
 }
 
 }  // namespace OVI

@@ -1,12 +1,12 @@
 // The whole way of a file: from the host's disk into the camera, and back.
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <new>
 
 #include "features/feature_parameter.h"
 #include "features/typed_access.h"
 #include "filetransfer/file_access_utils.h"
+#include "platform/ascii.h"
 #include "steps.h"
 
 namespace OVI::FileAccessUtils {
@@ -68,10 +68,7 @@ bool hasChecksum(const FileAccessContext& context) {
   std::size_t size = model.size();
   if (OVI::oviGetFeatureString(context.device, "DeviceModelName", model.data(), &size, kCamera) != OVI_SUCCESS)
     return true;
-  const std::string_view name = model.data();
-  return std::search(name.begin(), name.end(), kExempt.begin(), kExempt.end(), [](char have, char want) {
-           return std::toupper(static_cast<unsigned char>(have)) == want;
-         }) == name.end();
+  return platform::upperCase(std::string_view(model.data())).find(kExempt) == std::string::npos;
 }
 
 oviErr checkChecksum(FileAccessContext& context, const std::vector<std::uint8_t>& data, std::int64_t expected) {

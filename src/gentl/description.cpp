@@ -4,8 +4,6 @@
 #include <miniz.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <charconv>
 #include <cstdint>
 #include <exception>
@@ -14,6 +12,7 @@
 #include <string_view>
 
 #include "gentl/trace.h"
+#include "platform/ascii.h"
 #include "platform/platform.h"
 
 namespace GenTLCpp {
@@ -23,17 +22,10 @@ namespace {
 // Real descriptions stay below 10 MB; a number beyond this is a broken or hostile URL or archive.
 constexpr std::uint64_t kMaxDescriptionSize = std::uint64_t{64} << 20U;
 
-std::string upperCase(std::string_view text) {
-  std::string upper(text);
-  std::transform(upper.begin(), upper.end(), upper.begin(),
-                 [](unsigned char character) { return static_cast<char>(std::toupper(character)); });
-  return upper;
-}
-
 /** From the last dot on, in capitals; empty without a dot. */
 std::string extensionOf(std::string_view fileName) {
   const std::size_t dot = fileName.rfind('.');
-  return dot != std::string_view::npos ? upperCase(fileName.substr(dot)) : std::string();
+  return dot != std::string_view::npos ? OVI::platform::upperCase(fileName.substr(dot)) : std::string();
 }
 
 /** The hexadecimal number that a text begins with, after blanks and an optional 0x. */
@@ -111,7 +103,7 @@ GenICam::gcstring readLocal(Port& port, std::string_view location) {
 /** The description behind one URL; empty when the URL leads to none. */
 GenICam::gcstring readURL(Port& port, const std::string& url) {
   constexpr std::size_t kSchemeLength = 6;
-  const std::string scheme = upperCase(std::string_view(url).substr(0, kSchemeLength));
+  const std::string scheme = OVI::platform::upperCase(std::string_view(url).substr(0, kSchemeLength));
   if (scheme == "LOCAL:") {
     return readLocal(port, std::string_view(url).substr(kSchemeLength));
   }

@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <clocale>
 #include <fstream>
 #include <regex>
 #include <string>
 #include <utility>
+
+#include "platform/ascii.h"
 
 namespace OVI::platform {
 namespace {
@@ -25,6 +28,16 @@ TEST(Platform, FileUrlsBecomePaths) {
     const std::string slashes = std::regex_replace(urlToPath(url), std::regex(R"(\\)"), "/");
     EXPECT_EQ(slashes, path) << url;
   }
+}
+
+TEST(Platform, LettersOfNamesDoNotFollowTheLocale) {
+  std::setlocale(LC_CTYPE, "tr_TR.UTF-8");  // Where "i" and "I" are different letters, if the machine knows it.
+  EXPECT_EQ(upperCase("file:/x.zip\xFC"), "FILE:/X.ZIP\xFC");
+  EXPECT_EQ(urlToPath("FILE:/x"), urlToPath("file:/x"));
+  std::setlocale(LC_CTYPE, "C");
+  EXPECT_TRUE(equalsIgnoringCase("GammaLut", "gAMMAlUT"));
+  EXPECT_FALSE(equalsIgnoringCase("Lut", "Lut1"));
+  EXPECT_FALSE(equalsIgnoringCase("[", "{"));
 }
 
 TEST(Platform, FilesAreReadWholeOrNotAtAll) {

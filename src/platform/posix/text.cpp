@@ -3,22 +3,15 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "platform/ascii.h"
 #include "platform/platform.h"
 
 namespace OVI::platform {
 
 namespace {
 
-bool startsWithIgnoringCase(std::string_view text, std::string_view lowerCasePrefix) {
-  if (text.size() < lowerCasePrefix.size()) {
-    return false;
-  }
-  for (std::size_t i = 0; i < lowerCasePrefix.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(text[i])) != lowerCasePrefix[i]) {
-      return false;
-    }
-  }
-  return true;
+bool startsWithIgnoringCase(std::string_view text, std::string_view prefix) {
+  return equalsIgnoringCase(text.substr(0, prefix.size()), prefix);
 }
 
 std::string decodePercents(std::string_view text) {
