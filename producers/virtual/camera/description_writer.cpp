@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cinttypes>
 #include <cmath>
 #include <cstdint>
@@ -47,13 +48,17 @@ std::string hex(std::uint64_t value, int digits = 0) {
 
 std::string decimal(double value) {
   std::array<char, 40> text{};
+  char* end = text.data();
   for (int precision = 6; precision <= 17; ++precision) {
-    std::snprintf(text.data(), text.size(), "%.*g", precision, value);
-    if (std::strtod(text.data(), nullptr) == value) {
+    // Not printf: the application's locale may write a comma.
+    end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, precision).ptr;
+    double read = 0.0;
+    std::from_chars(text.data(), end, read);
+    if (read == value) {
       break;
     }
   }
-  return text.data();
+  return std::string(text.data(), end);
 }
 
 // "ExposureTime" becomes "Exposure Time", "LUTValueAll" "LUT Value All".

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <stdexcept>
 #include <string_view>
@@ -128,7 +129,9 @@ class Parser {
       fail();
     }
     if (std::isdigit(static_cast<unsigned char>(word.front())) != 0) {
-      return static_cast<T>(std::stod(word));
+      double number = 0.0;  // Not stod: the application's locale may read commas.
+      std::from_chars(word.data(), word.data() + word.size(), number);
+      return static_cast<T>(number);
     }
     return static_cast<T>(lookup_(word));
   }
