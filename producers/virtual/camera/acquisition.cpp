@@ -260,20 +260,49 @@ void Acquisition::declareTransport(const std::function<std::int64_t()>& payloadS
            .min("0")
            .max("1")
            .visibility("Invisible");
-  map.integer("GevSCPSPacketSize", transport, "Bytes of a stream packet")
-      .unit("B")
-      .min("576")
-      .max("9000")
-      .inc("4")
-      .value(1500)
-      .stored()
-      .lockedWhileStreaming()
-      .visibility("Expert");
+  declarePackets();
   map.integer("DeviceTapGeometryCode", transport, "Order in which the sensor is read")
       .readOnly()
       .visibility("Guru")
       .representation("HexNumber")
       .vendorSpecific();
+}
+
+void Acquisition::declarePackets() {
+  FeatureMap& map = core_.map;
+  const char* const transport = "TransportLayerControl";
+  const std::uint32_t network = core_.config.networkPacketSize;
+  packetSize_ = &map.integer("GevSCPSPacketSize", transport, "Bytes of a stream packet")
+                     .unit("B")
+                     .min("576")
+                     .max(network == 0 ? "9000" : "GevSCPSPacketSizeMax")
+                     .inc("4")
+                     .value(1500)
+                     .stored()
+                     .lockedWhileStreaming()
+                     .visibility("Expert");
+  if (network == 0) {
+    return;
+  }
+  packetSize_->uncached();
+  largestPacket_ = &map.integer("GevSCPSPacketSizeMax", transport, "Largest packet that is known to arrive")
+                        .unit("B")
+                        .value(9000)
+                        .readOnly()
+                        .uncached()
+                        .vendorSpecific()
+                        .visibility("Guru");
+  map.command("FindMaxPacketSize", transport, "Tries how large packets may be and uses the largest that arrive")
+      .vendorSpecific()
+      .visibility("Expert")
+      .lockedWhileStreaming()
+      .onWrite([this, network](std::size_t) {
+        const std::int64_t found = std::min<std::int64_t>(network, 9000) / 4 * 4;
+        largestPacket_->set(found);
+        packetSize_->set(found);
+        return kOk;
+      })
+      .computed([](std::size_t) { return 0; });
 }
 
 double Acquisition::maxRate() const {

@@ -44,6 +44,8 @@ class Acquisition {
   void source(Signal signal);
   bool lineHigh() const { return lineHigh_; }
   void unlockParameters() { locked_->set(0); }
+  // Bytes of a stream packet.
+  std::uint32_t packetSize() const { return static_cast<std::uint32_t>(packetSize_->integer()); }
   const char* category() const { return "AcquisitionControl"; }
 
  private:
@@ -67,6 +69,7 @@ class Acquisition {
 
   void declareTriggers();
   void declareLine();
+  void declarePackets();
   double maxRate() const;
   Clock::duration readout() const;
   Clock::duration period() const;
@@ -112,6 +115,8 @@ class Acquisition {
   Feature* triggersMissed_ = nullptr;
   Feature* lineFrequency_ = nullptr;
   Feature* locked_ = nullptr;
+  Feature* packetSize_ = nullptr;
+  Feature* largestPacket_ = nullptr;  // only where a network limits it
 };
 
 }  // namespace vcam

@@ -4,11 +4,31 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 
 namespace vcam {
 
+// What is to be different about one camera; empty texts change nothing.
+struct CameraChoice {
+  std::string vendor;
+  std::string userDefinedName;
+  bool plugged = true;
+  // The camera's address does not fit to the interface that it hangs on.
+  bool foreignSubnet = false;
+};
+
 struct Configuration {
+  // By serial number.
+  std::map<std::string, CameraChoice, std::less<>> choices;
+
+  // The technology that the cameras claim to speak; a name of GenTL.
+  std::string tlType = "Custom";
+
+  // The largest stream packet that the way from the cameras carries, in bytes. When it is not 0 the cameras have the
+  // command FindMaxPacketSize, which finds it out.
+  std::uint32_t networkPacketSize = 0;
+
   // Folder whose PNG images the test pattern "ImageFolder" shows; empty when there is none.
   std::filesystem::path imageFolder;
 

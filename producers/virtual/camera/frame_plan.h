@@ -57,8 +57,9 @@ struct FramePlan {
   bool imagePresent = true;  // false for payloads that are chunks only
   bool incomplete = false;   // the camera lost data of this frame
 
-  std::size_t imageSize = 0;    // bytes of the image, or of all parts together
-  std::size_t payloadSize = 0;  // bytes of the whole payload, chunks included
+  std::size_t imageSize = 0;     // bytes of the image, or of all parts together
+  std::size_t payloadSize = 0;   // bytes of the whole payload, chunks included
+  std::uint32_t packetSize = 0;  // bytes of the packets that the payload comes in, headers included
 
   std::size_t partCount = 0;  // 0 unless the payload is multi-part
   std::array<PartPlan, kMaxParts> parts{};

@@ -34,6 +34,16 @@ ToneTables negative(ToneTables tones) {
   return tones;
 }
 
+void applyChoice(CameraModel& model, const CameraChoice& choice) {
+  if (!choice.vendor.empty()) {
+    model.identity.vendor = choice.vendor;
+    model.identity.displayName = choice.vendor + " " + model.identity.model;
+  }
+  if (!choice.userDefinedName.empty()) {
+    model.userDefinedName = choice.userDefinedName;
+  }
+}
+
 std::filesystem::path storageOf(const Configuration& configuration, const CameraModel& model) {
   return configuration.storageFolder.empty() ? std::filesystem::path()
                                              : configuration.storageFolder / model.identity.serialNumber;
@@ -234,6 +244,7 @@ std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::siz
   plan->offsetY = settings.offsetY;
   plan->pixelFormat = settings.format->code;
   plan->speedMode = core_.map.find("SpeedMode")->on();
+  plan->packetSize = acquisition_.packetSize();
   plan->sequencerSet = static_cast<std::uint32_t>(sequencer_.activeSet());
   plan->pictures[0] = pictureFor(slot * FramePlan::kMaxParts, std::move(settings));
   plan->imageSize = plan->pictures[0]->size();
@@ -327,6 +338,11 @@ std::size_t VirtualCamera::render(const FramePlan& plan, std::span<std::byte> bu
 std::vector<std::unique_ptr<Camera>> makeDefaultCameras(const Configuration& configuration) {
   std::vector<std::unique_ptr<Camera>> cameras;
   for (CameraModel& model : defaultModels()) {
+    model.identity.tlType = configuration.tlType;
+    if (const auto choice = configuration.choices.find(model.identity.serialNumber);
+        choice != configuration.choices.end()) {
+      applyChoice(model, choice->second);
+    }
     cameras.push_back(std::make_unique<VirtualCamera>(std::move(model), configuration));
   }
   return cameras;

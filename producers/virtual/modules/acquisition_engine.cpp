@@ -5,6 +5,7 @@
 #include "modules/data_stream.h"
 #include "modules/device.h"
 #include "modules/hostility.h"
+#include "modules/recorder.h"
 
 namespace vcam {
 
@@ -15,6 +16,13 @@ constexpr std::uint64_t kPayloadTooLarge = 0x9401;
 
 // How often a stuck transfer looks whether the order that made it stick was withdrawn.
 constexpr auto kStuckPoll = std::chrono::milliseconds(10);
+
+// Packets that a payload comes in; each has a header of 36 bytes.
+std::uint64_t packetsFor(std::size_t bytes, std::uint32_t packetSize) {
+  constexpr std::uint32_t kHeader = 36;
+  const std::size_t data = packetSize > kHeader ? packetSize - kHeader : 1;
+  return (bytes + data - 1) / data;
+}
 
 }  // namespace
 
@@ -45,6 +53,8 @@ void DataStream::takeFrame(std::unique_lock<std::mutex>& lock) {
     }
     spoiled = Hostility::instance().nextFrame(deviceId_);
     if ((spoiled & OVI_VIRTUAL_FRAME_LOST) != 0) {
+      ++framesLost_;
+      packetsLost_ += packetsFor(plan_.payloadSize, plan_.packetSize);
       return;
     }
   }
@@ -73,6 +83,7 @@ Buffer* DataStream::bufferForFrame(std::unique_lock<std::mutex>& lock) {
   }
   if (input_.empty()) {
     ++underruns_;
+    ++framesLost_;
     fireModuleEvent(kFrameLost, {plan_.frameId});
     return nullptr;
   }
@@ -84,6 +95,9 @@ void DataStream::fill(std::unique_lock<std::mutex>& lock, Buffer& buffer, std::u
   filling_ = &buffer;
   lock.unlock();
   std::size_t filled = device_.camera().render(plan_, {buffer.base(), buffer.size()});
+  if (recorder_ != nullptr && spoiled == 0) {
+    recorder_->offer(deviceId_, plan_, {buffer.base(), filled});
+  }
   lock.lock();
   bool incomplete = plan_.incomplete || filled < plan_.payloadSize;
   if ((spoiled & (OVI_VIRTUAL_FRAME_INCOMPLETE | OVI_VIRTUAL_FRAME_STUCK)) != 0) {
@@ -125,11 +139,21 @@ void DataStream::complete(Buffer& buffer, std::size_t filled, bool incomplete, s
     }
   }
   ++delivered_;
+  if (variant_ == Variant::RealTime) {
+    countPackets(filled);
+  }
   if (delivered_ == toDeliver_) {
     grabbing_ = false;
     fast_ = false;
     engineWake_.notify_all();
   }
+}
+
+void DataStream::countPackets(std::size_t filled) {
+  const std::uint64_t sent = packetsFor(plan_.payloadSize, plan_.packetSize);
+  const std::uint64_t arrived = std::min(sent, packetsFor(filled, plan_.packetSize));
+  packetsReceived_ += arrived;
+  packetsLost_ += sent - arrived;
 }
 
 // Speed mode: from now on whoever queues a buffer fills it on the spot; this thread only waits for the end of that.
@@ -154,10 +178,15 @@ void DataStream::fillFast() {
     }
     ++started_;
     if ((spoiled & OVI_VIRTUAL_FRAME_LOST) != 0) {
+      ++framesLost_;
+      packetsLost_ += packetsFor(plan_.payloadSize, plan_.packetSize);
       continue;
     }
     Buffer& buffer = *input_.pop();
     std::size_t filled = device_.camera().render(plan_, {buffer.base(), buffer.size()});
+    if (recorder_ != nullptr && spoiled == 0) {
+      recorder_->offer(deviceId_, plan_, {buffer.base(), filled});
+    }
     const bool halved = (spoiled & (OVI_VIRTUAL_FRAME_INCOMPLETE | OVI_VIRTUAL_FRAME_STUCK)) != 0;
     filled = halved ? filled / 2 : filled;
     complete(buffer, filled, plan_.incomplete || halved || filled < plan_.payloadSize, spoiled);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "modules/device.h"
+#include "modules/recorder.h"
 #include "modules/tl_types.h"
 
 namespace vcam {
@@ -27,6 +28,8 @@ DataStream::DataStream(Device& device, std::uint32_t index)
       index_(index),
       deviceId_(device.camera().identity().id),
       timestampFrequency_(device.camera().timestampFrequency()),
+      variant_(session_.options.variant),
+      recorder_(session_.recorder),
       features_({"VirtualCameraStream", "StreamPort", "Data stream module of the virtual camera producer"}) {
   describe();
 }
@@ -416,6 +419,9 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
     discardTo_ = nullptr;
     delivered_ = 0;
     toDeliver_ = count;
+    packetsReceived_ = 0;
+    packetsLost_ = 0;
+    framesLost_ = 0;
     grabbing_ = true;
     stopPending_ = true;
   }
@@ -490,6 +496,47 @@ std::unique_ptr<Module> DataStream::detach() {
   return device_.take(*this);
 }
 
+void DataStream::describeVariant() {
+  ModuleFeatures& f = features_;
+  const auto counter = [this](std::uint64_t& value) {
+    return [this, &value] {
+      const std::lock_guard lock(mutex_);
+      return value;
+    };
+  };
+  switch (variant_) {
+    case Variant::Plain:
+      break;
+    case Variant::GigE:
+      f.category("FilterDriverControl", "The way of packets through this host");
+      f.boolean(
+          {"EnableFilterDriver", "Takes packets from the network card past the system's own network code"},
+          [this] {
+            const std::lock_guard lock(mutex_);
+            return filterDriver_ ? 1 : 0;
+          },
+          [this](std::uint64_t value) {
+            const std::lock_guard lock(mutex_);
+            if (grabbing_) {
+              fail(GC_ERR_ACCESS_DENIED, "the driver cannot change while the acquisition is running");
+            }
+            filterDriver_ = value != 0;
+          });
+      break;
+    case Variant::RealTime:
+      f.category("PacketStatistics", "Packets and frames since the last start");
+      f.integer({"PaketLoss", "Packets that did not arrive"}, counter(packetsLost_));
+      f.integer({"PaketsReceived", "Packets that arrived"}, counter(packetsReceived_));
+      f.integer({"FrameLoss", "Frames that did not arrive"}, counter(framesLost_));
+      break;
+    case Variant::Recording:
+      f.category("RecorderControl", "What recording asks of buffers");
+      f.integer({"BufferSize", "Bytes that a buffer needs: the payload in whole blocks of the recorder", "Expert", "B"},
+                [this] { return Recorder::blocksFor(payloadSize()); });
+      break;
+  }
+}
+
 void DataStream::describe() {
   ModuleFeatures& f = features_;
   const auto count = [this](STREAM_INFO_CMD command) { return [this, command] { return info(command).scalar(); }; };
@@ -528,6 +575,7 @@ void DataStream::describe() {
   f.integer({"StreamInputBufferCount", "Buffers that wait to be filled", "Expert"}, count(STREAM_INFO_NUM_QUEUED));
   f.integer({"StreamOutputBufferCount", "Buffers that wait to be fetched", "Expert"},
             count(STREAM_INFO_NUM_AWAIT_DELIVERY));
+  describeVariant();
   f.events({{"AcquisitionStarted", kAcquisitionStarted, "The acquisition was started", {}},
             {"AcquisitionStopped", kAcquisitionStopped, "The acquisition has stopped", {}},
             {"FrameLost", 0x9303, "A frame was lost for want of a buffer", {"EventFrameLostFrameID"}}});

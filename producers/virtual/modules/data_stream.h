@@ -59,6 +59,8 @@ class DataStream final : public Module {
   enum HandlingMode : std::uint64_t { OldestFirst, OldestFirstOverwrite, NewestOnly };
 
   void describe();
+  void describeVariant();
+  void countPackets(std::size_t filled);
   std::size_t payloadSize() const;
   void* add(std::unique_ptr<Buffer> buffer);
 
@@ -88,6 +90,8 @@ class DataStream final : public Module {
   std::uint32_t index_;
   std::string deviceId_;
   std::uint64_t timestampFrequency_;
+  const Variant variant_;
+  const std::shared_ptr<Recorder> recorder_;
   ModuleFeatures features_;
 
   // Guards everything below but the thread; never held while the camera draws.
@@ -114,6 +118,11 @@ class DataStream final : public Module {
   std::uint64_t underruns_ = 0;
   std::uint64_t started_ = 0;
   FramePlan plan_;
+  bool filterDriver_ = false;
+  // Packets are counted in the real-time variant only.
+  std::uint64_t packetsReceived_ = 0;
+  std::uint64_t packetsLost_ = 0;
+  std::uint64_t framesLost_ = 0;
 
   std::mutex controlMutex_;  // one start, stop or close at a time; taken before mutex_
   std::thread engine_;

@@ -139,6 +139,30 @@ PortIdentity Device::identity() {
   return {me.id, me.vendor, me.model, session_.identity.version, me.tlType, GENTL_MODULE_DEVICE, "DevicePort"};
 }
 
+// The time-outs of a network camera's control channel.
+void Device::describeLink() {
+  if (!isNetwork(session_.options.variant)) {
+    return;
+  }
+  features_.category("LinkControl", "The control channel to the device");
+  const auto timeout = [this](std::string_view name, std::string_view toolTip, std::atomic<std::uint64_t>& value,
+                              std::uint64_t minimum, std::uint64_t maximum) {
+    features_.integer(
+        {name, toolTip, "Expert", "ms"}, [&value] { return value.load(); },
+        [&value, name, minimum, maximum](std::uint64_t wanted) {
+          if (wanted < minimum || wanted > maximum) {
+            fail(GC_ERR_INVALID_VALUE, name, " ", wanted, " is not from ", minimum, " to ", maximum);
+          }
+          value = wanted;
+        },
+        {minimum, [maximum] { return maximum; }});
+  };
+  timeout("GVCPAckTimeout", "How long a command waits for its acknowledge", acknowledgeMs_, 10, 10000);
+  if (session_.options.variant == Variant::GigE) {
+    timeout("HeartbeatTimeout", "After how long without a command the device is free again", heartbeatMs_, 500, 600000);
+  }
+}
+
 void Device::describe() {
   const Identity& me = camera().identity();
   ModuleFeatures& f = features_;
@@ -173,6 +197,7 @@ void Device::describe() {
   f.text({"StreamID", "ID of the selected data stream", "Expert"},
          [this] { return streamId(static_cast<std::uint32_t>(selectedStream_.load())); });
   f.select("StreamSelector", {"StreamID"});
+  describeLink();
   f.events({{"ConnectionLost", kConnectionLost, "The device does not answer any more", {}}});
   f.finish();
 }

@@ -54,6 +54,7 @@ class Device final : public Module {
 
  private:
   void describe();
+  void describeLink();
   void closeRemotePort();
 
   Interface& interface_;
@@ -65,6 +66,8 @@ class Device final : public Module {
   RemoteDevice remote_;
   std::atomic<std::size_t> selectedStream_{0};
   std::atomic<std::size_t> knownPayload_{0};
+  std::atomic<std::uint64_t> acknowledgeMs_{500};
+  std::atomic<std::uint64_t> heartbeatMs_{3000};
   std::unique_ptr<Children<DataStream>> children_;
 };
 

@@ -1,4 +1,4 @@
-// The names of all GenTL functions, as numbers for tables and as texts for messages.
+// The names of all exported functions, as numbers for tables and as texts for messages.
 #pragma once
 
 #include <array>
@@ -65,9 +65,22 @@ enum class Function : std::size_t {
   DSGetParentDev,
   DSGetNumBufferParts,
   DSGetBufferPartInfo,
+  nimboStartRecording,
+  nimboStopRecording,
+  nimboOpenRecordings,
+  nimboCloseRecordings,
+  nimboClearAllRecordings,
+  nimboGetRecordingData,
+  nimboSelectRecording,
+  nimboReadRecording,
+  nimboFreeRecordImage,
+  nimboIsRecordingAvailable,
+  nimboGetRecordsInfo,
+  nimboSetFrameRate,
+  nimboSetRGBConversionEnabled,
 };
 
-constexpr std::array<std::string_view, 57> kFunctionNames = {
+constexpr std::array<std::string_view, 70> kFunctionNames = {
     "GCInitLib",
     "GCCloseLib",
     "GCGetInfo",
@@ -125,8 +138,21 @@ constexpr std::array<std::string_view, 57> kFunctionNames = {
     "DSGetParentDev",
     "DSGetNumBufferParts",
     "DSGetBufferPartInfo",
+    "nimboStartRecording",
+    "nimboStopRecording",
+    "nimboOpenRecordings",
+    "nimboCloseRecordings",
+    "nimboClearAllRecordings",
+    "nimboGetRecordingData",
+    "nimboSelectRecording",
+    "nimboReadRecording",
+    "nimboFreeRecordImage",
+    "nimboIsRecordingAvailable",
+    "nimboGetRecordsInfo",
+    "nimboSetFrameRate",
+    "nimboSetRGBConversionEnabled",
 };
-static_assert(static_cast<std::size_t>(Function::DSGetBufferPartInfo) + 1 == kFunctionNames.size());
+static_assert(static_cast<std::size_t>(Function::nimboSetRGBConversionEnabled) + 1 == kFunctionNames.size());
 
 constexpr std::string_view nameOf(Function function) {
   return kFunctionNames[static_cast<std::size_t>(function)];

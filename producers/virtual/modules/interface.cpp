@@ -44,7 +44,7 @@ bool Interface::updateList(std::uint64_t timeoutMs) {
   update_.search(session_.options.deviceUpdateMs, timeoutMs);
   std::vector<CameraSlot*> found;
   for (const auto& slot : session_.cameras) {
-    if (slot->interfaceIndex == index_ && slot->present) {
+    if (slot->interfaceIndex == index_ && slot->present && (ignoreSubnet_ || !slot->foreignSubnet)) {
       found.push_back(slot.get());
     }
   }
@@ -71,8 +71,8 @@ std::string Interface::deviceId(std::uint32_t index) {
 CameraSlot& Interface::find(const std::string& id) {
   const std::lock_guard lock(listMutex_);
   const auto isHere = [&](const CameraSlot& slot) {
-    return slot.interfaceIndex == index_ &&
-           (slot.present || std::find(list_.begin(), list_.end(), &slot) != list_.end());
+    return slot.interfaceIndex == index_ && ((slot.present && (ignoreSubnet_ || !slot.foreignSubnet)) ||
+                                             std::find(list_.begin(), list_.end(), &slot) != list_.end());
   };
   for (const auto& slot : session_.cameras) {
     if (isHere(*slot) && slot->camera->identity().id == id) {
@@ -233,6 +233,11 @@ void Interface::describe() {
   f.select("DeviceSelector",
            {"DeviceID", "DeviceVendorName", "DeviceModelName", "DeviceSerialNumber", "DeviceUserID",
             "DeviceDisplayName", "DeviceAccessStatus", "DeviceTLVersionMajor", "DeviceTLVersionMinor"});
+  if (isNetwork(session_.options.variant)) {
+    f.boolean(
+        {"IgnoreSubnet", "Lists devices whose address does not fit to the interface, too", "Expert"},
+        [this] { return ignoreSubnet_ ? 1 : 0; }, [this](std::uint64_t value) { ignoreSubnet_ = value != 0; });
+  }
   f.events({{"DeviceArrived", kDeviceArrived, "A device was plugged in", {"EventDeviceArrivedNumber"}},
             {"DeviceLost", kDeviceLost, "A device does not answer any more", {"EventDeviceLostNumber"}}});
   f.finish();

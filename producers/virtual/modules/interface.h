@@ -1,6 +1,7 @@
 // An interface module: the cameras that hang on it.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -61,6 +62,7 @@ class Interface final : public Module {
   std::mutex listMutex_;
   std::vector<CameraSlot*> list_;
   std::size_t selected_ = 0;
+  std::atomic<bool> ignoreSubnet_{false};
   std::unique_ptr<Children<Device>> children_;
 };
 

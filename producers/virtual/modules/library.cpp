@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <new>
 
+#include "modules/recorder.h"
 #include "modules/system.h"
 #include "platform/own_path.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::size_t kInterfaces = 2;
 
-ProducerIdentity identify(const std::string& path) {
+ProducerIdentity identify(const std::string& path, const std::string& tlType) {
   ProducerIdentity me;
   me.pathName = path;
   me.name = path.substr(path.find_last_of("/\\") + 1);
@@ -23,7 +24,7 @@ ProducerIdentity identify(const std::string& path) {
   me.vendor = "Kestrova";
   me.model = "Virtual Camera Producer";
   me.version = "1.0.0";
-  me.tlType = TLTypeCustomName;
+  me.tlType = tlType;
   me.displayName = "Kestrova Virtual Camera (" + me.name + ")";
   return me;
 }
@@ -32,18 +33,27 @@ std::unique_ptr<Session> makeSession() {
   auto session = std::make_unique<Session>();
   const std::string path = ownPath();
   session->options = loadOptions(path);
-  session->identity = identify(path);
+  session->identity = identify(path, session->options.cameras.tlType);
   std::vector<std::unique_ptr<Camera>> cameras = makeDefaultCameras(session->options.cameras);
+  if (session->options.variant == Variant::Recording) {
+    session->recorder = std::make_shared<Recorder>(session->options.recordingBytes);
+  }
   const std::size_t perInterface = (cameras.size() + kInterfaces - 1) / kInterfaces;
   for (std::size_t i = 0; i < cameras.size(); ++i) {
     auto slot = std::make_unique<CameraSlot>();
     slot->interfaceIndex = i / perInterface;
     slot->camera = std::move(cameras[i]);
+    const auto& choices = session->options.cameras.choices;
+    if (const auto choice = choices.find(slot->camera->identity().serialNumber); choice != choices.end()) {
+      slot->present = choice->second.plugged;
+      slot->foreignSubnet = choice->second.foreignSubnet;
+    }
     session->cameras.push_back(std::move(slot));
   }
   for (std::size_t i = 0; i < kInterfaces; ++i) {
     const std::string number = std::to_string(i);
-    session->interfaces.push_back({"VirtualInterface" + number, "Virtual Interface " + number, TLTypeCustomName});
+    session->interfaces.push_back(
+        {"VirtualInterface" + number, "Virtual Interface " + number, session->identity.tlType});
   }
   return session;
 }
@@ -92,6 +102,14 @@ ProducerIdentity Library::identity() {
     fail(GC_ERR_NOT_INITIALIZED, "the library is not initialised");
   }
   return session_->identity;
+}
+
+std::shared_ptr<Recorder> Library::recorder() {
+  const std::lock_guard lock(mutex_);
+  if (!session_) {
+    fail(GC_ERR_NOT_INITIALIZED, "the library is not initialised");
+  }
+  return session_->recorder;
 }
 
 void* Library::openSystem() {

@@ -13,6 +13,7 @@
 
 namespace vcam {
 
+class Recorder;
 class System;
 
 // One camera and the cable it hangs on.
@@ -20,6 +21,7 @@ struct CameraSlot {
   std::unique_ptr<Camera> camera;
   std::size_t interfaceIndex = 0;
   std::atomic<bool> present{true};
+  bool foreignSubnet = false;
   // Grows each time the cable is plugged in; a device that was opened before stays lost.
   std::atomic<std::uint64_t> plugs{0};
 };
@@ -48,6 +50,7 @@ struct Session {
   ProducerIdentity identity;
   std::vector<InterfaceEntry> interfaces;
   std::vector<std::unique_ptr<CameraSlot>> cameras;
+  std::shared_ptr<Recorder> recorder;  // in the recording variant
 };
 
 class Library {
@@ -61,6 +64,8 @@ class Library {
   void close();
 
   ProducerIdentity identity();
+  // Null when this producer does not record.
+  std::shared_ptr<Recorder> recorder();
 
   void* openSystem();
   std::unique_ptr<System> takeSystem();

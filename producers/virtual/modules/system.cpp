@@ -161,6 +161,12 @@ void System::describe() {
     return session_.interfaces[selected_].displayName;
   });
   f.select("InterfaceSelector", {"InterfaceID", "InterfaceDisplayName"});
+  if (session_.options.variant == Variant::RealTime) {
+    f.category("RealTimeControl", "The real-time part of the host");
+    f.boolean(
+        {"EnableKitharaIncreasedInterruptInterval", "Lets interrupts of the network card come less often"},
+        [this] { return longInterrupts_ ? 1 : 0; }, [this](std::uint64_t value) { longInterrupts_ = value != 0; });
+  }
   f.events({{"InterfaceListChanged", kInterfaceListChanged, "The list of interfaces has changed", {}}});
   f.finish();
 }

@@ -1,6 +1,7 @@
 // The system module: the producer's interfaces.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -53,6 +54,7 @@ class System final : public Module {
   std::mutex listMutex_;
   bool listed_ = false;  // the interfaces never change, so a list is either empty or complete
   std::uint32_t selected_ = 0;
+  std::atomic<bool> longInterrupts_{true};
   std::unique_ptr<Children<Interface>> children_;
 };
 
