@@ -2,6 +2,7 @@
 #include "discovery/closing.h"
 
 #include <cstdlib>
+#include <vector>
 
 #include "core/global_state.h"
 #include "core/handle_registry.h"
@@ -9,11 +10,25 @@
 #include "core/log_setup.h"
 #include "discovery/tl_discovery.h"
 #include "exit_handler.h"
+#include "gentl/base_module.h"
 #include "gentl/module_lookup.h"
 
 namespace OVI {
 
 namespace {
+
+// Drops every handle. Streams and devices are closed here and now, in this order, also when a thread whose wait was
+// just ended still holds one for a moment: behind it the producer closes.
+void closeModules() {
+  HandleRegistry& registry = HandleRegistry::instance();
+  const std::vector<HandleRegistry::Module> streams = registry.modulesOfKind(ModuleKind::DataStream);
+  const std::vector<HandleRegistry::Module> devices = registry.modulesOfKind(ModuleKind::Device);
+  registry.clear();
+  for (const HandleRegistry::Module& stream : streams)
+    stream->close();
+  for (const HandleRegistry::Module& device : devices)
+    device->close();
+}
 
 void closeAtExit() {
   if (!isInitialized())
@@ -21,7 +36,7 @@ void closeAtExit() {
   setInitialized(false);  // First, so that threads which go on calling find nothing to do any more.
   detachCallback();
   endAllWaits();
-  HandleRegistry::instance().clear();
+  closeModules();
   TLDiscovery::instance().closeAtExit();
 }
 
@@ -32,7 +47,7 @@ oviErr oviClose() {
     return OVI_ERR_NOT_INITIALIZED;
   OVI_LOG_DEBUG("OVI::oviClose") << "Closing Kestrova GenTL consumer library.";
   endAllWaits();
-  HandleRegistry::instance().clear();
+  closeModules();
   TLDiscovery::instance().closeAll();
   setInitialized(false);
   return OVI_SUCCESS;

@@ -10,6 +10,9 @@ void crashHere(volatile int* nowhere) {
   *nowhere = 1;
 }
 
+// Called through this, so that the compiler leaves it a function of its own.
+void (*volatile crash)(volatile int*) = crashHere;
+
 int main(int argc, char** argv) {
   if (argc < 3)
     return 2;
@@ -19,9 +22,9 @@ int main(int argc, char** argv) {
   if (!first.active() || second.active())
     return 3;
   if (mode == "null")
-    crashHere(nullptr);
+    crash(nullptr);
   if (mode == "thread")
-    std::thread([] { crashHere(nullptr); }).join();
+    std::thread([] { crash(nullptr); }).join();
   if (mode == "abort")
     std::abort();
   if (mode == "throw")
