@@ -317,10 +317,10 @@ void ModelBuilder::completeRegister(pugi::xml_node xml, const NodeRecord& record
   };
   const bool hasPort = has(Element::pPort);
   if (!has(Element::Length) && !has(Element::pLength)) {
-    warn(xml, "'" + nameOf(record) + "' has no Length, 4 bytes are assumed");
+    warn(xml, quotedNameOf(record) + " has no Length, 4 bytes are assumed");
   }
   if (!hasPort) {
-    warn(xml, "'" + nameOf(record) + "' has no pPort, the device's port is assumed");
+    warn(xml, quotedNameOf(record) + " has no pPort, the device's port is assumed");
     model_.properties_.push_back(makeProperty(Element::pPort, {}));
   }
 }
@@ -463,7 +463,7 @@ void ModelBuilder::checkRequired(NodeIndex index) {
   };
   const auto require = [&](std::initializer_list<Element> elements, const char* what) {
     if (!has(elements)) {
-      warnings_.add(lines_.lineOf(record.name), "'" + nameOf(record) + "' has no " + what + " and is not implemented");
+      warnings_.add(lines_.lineOf(record.name), quotedNameOf(record) + " has no " + what + " and is not implemented");
       record.broken = true;
     }
   };
