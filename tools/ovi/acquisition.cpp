@@ -2,6 +2,7 @@
 #include "acquisition.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "session.h"
 #include "tool_error.h"
@@ -12,6 +13,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Stops the camera on every way out.
 class Running {
  public:
   explicit Running(const ovi::Device& device) : device_(device) { device_.start(); }
@@ -23,71 +25,94 @@ class Running {
   const ovi::Device& device_;
 };
 
-// Counts an image and the frame IDs between it and the one before.
+double seconds(Clock::duration duration) {
+  return std::chrono::duration<double>(duration).count();
+}
+
+// Counts an image, and the frame IDs between it and the one before.
 class Counter {
  public:
-  void count(const ovi::Image& image, Ledger& ledger) {
-    ++ledger.delivered;
-    ledger.bytes += image.size();
-    if (known_ && image.frameID() > last_ + 1)
-      ledger.lost += image.frameID() - last_ - 1;
-    last_ = image.frameID();
-    known_ = true;
+  explicit Counter(Ledger& ledger) : ledger_(ledger) {}
+
+  void count(const ovi::Image& image) {
+    const Clock::time_point now = Clock::now();
+    ++ledger_.delivered;
+    ledger_.bytes += image.size();
+    if (lastID_ && image.frameID() > *lastID_ + 1)
+      ledger_.missing += image.frameID() - *lastID_ - 1;
+    if (lastID_)
+      ledger_.longestGap = std::max(ledger_.longestGap, seconds(now - last_));
+    const double latency = seconds(now.time_since_epoch() - image.timestamp());
+    latencies_ += std::max(0.0, latency);
+    ledger_.latency = latencies_ / static_cast<double>(ledger_.delivered);
+    lastID_ = image.frameID();
+    last_ = now;
   }
 
  private:
-  bool known_ = false;
-  std::uint64_t last_ = 0;
+  Ledger& ledger_;
+  std::optional<std::uint64_t> lastID_;
+  Clock::time_point last_;
+  double latencies_ = 0;
 };
+
+bool isEnough(const AcquisitionOptions& options, const Ledger& ledger) {
+  return interrupted() || (options.frames != 0 && ledger.delivered >= options.frames) ||
+         (options.seconds > 0 && ledger.seconds >= options.seconds);
+}
 
 }  // namespace
 
-Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options,
-               const std::function<void(const ovi::Image&, const Ledger&)>& take) {
+Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, const AcquisitionReports& reports) {
+  constexpr std::chrono::milliseconds kLongestWait{200};  // so that Ctrl-C is noticed soon
+  constexpr std::chrono::milliseconds kSilence{500};
   Ledger ledger;
-  Counter counter;
+  Counter counter(ledger);
   const ovi::Stream stream = device.openStream(options.buffers);
   const Running running(device);
-  const auto start = Clock::now();
-  auto lastImage = start;
-  const auto elapsed = [&] { return std::chrono::duration<double>(Clock::now() - start).count(); };
-  while (!interrupted() && (options.frames == 0 || ledger.delivered < options.frames) &&
-         (options.seconds <= 0 || elapsed() < options.seconds)) {
+  const Clock::time_point start = Clock::now();
+  Clock::time_point lastSign = start;
+  while (!isEnough(options, ledger)) {
     std::error_code error;
-    // Short waits, so that Ctrl-C is noticed soon.
-    const auto wait = std::min(options.timeout, std::chrono::milliseconds(200));
-    const std::unique_ptr<ovi::Image> image = stream.tryNext(wait, error);
-    ledger.seconds = elapsed();
+    const std::unique_ptr<ovi::Image> image = stream.tryNext(std::min(options.timeout, kLongestWait), error);
+    const Clock::time_point now = Clock::now();
+    ledger.seconds = seconds(now - start);
     if (image) {
-      lastImage = Clock::now();
-      counter.count(*image, ledger);
-      take(*image, ledger);
+      counter.count(*image);
+      if (reports.image)
+        reports.image(*image, ledger);
     } else if (error.value() == OVI_ERR_INVALID_BUFFER) {
-      lastImage = Clock::now();
       ++ledger.incomplete;
-    } else if (error.value() == OVI_ERR_TIMEOUT) {
-      if (Clock::now() - lastImage >= options.timeout) {
+    } else if (error.value() != OVI_ERR_TIMEOUT) {
+      throw ToolError("waiting for an image failed: " + error.message(), "the same command with --verbose");
+    } else {
+      ledger.waiting = now - lastSign >= kSilence;
+      if (now - lastSign >= options.timeout && !options.patient) {
         ledger.timedOut = true;
         break;
       }
-    } else {
-      throw ToolError("waiting for an image failed: " + error.message(), "ovi --verbose stream");
     }
+    if (error.value() != OVI_ERR_TIMEOUT) {
+      // Saving an image takes time in which none can come.
+      lastSign = Clock::now();
+      ledger.waiting = false;
+    }
+    if (reports.progress)
+      reports.progress(stream, ledger);
   }
-  ledger.seconds = elapsed();
-  ledger.underruns = stream.statistics().underruns;
+  ledger.seconds = seconds(Clock::now() - start);
+  const std::uint64_t underruns = stream.statistics().underruns;
+  ledger.underruns = underruns == ~std::uint64_t{0} ? 0 : underruns;
   return ledger;
 }
 
-std::string silenceReason(const ovi::Device& device) {
+std::string triggerText(const ovi::Device& device) {
   char mode[512] = {};
   char source[512] = {};
-  if (oviGetFeature(device.handle(), "TriggerMode", mode) == OVI_SUCCESS && std::string(mode) == "On") {
-    oviGetFeature(device.handle(), "TriggerSource", source);
-    return "the camera waits for a trigger (TriggerMode = On, TriggerSource = " + std::string(source) +
-           "); ovi set TriggerMode=Off lets it run freely";
-  }
-  return "is the camera connected and sending? ovi features Acquisition shows how it is set";
+  if (oviGetFeature(device.handle(), "TriggerMode", mode) != OVI_SUCCESS || std::string(mode) != "On")
+    return {};
+  oviGetFeature(device.handle(), "TriggerSource", source);
+  return "TriggerMode = On, TriggerSource = " + std::string(source);
 }
 
 }  // namespace tool

@@ -1,41 +1,67 @@
 // Images from one camera for a command: stream, start, what came and what was lost, stop.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
 
 #include "ovi/ovi.hpp"
 
 namespace tool {
 
-/// What happened to the images of one acquisition.
+/// What happened to the images of one acquisition. Every image that the camera made between the first and the last one
+/// delivered is in delivered, incomplete, noBuffer or onTheWay.
 struct Ledger {
   std::uint64_t delivered = 0;
-  std::uint64_t lost = 0;        ///< frame IDs that never came
   std::uint64_t incomplete = 0;  ///< came without all of their data
+  std::uint64_t missing = 0;     ///< frame IDs that were not delivered, whatever the reason
   std::uint64_t underruns = 0;   ///< no buffer was free for them, as the producer counts
+  std::uint64_t badPattern = 0;  ///< delivered, but not showing the test pattern
   std::uint64_t bytes = 0;
   double seconds = 0;
+  double latency = 0;     ///< seconds from the library's time stamp to the program, the mean
+  double longestGap = 0;  ///< seconds between two images
   bool timedOut = false;
+  bool waiting = false;  ///< no image for half a second
 
   double framesPerSecond() const { return seconds > 0 ? static_cast<double>(delivered) / seconds : 0.0; }
+  double bytesPerSecond() const { return seconds > 0 ? static_cast<double>(bytes) / seconds : 0.0; }
+  std::uint64_t lost() const { return missing > incomplete ? missing - incomplete : 0; }
+  std::uint64_t noBuffer() const { return std::min(lost(), underruns); }
+  std::uint64_t onTheWay() const { return lost() - noBuffer(); }
+  std::uint64_t made() const { return delivered + incomplete + lost(); }
 };
+
+/// "250.0 frames/s, 19.2 MB/s"
+std::string rateText(const Ledger& ledger);
+/// The losses in numbers.
+std::string lossText(const Ledger& ledger);
+/// What the ledger means and what to do about it.
+std::string verdictText(const Ledger& ledger);
+nlohmann::ordered_json ledgerJson(const Ledger& ledger);
 
 struct AcquisitionOptions {
   std::uint64_t frames = 0;  ///< 0: until interrupted
   double seconds = 0;        ///< 0: without limit
   std::uint32_t buffers = 16;
   std::chrono::milliseconds timeout{3000};
+  bool patient = false;  ///< waits for triggers without end
+};
+
+/// What acquire tells while it is at it, on its own thread.
+struct AcquisitionReports {
+  std::function<void(const ovi::Image&, Ledger&)> image;  ///< may count what it finds wrong with the image
+  std::function<void(const ovi::Stream&, const Ledger&)> progress;
 };
 
 /// Takes images until enough came, the time is over, no image came within the time-out, or the user interrupts. The
 /// camera is stopped and everything closed on every way out.
-/// @param take  called with each image and the ledger so far
-Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options,
-               const std::function<void(const ovi::Image&, const Ledger&)>& take);
+Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, const AcquisitionReports& reports);
 
-/// Why no image comes, in words, as far as the camera's features tell.
-std::string silenceReason(const ovi::Device& device);
+/// "TriggerMode = On, TriggerSource = Line1" when the camera waits for a trigger, else empty.
+std::string triggerText(const ovi::Device& device);
 
 }  // namespace tool

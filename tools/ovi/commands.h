@@ -21,6 +21,16 @@ void addGet(CLI::App& app, CommonOptions& common, Action& action);
 void addSet(CLI::App& app, CommonOptions& common, Action& action);
 void addGrab(CLI::App& app, CommonOptions& common, Action& action);
 void addStream(CLI::App& app, CommonOptions& common, Action& action);
+void addFile(CLI::App& app, CommonOptions& common, Action& action);
+void addMem(CLI::App& app, CommonOptions& common, Action& action);
+void addWatch(CLI::App& app, CommonOptions& common, Action& action);
+void addSave(CLI::App& app, CommonOptions& common, Action& action);
+void addLoad(CLI::App& app, CommonOptions& common, Action& action);
+void addDiff(CLI::App& app, CommonOptions& common, Action& action);
+void addScan(CLI::App& app, CommonOptions& common, Action& action);
+void addBench(CLI::App& app, CommonOptions& common, Action& action);
+void addDoctor(CLI::App& app, CommonOptions& common, Action& action);
+void addProbe(CLI::App& app, CommonOptions& common, Action& action);
 
 /// The option that names the camera, for commands that work on one.
 void addCameraOption(CLI::App& command, CommonOptions& common);

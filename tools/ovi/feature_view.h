@@ -1,11 +1,11 @@
-// Features as the tool shows, sets and explains them.
+// Features as the tool shows them.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "ovi/ovi.hpp"
+#include "module_view.h"
 
 namespace tool {
 
@@ -13,6 +13,7 @@ namespace tool {
 struct FeatureNode {
   std::string name;
   unsigned depth = 0;
+  std::string category;  ///< the one that it is in
   ovi::FeatureParameter parameter{};
   std::string value;  ///< as text; empty when it cannot be read
 };
@@ -22,22 +23,22 @@ std::string kindText(std::uint32_t featureType);
 /// "rw", "ro", "wo", "--" for an access mode.
 std::string accessModeText(std::uint32_t accessMode);
 std::string visibilityText(std::uint32_t visibility);
-/// The limits in words, "16 .. 4096, step 16", or the entries of an enumeration.
-std::string rangeText(const ovi::Device& device, ovi::Module module, const ovi::FeatureParameter& parameter);
 
-/// Module by its name on the command line: system, interface, device, local, stream. Throws ToolError.
-ovi::Module moduleFromText(const std::string& text);
+bool isReadable(const ovi::FeatureParameter& parameter);
+bool isWritable(const ovi::FeatureParameter& parameter);
 
-/// The features below a root in tree order, each once.
-std::vector<FeatureNode> featureTree(const ovi::Device& device, ovi::Module module, bool withValues);
+/// The shortest text that reads back as the same number.
+std::string numberText(double value);
 
-/// A feature's value as text. Throws ToolError that says why it cannot be read.
-std::string readFeature(const ovi::Device& device, ovi::Module module, const std::string& name);
+/// The names of the entries that an enumeration has now.
+std::vector<std::string> entryNames(const ModuleView& view, const std::string& name);
 
-/// Sets a feature from text and returns what it reads afterwards. Throws ToolError that names the legal values.
-std::string writeFeature(const ovi::Device& device, ovi::Module module, const std::string& name,
-                         const std::string& value);
+/// The limits in words, "16 .. 4096, step 16", or the entries of an enumeration; empty when there are none now.
+std::string rangeText(const ModuleView& view, const ovi::FeatureParameter& parameter);
 
-nlohmann::ordered_json featureJson(const ovi::Device& device, ovi::Module module, const FeatureNode& node);
+/// The features below the root in tree order, each once.
+std::vector<FeatureNode> featureTree(const ModuleView& view, bool withValues);
+
+nlohmann::ordered_json featureJson(const ModuleView& view, const FeatureNode& node);
 
 }  // namespace tool

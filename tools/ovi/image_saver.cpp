@@ -14,7 +14,7 @@ SaveFormat saveFormatFromText(const std::string& text) {
     return SaveFormat::kPng;
   if (equalsIgnoringCase(text, "raw"))
     return SaveFormat::kRaw;
-  throw ToolError("there is no image format \"" + text + "\"", "png or raw", ExitCode::kUsage);
+  throw ToolError("there is no image format \"" + text + "\"", "--format png, raw or none", ExitCode::kUsage);
 }
 
 void saveImage(const ovi::Image& image, const std::filesystem::path& file, SaveFormat format) {

@@ -13,8 +13,10 @@
 
 namespace {
 
-constexpr std::array<tool::AddCommand, 7> kCommands = {tool::addList, tool::addInfo, tool::addFeatures, tool::addGet,
-                                                       tool::addSet,  tool::addGrab, tool::addStream};
+constexpr std::array kCommands = {tool::addList,   tool::addInfo, tool::addFeatures, tool::addGet,  tool::addSet,
+                                  tool::addWatch,  tool::addGrab, tool::addStream,   tool::addScan, tool::addBench,
+                                  tool::addSave,   tool::addLoad, tool::addDiff,     tool::addFile, tool::addMem,
+                                  tool::addDoctor, tool::addProbe};
 
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
   const bool terminal = tool::standardErrorIsTerminal();
@@ -28,12 +30,13 @@ int report(const std::string& message, const std::string& hint, tool::ExitCode c
 int reportUsage(CLI::App& app, const CLI::ParseError& error, const std::vector<std::string>& arguments) {
   std::vector<std::string> names;
   for (const CLI::App* command : app.get_subcommands({}))
-    names.push_back(command->get_name());
+    if (!command->get_group().empty())
+      names.push_back(command->get_name());
   const auto word = std::find_if(arguments.begin(), arguments.end(), [](const std::string& a) { return a[0] != '-'; });
   if (word != arguments.end() && std::find(names.begin(), names.end(), *word) == names.end()) {
     const std::string nearest = tool::nearestMatch(*word, names);
     return report("there is no command \"" + *word + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?"),
-                  nearest.empty() ? "ovi --help" : "ovi " + nearest, tool::ExitCode::kUsage);
+                  nearest.empty() ? "ovi --help" : "ovi " + nearest + " --help", tool::ExitCode::kUsage);
   }
   return report(error.what(), word == arguments.end() ? "ovi --help" : "ovi " + *word + " --help",
                 tool::ExitCode::kUsage);
@@ -77,6 +80,10 @@ int run(const std::vector<std::string>& arguments) {
   app.add_flag("--json", common.json, "Print data as JSON");
   app.add_flag("-v,--verbose", common.verbose, "Show the library's log on standard error");
   app.add_option("--producer", common.producer, "Use this producer file only")->type_name("FILE.cti");
+  app.add_option("--set", common.assignments,
+                 "Set this first, on every camera that is opened; may be given several times")
+      ->type_name("FEATURE=VALUE")
+      ->allow_extra_args(false);
   app.add_option("--timeout", common.timeout, "Milliseconds for each list of cameras to be updated");
   for (const tool::AddCommand add : kCommands)
     add(app, common, action);

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <optional>
 
-#include "text.h"
+#include "hex.h"
 #include "tool_error.h"
 
 namespace tool {
@@ -30,6 +30,8 @@ constexpr std::array kFormats = {
     Format{0x01100005, "Mono12", Layout::kUnpacked, 1, 12, "L"},
     Format{0x01100025, "Mono14", Layout::kUnpacked, 1, 14, "L"},
     Format{0x01100007, "Mono16", Layout::kUnpacked, 1, 16, "L"},
+    Format{0x010800C6, "Confidence8", Layout::kUnpacked, 1, 8, "L"},
+    Format{0x011000B8, "Coord3D_C16", Layout::kUnpacked, 1, 16, "L"},
     Format{0x010A0046, "Mono10p", Layout::kPackedBits, 1, 10, "L"},
     Format{0x010C0047, "Mono12p", Layout::kPackedBits, 1, 12, "L"},
     Format{0x01080008, "BayerGR8", Layout::kBayer, 1, 8, "GRBG"},
@@ -141,11 +143,7 @@ Picture decodeBayer(std::span<const std::uint8_t> data, std::uint32_t width, std
 std::string pixelFormatName(std::uint32_t pixelFormat) {
   if (const Format* format = findFormat(pixelFormat))
     return format->name;
-  static constexpr const char* kDigits = "0123456789ABCDEF";
-  std::string text = "0x00000000";
-  for (std::size_t i = 0; i < 8; ++i)
-    text[9 - i] = kDigits[(pixelFormat >> (4 * i)) & 0xFU];
-  return text;
+  return hexNumber(pixelFormat, 8);
 }
 
 Picture decodePicture(std::span<const std::uint8_t> data, std::uint32_t width, std::uint32_t height,

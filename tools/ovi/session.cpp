@@ -19,8 +19,15 @@ constexpr std::size_t kMaxMessages = 200;
 
 volatile std::sig_atomic_t interruptFlag = 0;
 
-void onInterrupt(int /*signal*/) {
+// The first one lets the command stop the camera and close everything; a second one ends the process as usual.
+void onInterrupt(int signal) {
   interruptFlag = 1;
+  std::signal(signal, SIG_DFL);
+}
+
+// As a shell would need it.
+std::string quoted(const std::string& word) {
+  return word.find_first_of(" \t\"'$&|;<>()*?\\") == std::string::npos ? word : "\"" + word + "\"";
 }
 
 // Folders in which the virtual camera may be installed, beside the tool or in the library's own folder.
@@ -135,7 +142,7 @@ std::string Session::searchPath() const {
     const std::filesystem::path file = std::filesystem::absolute(pathFromText(options_.producer));
     std::error_code error;
     if (!std::filesystem::exists(file, error))
-      throw ToolError("there is no producer " + pathText(file), "give the path of a .cti file");
+      throw ToolError("there is no producer " + pathText(file), "give the path of a .cti file", ExitCode::kUsage);
     return pathText(std::filesystem::is_directory(file, error) ? file : file.parent_path());
   }
   // The environment's folders are searched anyway; the virtual camera joins them unless it is there already.
@@ -179,7 +186,7 @@ const std::vector<Camera>& Session::cameras() {
 const Camera& Session::pick(const std::string& name) {
   const std::vector<Camera>& all = cameras();
   if (all.empty())
-    throw ToolError("no camera was found\n" + explainNoCameras(), "ovi doctor");
+    throw ToolError("no camera was found\n" + explainNoCameras(), command("doctor", {}));
 
   std::vector<const Camera*> matches;
   const auto collect = [&](auto&& matchesCamera) {
@@ -223,25 +230,45 @@ const Camera& Session::pick(const std::string& name) {
   const std::string nearest = nearestMatch(name, names);
   throw ToolError("there is no camera \"" + name + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
                       " There are:" + cameraLines(present),
-                  "ovi list", ExitCode::kUsage);
+                  command("list", {}), ExitCode::kUsage);
 }
 
-ovi::Device Session::open(const std::string& name, ovi::Access access) {
+ovi::Device Session::open(const std::string& name, Use use) {
   const Camera& camera = pick(name.empty() ? options_.camera : name);
   takeMessages();
-  try {
+  const auto openWith = [&](ovi::Access access) {
     return ovi::Device(toLibraryText(camera.id), access, std::chrono::milliseconds(options_.timeout));
+  };
+  const auto held = [](const ovi::Error& error) {
+    return error.result() == OVI_ERR_NO_ACCESS || error.result() == OVI_ERR_RESOURCE_IN_USE;
+  };
+  try {
+    if (use == Use::kControl)
+      return openWith(ovi::Access::kExclusive);
+    try {
+      return openWith(ovi::Access::kControl);
+    } catch (const ovi::Error& error) {
+      if (!held(error))
+        throw;
+      return openWith(ovi::Access::kReadOnly);
+    }
   } catch (const ovi::Error& error) {
     const std::vector<std::string> messages = takeMessages();
-    std::string reason = error.code().message();
-    if (!messages.empty())
-      reason = messages.back();
-    throw ToolError(
-        "cannot open camera " + camera.shortName() + " (" + camera.model + "): " + reason,
-        camera.accessStatus == 4 || error.result() == OVI_ERR_NO_ACCESS || error.result() == OVI_ERR_RESOURCE_IN_USE
-            ? "another program holds it: close that program, then try again"
-            : "ovi list");
+    const std::string reason = messages.empty() ? error.code().message() : messages.back();
+    throw ToolError("cannot open camera " + camera.shortName() + " (" + camera.model + "): " + reason,
+                    camera.accessStatus == 4 || held(error)
+                        ? "another program holds it: close that program, then " + command("info", camera.shortName())
+                        : command("list"));
   }
+}
+
+std::string Session::command(const std::string& words) const {
+  return command(words, options_.camera);
+}
+
+std::string Session::command(const std::string& words, const std::string& camera) const {
+  return "ovi " + words + (options_.producer.empty() ? "" : " --producer " + quoted(options_.producer)) +
+         (camera.empty() ? "" : " --camera " + quoted(camera));
 }
 
 std::vector<std::string> Session::producers() {
@@ -251,16 +278,19 @@ std::vector<std::string> Session::producers() {
   return paths;
 }
 
-std::string Session::explainNoCameras() {
+std::vector<std::string> Session::folders() const {
   std::vector<std::string> folders;
-  const std::string environment = environmentVariable("GENICAM_GENTL64_PATH");
   if (options_.producer.empty())
-    folders = split(environment, searchPathSeparator());
+    folders = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparator());
   if (const std::string own = searchPath(); !own.empty())
     folders.push_back(own);
+  return folders;
+}
 
+std::string Session::explainNoCameras() {
+  const std::vector<std::string> searched = folders();
   std::string text = "  searched: ";
-  text += folders.empty() ? "no folder at all; GENICAM_GENTL64_PATH is not set" : join(folders, ", ");
+  text += searched.empty() ? "no folder at all; GENICAM_GENTL64_PATH is not set" : join(searched, ", ");
   const std::vector<std::string> files = producers();
   text +=
       "\n  producers: " + (files.empty() ? std::string("none (no *.cti file in these folders)") : join(files, ", "));

@@ -16,8 +16,9 @@ namespace tool {
 struct CommonOptions {
   bool json = false;
   bool verbose = false;
-  std::string producer;  ///< one producer file; then no other is used
-  std::string camera;    ///< which camera is meant; may be empty
+  std::string producer;                  ///< one producer file; then no other is used
+  std::string camera;                    ///< which camera is meant; may be empty
+  std::vector<std::string> assignments;  ///< FEATURE=VALUE, set on every camera that is opened
   unsigned timeout = 1000;
 };
 
@@ -46,6 +47,12 @@ struct Camera {
 /// "available", "in use by another program", ... for a GenTL access status.
 std::string accessText(std::uint32_t accessStatus);
 
+/// What a command does with the camera that it opens.
+enum class Use {
+  kRead,    ///< looks only; a camera that another program holds is opened for reading, when its producer lets us
+  kControl  ///< sets it or takes its images
+};
+
 class Session {
  public:
   explicit Session(const CommonOptions& options);
@@ -60,7 +67,15 @@ class Session {
   const Camera& pick(const std::string& name);
 
   /// Opens the camera of the common options, or the one that is named.
-  ovi::Device open(const std::string& name = {}, ovi::Access access = ovi::Access::kExclusive);
+  ovi::Device open(const std::string& name = {}, Use use = Use::kControl);
+
+  /// A command line to try next: "ovi", the words, and the options that were given to choose producer and camera.
+  std::string command(const std::string& words) const;
+  /// The same with this camera instead of the one that was given.
+  std::string command(const std::string& words, const std::string& camera) const;
+
+  /// Folders that are searched for producers.
+  std::vector<std::string> folders() const;
 
   /// Producer files on the search path.
   std::vector<std::string> producers();

@@ -97,6 +97,12 @@ void printData(std::string_view text) {
   std::fflush(dataStream);
 }
 
+void printTable(const Table& table) {
+  std::string text = table.text(standardOutputIsTerminal());
+  text.pop_back();
+  printData(text);
+}
+
 void printNote(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stderr);
   std::fputc('\n', stderr);

@@ -53,6 +53,9 @@ void setDataStream(std::FILE* stream);
 /// Writes a line to standard output, data that other programs may read.
 void printData(std::string_view text);
 
+/// Writes a table to standard output, aligned when that is a terminal.
+void printTable(const Table& table);
+
 /// Writes a line to standard error, for people.
 void printNote(std::string_view text);
 

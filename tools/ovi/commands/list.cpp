@@ -2,7 +2,6 @@
 #include <nlohmann/json.hpp>
 
 #include "commands.h"
-#include "platform/console.h"
 #include "terminal.h"
 #include "tool_error.h"
 
@@ -39,14 +38,12 @@ void list(Session& session) {
     return;
   }
   if (cameras.empty())
-    throw ToolError("no camera was found\n" + session.explainNoCameras(), "ovi doctor");
+    throw ToolError("no camera was found\n" + session.explainNoCameras(), session.command("doctor", {}));
   Table table({"#", "model", "serial", "name", "type", "interface", "state"});
   for (const Camera& camera : cameras)
     table.add({std::to_string(camera.number), camera.model, camera.serial, camera.userName, camera.tlType,
                camera.interfaceName, accessText(camera.accessStatus) + (camera.isVirtual ? ", virtual" : "")});
-  std::string text = table.text(standardOutputIsTerminal());
-  text.pop_back();
-  printData(text);
+  printTable(table);
 }
 
 void info(Session& session, const std::string& name) {

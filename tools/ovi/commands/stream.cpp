@@ -1,12 +1,15 @@
-// ovi grab and stream: images from a camera.
+// ovi stream: images from one camera or several, counted, checked and saved.
 #include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "acquisition.h"
 #include "commands.h"
 #include "image_saver.h"
+#include "module_view.h"
 #include "paths.h"
-#include "picture.h"
+#include "pattern_check.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -17,111 +20,271 @@ namespace {
 
 struct StreamOptions {
   AcquisitionOptions acquisition;
+  std::vector<std::string> cameras;
   std::string folder;
   std::string format = "png";
+  std::uint32_t buffers = 0;
+  unsigned imageTimeout = 3000;
+  bool all = false;
+  bool checkPattern = false;
 };
 
-std::string rateText(const Ledger& ledger) {
-  const double bytesPerSecond = ledger.seconds > 0 ? static_cast<double>(ledger.bytes) / ledger.seconds : 0.0;
-  return fixedText(ledger.framesPerSecond(), 1) + " frames/s, " + fixedText(bytesPerSecond / 1e6, 1) + " MB/s";
-}
+// One camera's acquisition, on a thread of its own.
+class Run {
+ public:
+  Run(Session& session, const Camera& camera, const StreamOptions& options, std::filesystem::path folder)
+      : name_(camera.shortName()),
+        options_(options),
+        json_(session.options().json),
+        folder_(std::move(folder)),
+        view_(session, "device", Use::kControl, camera.id),
+        device_(view_.device()) {
+    acquisition_ = options.acquisition;
+    acquisition_.timeout = std::chrono::milliseconds(options.imageTimeout);
+    acquisition_.buffers = options.buffers != 0 ? options.buffers : usualBuffers();
+    if (options.checkPattern)
+      pattern_ = std::make_unique<TestPattern>(device_);
+    trigger_ = triggerText(device_);
+    acquisition_.patient = !trigger_.empty() && (acquisition_.frames == 0 || acquisition_.seconds > 0);
+  }
+  ~Run() { join(); }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
 
-std::string lossText(const Ledger& ledger) {
-  return std::to_string(ledger.lost) + " lost, " + std::to_string(ledger.incomplete) + " incomplete, " +
-         std::to_string(ledger.underruns) + " without a free buffer";
-}
+  void start() {
+    thread_ = std::thread([this] { work(); });
+  }
+  void join() {
+    if (thread_.joinable())
+      thread_.join();
+  }
+  bool done() const {
+    const std::lock_guard lock(mutex_);
+    return done_;
+  }
+  Ledger ledger() const {
+    const std::lock_guard lock(mutex_);
+    return ledger_;
+  }
+  std::exception_ptr failure() const { return failure_; }
+  const std::string& name() const { return name_; }
+  const std::string& trigger() const { return trigger_; }
 
-nlohmann::ordered_json ledgerJson(const Ledger& ledger) {
-  nlohmann::ordered_json json;
-  json["frames"] = ledger.delivered;
-  json["seconds"] = ledger.seconds;
-  json["framesPerSecond"] = ledger.framesPerSecond();
-  json["bytes"] = ledger.bytes;
-  json["lost"] = ledger.lost;
-  json["incomplete"] = ledger.incomplete;
-  json["underruns"] = ledger.underruns;
-  json["timedOut"] = ledger.timedOut;
-  return json;
-}
+  // The camera's part of the live line.
+  std::string liveText() const {
+    const std::lock_guard lock(mutex_);
+    std::string text = std::to_string(ledger_.delivered) + " frames, " + rateText(ledger_) + ", " +
+                       std::to_string(ledger_.lost()) + " lost, " + std::to_string(ledger_.incomplete) +
+                       " incomplete, latency " + fixedText(ledger_.latency * 1e6, 0) + " us";
+    if (filled_ >= 0)
+      text += ", " + std::to_string(filled_) + " of " + std::to_string(acquisition_.buffers) + " buffers filled";
+    if (ledger_.waiting)
+      text += trigger_.empty() ? ", waiting for an image" : ", waiting for a trigger (" + trigger_ + ")";
+    return text;
+  }
 
-void grab(Session& session, const std::string& output) {
-  const std::filesystem::path file = pathFromText(output);
-  const SaveFormat format = file.extension() == ".raw" ? SaveFormat::kRaw : SaveFormat::kPng;
-  const ovi::Device device = session.open();
-  AcquisitionOptions options;
-  options.frames = 1;
-  options.buffers = 4;
-  std::string description;
-  const Ledger ledger = acquire(device, options, [&](const ovi::Image& image, const Ledger&) {
+ private:
+  // Writing files is slower than a camera: with a known number of images there is a buffer for each, as far as memory
+  // goes.
+  std::uint32_t usualBuffers() const {
+    constexpr std::uint64_t kUsual = 16;
+    constexpr std::uint64_t kMemory = std::uint64_t{1} << 30U;
+    std::int64_t size = 0;
+    if (folder_.empty() || acquisition_.frames == 0 || oviGetImageSize(device_.handle(), &size) != OVI_SUCCESS ||
+        size <= 0)
+      return kUsual;
+    const std::uint64_t wanted = std::max(kUsual, acquisition_.frames + 4);
+    return static_cast<std::uint32_t>(std::min(wanted, std::max(kUsual, kMemory / static_cast<std::uint64_t>(size))));
+  }
+
+  void work() {
+    Ledger result;
+    try {
+      AcquisitionReports reports;
+      reports.image = [this](const ovi::Image& image, Ledger& ledger) { take(image, ledger); };
+      reports.progress = [this](const ovi::Stream& stream, const Ledger& ledger) { publish(stream, ledger); };
+      result = acquire(device_, acquisition_, reports);
+    } catch (...) {
+      failure_ = std::current_exception();
+      result = ledger();
+    }
+    const std::lock_guard lock(mutex_);
+    ledger_ = result;
+    done_ = true;
+  }
+
+  void take(const ovi::Image& image, Ledger& ledger) {
+    if (pattern_ && !check_.matches(image))
+      ++ledger.badPattern;
+    if (folder_.empty())
+      return;
+    const SaveFormat format = saveFormatFromText(options_.format);
+    const std::filesystem::path file = folder_ / imageFileName(image, format);
     saveImage(image, file, format);
-    description = std::to_string(image.width()) + " x " + std::to_string(image.height()) + " " +
-                  pixelFormatName(image.pixelFormat()) + ", frame " + std::to_string(image.frameID());
-  });
-  if (ledger.delivered == 0)
-    throw ToolError(interrupted() ? "interrupted" : "no image came within 3 seconds: " + silenceReason(device), {},
-                    interrupted() ? ExitCode::kInterrupted : ExitCode::kFailure);
-  printNote("saved " + output + " (" + description + ")");
+    if (!json_)
+      printData(pathText(file));
+  }
+
+  void publish(const ovi::Stream& stream, const Ledger& ledger) {
+    const auto now = std::chrono::steady_clock::now();
+    const std::lock_guard lock(mutex_);
+    ledger_ = ledger;
+    if (now - asked_ < std::chrono::milliseconds(250))
+      return;
+    asked_ = now;
+    if (oviGetFeatureInt(stream.handle(), "StreamOutputBufferCount", &filled_, OVI_MODULE_DATA_STREAM) != OVI_SUCCESS)
+      filled_ = -1;
+  }
+
+  std::string name_;
+  const StreamOptions& options_;
+  bool json_;
+  std::filesystem::path folder_;
+  ModuleView view_;
+  const ovi::Device& device_;
+  AcquisitionOptions acquisition_;
+  std::unique_ptr<TestPattern> pattern_;
+  PatternCheck check_;
+  std::string trigger_;
+  std::exception_ptr failure_;
+  mutable std::mutex mutex_;
+  Ledger ledger_;
+  std::int64_t filled_ = -1;
+  std::chrono::steady_clock::time_point asked_;
+  bool done_ = false;
+  std::thread thread_;
+};
+
+std::vector<const Camera*> chosenCameras(Session& session, const StreamOptions& options) {
+  std::vector<const Camera*> chosen;
+  if (options.all) {
+    for (const Camera& camera : session.cameras())
+      chosen.push_back(&camera);
+    if (!chosen.empty())
+      return chosen;
+  }
+  if (options.cameras.empty())
+    chosen.push_back(&session.pick(session.options().camera));
+  for (const std::string& name : options.cameras) {
+    const Camera& camera = session.pick(name);
+    if (std::find(chosen.begin(), chosen.end(), &camera) != chosen.end())
+      throw ToolError("camera " + camera.shortName() + " is named twice", session.command("list", {}),
+                      ExitCode::kUsage);
+    chosen.push_back(&camera);
+  }
+  return chosen;
+}
+
+std::filesystem::path makeFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error)
+    throw ToolError("cannot make the folder " + pathText(folder) + ": " + error.message());
+  return folder;
+}
+
+void showProgress(ProgressLine& line, const std::vector<std::unique_ptr<Run>>& runs, std::uint64_t frames) {
+  double fraction = frames == 0 ? -1.0 : 1.0;
+  std::string text;
+  for (const auto& run : runs) {
+    if (frames != 0)
+      fraction = std::min(fraction, static_cast<double>(run->ledger().delivered) / static_cast<double>(frames));
+    text += (text.empty() ? "" : " | ") + (runs.size() == 1 ? "" : run->name() + ": ") + run->liveText();
+  }
+  line.show(fraction, text);
+}
+
+void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& runs) {
+  nlohmann::ordered_json all = nlohmann::ordered_json::array();
+  for (const auto& run : runs) {
+    const Ledger ledger = run->ledger();
+    nlohmann::ordered_json json{{"camera", run->name()}};
+    json.update(ledgerJson(ledger));
+    all.push_back(std::move(json));
+    if (session.options().json)
+      continue;
+    printNote((runs.size() == 1 ? "" : run->name() + ": ") + std::to_string(ledger.delivered) + " frames in " +
+              fixedText(ledger.seconds, 2) + " s, " + rateText(ledger) + "; " + lossText(ledger));
+    printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger));
+  }
+  if (session.options().json)
+    printData(runs.size() == 1 ? all.front().dump(2) : all.dump(2));
+}
+
+void failForRuns(const Session& session, const StreamOptions& options, const std::vector<std::unique_ptr<Run>>& runs) {
+  for (const auto& run : runs)
+    if (run->failure())
+      std::rethrow_exception(run->failure());
+  for (const auto& run : runs) {
+    if (!run->ledger().timedOut)
+      continue;
+    const std::string text = run->name() + ": no image came within " + std::to_string(options.imageTimeout) + " ms";
+    if (run->trigger().empty())
+      throw ToolError(text, session.command("features Acquisition", run->name()));
+    throw ToolError(text + ": the camera is waiting for a trigger (" + run->trigger() + ")",
+                    session.command("set TriggerMode=Off", run->name()));
+  }
+  if (interrupted())
+    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+  for (const auto& run : runs)
+    if (run->ledger().badPattern > 0)
+      throw ToolError(run->name() + ": " + std::to_string(run->ledger().badPattern) +
+                      " images did not show the test pattern");
 }
 
 void stream(Session& session, const StreamOptions& options) {
-  const SaveFormat format = saveFormatFromText(options.format);
-  const std::filesystem::path folder = pathFromText(options.folder);
-  if (!options.folder.empty()) {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error)
-      throw ToolError("cannot make the folder " + options.folder + ": " + error.message());
-  }
-  const ovi::Device device = session.open();
-  ProgressLine line;
-  const Ledger ledger = acquire(device, options.acquisition, [&](const ovi::Image& image, const Ledger& soFar) {
-    if (!options.folder.empty()) {
-      const std::filesystem::path file = folder / imageFileName(image, format);
-      saveImage(image, file, format);
-      if (!session.options().json)
-        printData(pathText(file));
+  const bool saves = !options.folder.empty() && !equalsIgnoringCase(options.format, "none");
+  if (!equalsIgnoringCase(options.format, "none"))
+    saveFormatFromText(options.format);
+  const std::vector<const Camera*> cameras = chosenCameras(session, options);
+  std::vector<std::unique_ptr<Run>> runs;
+  for (const Camera* camera : cameras) {
+    std::filesystem::path folder;
+    if (saves) {
+      const std::filesystem::path base = pathFromText(options.folder);
+      folder = makeFolder(cameras.size() == 1 ? base : base / pathFromText(camera->shortName()));
     }
-    const double fraction = options.acquisition.frames == 0 ? -1.0
-                                                            : static_cast<double>(soFar.delivered) /
-                                                                  static_cast<double>(options.acquisition.frames);
-    line.show(fraction, std::to_string(soFar.delivered) + " frames, " + rateText(soFar) + ", " +
-                            std::to_string(soFar.lost) + " lost");
-  });
-  line.clear();
-  if (session.options().json)
-    printData(ledgerJson(ledger).dump(2));
-  else
-    printNote(std::to_string(ledger.delivered) + " frames in " + fixedText(ledger.seconds, 2) + " s, " +
-              rateText(ledger) + "; " + lossText(ledger));
-  if (ledger.timedOut)
-    throw ToolError("no image came within " + std::to_string(options.acquisition.timeout.count()) +
-                    " ms: " + silenceReason(device));
-  if (interrupted())
-    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+    runs.push_back(std::make_unique<Run>(session, *camera, options, folder));
+  }
+  for (const auto& run : runs)
+    run->start();
+  {
+    ProgressLine line;
+    const auto isDone = [](const auto& run) { return run->done(); };
+    while (!std::all_of(runs.begin(), runs.end(), isDone)) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      showProgress(line, runs, options.acquisition.frames);
+    }
+  }
+  for (const auto& run : runs)
+    run->join();
+  summarise(session, runs);
+  failForRuns(session, options, runs);
 }
 
 }  // namespace
 
-void addGrab(CLI::App& app, CommonOptions& common, Action& action) {
-  CLI::App* command = app.add_subcommand("grab", "Take one image and save it");
-  auto output = std::make_shared<std::string>("image.png");
-  command->add_option("-o,--output", *output, "File to write: .png, or .raw for the bytes as they are")
-      ->type_name("FILE");
-  addCameraOption(*command, common);
-  command->footer("Examples:\n  ovi grab -o first.png\n  ovi grab --camera 2 -o second.raw");
-  command->callback([=, &action] { action = [=](Session& session) { grab(session, *output); }; });
-}
-
-void addStream(CLI::App& app, CommonOptions& common, Action& action) {
+void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   CLI::App* command = app.add_subcommand("stream", "Take images, count what is lost, and save them if wanted");
   auto options = std::make_shared<StreamOptions>();
   command->add_option("-n,--frames", options->acquisition.frames, "Number of images; without it until Ctrl-C");
   command->add_option("-s,--seconds", options->acquisition.seconds, "For so long at most");
   command->add_option("--save", options->folder, "Folder to save every image in")->type_name("DIR");
-  command->add_option("--format", options->format, "png or raw")->type_name("FORMAT");
-  command->add_option("--buffers", options->acquisition.buffers, "Buffers of the stream");
-  addCameraOption(*command, common);
-  command->footer("Examples:\n  ovi stream --frames 100\n  ovi stream --frames 10 --save pictures --format png");
+  command->add_option("--format", options->format, "png, raw or none")->type_name("FORMAT");
+  command->add_option("--buffers", options->buffers, "Buffers of the stream; 16 when not given, more for saving");
+  command->add_option("--image-timeout", options->imageTimeout, "Milliseconds without an image that end it");
+  command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
+  command
+      ->add_option("-c,--camera", options->cameras,
+                   "Number, serial number, user-defined name, model or ID; may be "
+                   "given several times")
+      ->type_name("CAMERA")
+      ->allow_extra_args(false);
+  command->add_flag("--all", options->all, "All cameras at once");
+  command->footer(
+      "Examples:\n  ovi stream --frames 100\n  ovi stream --frames 10 --save pictures --format png\n"
+      "  ovi stream --seconds 60 --check-pattern --json\n  ovi stream --camera 1 --camera 2 --seconds 10\n"
+      "  ovi stream --frames 10 --set PixelFormat=Mono12p --save pictures");
   command->callback([=, &action] { action = [=](Session& session) { stream(session, *options); }; });
 }
 

@@ -13,8 +13,8 @@ namespace tool {
 bool standardOutputIsTerminal();
 bool standardErrorIsTerminal();
 
-/// Takes standard output away from the libraries of this process, whose messages would mix with the data: what they print goes
-/// to standard error, or nowhere. Called once, first.
+/// Takes standard output away from the libraries of this process, whose messages would mix with the data: what they
+/// print goes to standard error, or nowhere. Called once, first.
 /// @return where the tool's data go: the real standard output
 std::FILE* takeStandardOutput(bool showLibraryOutput);
 

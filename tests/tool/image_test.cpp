@@ -1,0 +1,206 @@
+// Images that the tool saves: right in every pixel, none left out, whatever the pixel format.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "png_file.h"
+#include "tool_run.h"
+
+namespace tool_test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// Saved files by the frame ID in their names.
+std::map<std::uint64_t, std::filesystem::path> savedFrames(const std::filesystem::path& folder) {
+  std::map<std::uint64_t, std::filesystem::path> frames;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string name = entry.path().filename().string();
+    frames[std::stoull(name.substr(name.find('-') + 1))] = entry.path();
+  }
+  return frames;
+}
+
+void expectNoGap(const std::map<std::uint64_t, std::filesystem::path>& frames, std::size_t count) {
+  ASSERT_EQ(frames.size(), count);
+  EXPECT_EQ(frames.rbegin()->first - frames.begin()->first + 1, count);
+}
+
+// The strip along the top of the camera's chart: 32 cells, the lowest bit of the frame ID first.
+std::uint64_t frameInStrip(const PngFile& picture) {
+  const std::uint32_t cell = std::clamp(picture.width / 64, 4U, 16U);
+  std::uint64_t id = 0;
+  for (std::uint32_t bit = 0; bit < 32; ++bit)
+    if (picture.level(bit * cell + cell / 2, cell / 2) > 127)
+      id |= std::uint64_t{1} << bit;
+  return id;
+}
+
+TEST(Images, SpellTheFrameIDsOfTheirNamesWithoutAGap) {
+  struct Case {
+    const char* camera;
+    const char* format;
+  };
+  for (const Case& one : {Case{"Mono", "Mono8"}, Case{"Mono", "Mono12p"}, Case{"Colour", "RGB8"},
+                          Case{"Colour", "BGRa8"}, Case{"Colour", "BayerRG8"}, Case{"BigEndian", "Mono8"}}) {
+    SCOPED_TRACE(std::string(one.camera) + " " + one.format);
+    const std::filesystem::path folder = freshFolder("pictures");
+    const Outcome run = ovi({"stream", "--camera", one.camera, "--set", std::string("PixelFormat=") + one.format,
+                             "--frames", "20", "--save", "pictures"});
+    ASSERT_EQ(run.code, 0) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("every image arrived whole"));
+    const auto frames = savedFrames(folder);
+    expectNoGap(frames, 20);
+    for (const auto& [id, file] : frames) {
+      EXPECT_THAT(run.out, HasSubstr(file.string()));
+      EXPECT_THAT(file.string(), HasSubstr(one.format));
+      EXPECT_EQ(frameInStrip(readPng(file)), id) << file;
+    }
+  }
+}
+
+struct Format {
+  const char* camera;
+  const char* name;
+  std::uint32_t channels;
+  std::uint32_t bits;
+  double step;  // of the format's own depth, in units of 255
+};
+
+constexpr std::array kFormats = {
+    Format{"Mono", "Mono8", 1, 8, 0},      Format{"Mono", "Mono10", 1, 16, 0.5},  Format{"Mono", "Mono12", 1, 16, 0.5},
+    Format{"Mono", "Mono16", 1, 16, 0.5},  Format{"Mono", "Mono10p", 1, 16, 0.5}, Format{"Mono", "Mono12p", 1, 16, 0.5},
+    Format{"Colour", "RGB8", 3, 8, 0},     Format{"Colour", "BGR8", 3, 8, 0},     Format{"Colour", "BGRa8", 4, 8, 0},
+    Format{"Colour", "RGBa8", 4, 8, 0},    Format{"Colour", "BayerGR8", 3, 8, 0}, Format{"Colour", "BayerRG8", 3, 8, 0},
+    Format{"Colour", "BayerGB8", 3, 8, 0}, Format{"Colour", "BayerBG8", 3, 8, 0}};
+
+std::filesystem::path oneFrame(const Format& format, const std::string& pattern) {
+  const std::filesystem::path folder = freshFolder("pictures");
+  const Outcome run = ovi({"stream", "--camera", format.camera, "--frames", "1", "--save", "pictures", "--set",
+                           std::string("PixelFormat=") + format.name, "--set", "TestPattern=" + pattern, "--set",
+                           "Width=256", "--set", "Height=64"});
+  EXPECT_EQ(run.code, 0) << run.err;
+  const auto frames = savedFrames(folder);
+  return frames.empty() ? std::filesystem::path() : frames.begin()->second;
+}
+
+// The camera that has the format; both are asked, since they share some.
+bool cameraHas(const Format& format) {
+  const Outcome run = ovi({"features", "--camera", format.camera, "--json", "PixelFormat"});
+  const nlohmann::json json = nlohmann::json::parse(run.out, nullptr, false);
+  for (const auto& feature : json)
+    if (feature.value("name", "") == "PixelFormat")
+      return feature["entries"].dump().find("\"" + std::string(format.name) + "\"") != std::string::npos;
+  return false;
+}
+
+TEST(Images, HoldThePixelsThatTheCameraMade) {
+  std::size_t tried = 0;
+  for (const Format& format : kFormats) {
+    if (!cameraHas(format))
+      continue;
+    ++tried;
+    SCOPED_TRACE(format.name);
+    const std::filesystem::path file = oneFrame(format, "GreyVerticalRamp");
+    ASSERT_FALSE(file.empty());
+    const PngFile ramp = readPng(file);
+    EXPECT_EQ(ramp.width, 256U);
+    EXPECT_EQ(ramp.height, 64U);
+    EXPECT_EQ(ramp.channels, format.channels);
+    EXPECT_EQ(ramp.bits, format.bits);
+    // Interpolated pixels of a Bayer format take in their neighbours in the rows above and below.
+    const bool bayer = std::string(format.name).find("Bayer") != std::string::npos;
+    const double tolerance = bayer ? 1.0 : format.step;
+    for (std::uint32_t y = 1; y + 1 < ramp.height; ++y)
+      for (std::uint32_t x = 0; x < ramp.width; x += 7)
+        for (std::uint32_t channel = 0; channel < std::min(ramp.channels, 3U); ++channel)
+          ASSERT_NEAR(ramp.level(x, y, channel), y, tolerance) << x << ", " << y << ", " << channel;
+  }
+  EXPECT_GE(tried, 10U);
+}
+
+TEST(Images, HaveTheirColoursInTheRightOrder) {
+  // White, yellow, cyan, green, magenta, red, blue, black: which of red, green and blue are on.
+  constexpr std::array<std::array<bool, 3>, 8> kBars = {{{true, true, true},
+                                                         {true, true, false},
+                                                         {false, true, true},
+                                                         {false, true, false},
+                                                         {true, false, true},
+                                                         {true, false, false},
+                                                         {false, false, true},
+                                                         {false, false, false}}};
+  for (const Format& format : kFormats) {
+    if (format.channels < 3 || !cameraHas(format))
+      continue;
+    SCOPED_TRACE(format.name);
+    const PngFile picture = readPng(oneFrame(format, "ColorBar"));
+    for (std::uint32_t bar = 0; bar < kBars.size(); ++bar)
+      for (std::uint32_t channel = 0; channel < 3; ++channel)
+        EXPECT_EQ(picture.level(bar * 32 + 16, 32, channel) > 127, kBars.at(bar).at(channel)) << bar << ", " << channel;
+  }
+}
+
+TEST(Images, AreSavedAsTheBytesThatCameToo) {
+  const Outcome run =
+      ovi(words("grab --camera Mono -o one.raw --set Width=64 --set Height=32 --set "
+                "TestPattern=GreyHorizontalRamp --json"));
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_EQ(nlohmann::json::parse(run.out)["pixelFormat"], "Mono8");
+  const std::string bytes = readText("one.raw");
+  ASSERT_EQ(bytes.size(), 64U * 32U);
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    ASSERT_EQ(static_cast<unsigned char>(bytes[i]), i % 64);
+}
+
+TEST(Images, AreCountedAndChecked) {
+  const Outcome json = ovi(words("stream --json --camera Mono --frames 30 --check-pattern"));
+  ASSERT_EQ(json.code, 0) << json.err;
+  const nlohmann::json summary = nlohmann::json::parse(json.out);
+  EXPECT_EQ(summary["frames"], 30);
+  EXPECT_EQ(summary["badPattern"], 0);
+  EXPECT_EQ(summary["lost"], 0);
+  EXPECT_GT(summary["framesPerSecond"].get<double>(), 1.0);
+
+  const Outcome several = ovi(words("stream --camera Mono --camera Colour --frames 5 --json"));
+  ASSERT_EQ(several.code, 0) << several.err;
+  const nlohmann::json summaries = nlohmann::json::parse(several.out);
+  ASSERT_EQ(summaries.size(), 2U);
+  EXPECT_EQ(summaries[1]["frames"], 5);
+  EXPECT_NE(summaries[0]["camera"], summaries[1]["camera"]);
+
+  const Outcome scan = ovi(words("scan --camera Mono --images 10 --check-pattern --json"));
+  EXPECT_EQ(scan.code, 0) << scan.err;
+  EXPECT_EQ(nlohmann::json::parse(scan.out)["bad"], 0);
+
+  const Outcome bench = ovi(words("bench --camera Mono --seconds 0.5 --json"));
+  EXPECT_EQ(bench.code, 0) << bench.err;
+  EXPECT_GT(nlohmann::json::parse(bench.out)["images"].get<int>(), 0);
+}
+
+TEST(Images, ThatDoNotComeAreExplained) {
+  for (const char* command : {"grab -o none.png", "stream --frames 1 --image-timeout 600"}) {
+    std::vector<std::string> arguments = words(command);
+    for (const char* word : {"--camera", "Mono", "--set", "TriggerMode=On"})
+      arguments.emplace_back(word);
+    const Outcome run = ovi(arguments);
+    EXPECT_EQ(run.code, 1) << command;
+    EXPECT_THAT(run.err, AllOf(HasSubstr("trigger"), HasSubstr("TriggerMode = On"), HasSubstr("set TriggerMode=Off")));
+  }
+}
+
+TEST(Images, StopAtAnInterruptWithTheCameraClosed) {
+  freshFolder("pictures");
+  const Outcome run = oviInterrupted(words("stream --camera Mono --save pictures --format raw"));
+  EXPECT_EQ(run.code, 130);
+  EXPECT_THAT(run.err, AllOf(HasSubstr("interrupted"), HasSubstr("every image arrived whole")));
+}
+
+}  // namespace
+}  // namespace tool_test

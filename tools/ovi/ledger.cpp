@@ -1,0 +1,68 @@
+// The ledger of an acquisition in words and as data.
+#include <nlohmann/json.hpp>
+
+#include "acquisition.h"
+#include "text.h"
+
+namespace tool {
+
+namespace {
+
+std::string countText(std::uint64_t count, const char* singular, const char* plural) {
+  return std::to_string(count) + " " + (count == 1 ? singular : plural);
+}
+
+}  // namespace
+
+std::string rateText(const Ledger& ledger) {
+  return fixedText(ledger.framesPerSecond(), 1) + " frames/s, " + fixedText(ledger.bytesPerSecond() / 1e6, 1) + " MB/s";
+}
+
+std::string lossText(const Ledger& ledger) {
+  return std::to_string(ledger.made()) + " made by the camera, " + std::to_string(ledger.onTheWay()) +
+         " lost on the way, " + std::to_string(ledger.incomplete) + " incomplete, " +
+         std::to_string(ledger.noBuffer()) + " without a free buffer";
+}
+
+std::string verdictText(const Ledger& ledger) {
+  if (ledger.delivered == 0 && ledger.incomplete == 0)
+    return "no image came";
+  std::string text;
+  const auto add = [&](const std::string& sentence) { text += (text.empty() ? "" : "; ") + sentence; };
+  if (ledger.noBuffer() > 0)
+    add(countText(ledger.noBuffer(), "image", "images") +
+        " found no free buffer: this program or the disk was too slow. More --buffers, a lower frame rate or --format "
+        "raw help");
+  if (ledger.onTheWay() > 0)
+    add(countText(ledger.onTheWay(), "image", "images") +
+        " never arrived: the way from the camera is overloaded or disturbed. ovi doctor shows the machine's settings");
+  if (ledger.incomplete > 0)
+    add(countText(ledger.incomplete, "image", "images") +
+        " arrived without all data: packets were lost. A lower rate or larger packets help, and so does ovi doctor");
+  if (ledger.badPattern > 0)
+    add(countText(ledger.badPattern, "image", "images") +
+        " did not show the test pattern: data were changed on the way");
+  return text.empty() ? "every image arrived whole" : text;
+}
+
+nlohmann::ordered_json ledgerJson(const Ledger& ledger) {
+  nlohmann::ordered_json json;
+  json["frames"] = ledger.delivered;
+  json["seconds"] = ledger.seconds;
+  json["framesPerSecond"] = ledger.framesPerSecond();
+  json["bytes"] = ledger.bytes;
+  json["bytesPerSecond"] = ledger.bytesPerSecond();
+  json["made"] = ledger.made();
+  json["lost"] = ledger.lost();
+  json["lostOnTheWay"] = ledger.onTheWay();
+  json["incomplete"] = ledger.incomplete;
+  json["underruns"] = ledger.underruns;
+  json["badPattern"] = ledger.badPattern;
+  json["latencySeconds"] = ledger.latency;
+  json["longestGapSeconds"] = ledger.longestGap;
+  json["timedOut"] = ledger.timedOut;
+  json["verdict"] = verdictText(ledger);
+  return json;
+}
+
+}  // namespace tool

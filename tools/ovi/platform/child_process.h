@@ -1,0 +1,28 @@
+// Another program run to its end, with what it printed.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+struct ChildResult {
+  bool started = false;
+  bool timedOut = false;  ///< and was ended
+  bool crashed = false;
+  std::string crash;  ///< the signal or exception, when it crashed
+  int exitCode = -1;
+  std::string output;    ///< standard output
+  std::string messages;  ///< standard error
+};
+
+/// Runs a program and waits for its end, for so long at most.
+ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                     std::chrono::milliseconds timeout);
+
+/// This program's own file.
+std::filesystem::path ownProgram();
+
+}  // namespace tool

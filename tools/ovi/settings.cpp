@@ -1,0 +1,237 @@
+// A camera's settings read from it, written to it, compared with it.
+#include "settings.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <map>
+#include <set>
+
+#include "feature_text.h"
+#include "feature_view.h"
+#include "text.h"
+#include "tool_error.h"
+
+namespace tool {
+
+namespace {
+
+// Features that say who the camera is, or make it work, instead of setting it.
+constexpr std::array kNotSettings = {"DeviceUserID", "TLParamsLocked",   "GevPersistent*", "GevCurrentIPConfig*",
+                                     "FileAccess*",  "FileOperation*",   "FileOpenMode",   "UserSetDefault*",
+                                     "GevCCP",       "DeviceRegisters*", "GevSCPHostPort", "GevSCDA"};
+// Selectors that lead to work or to data of another kind.
+constexpr std::array kNotSelectors = {"FileSelector", "UserSetSelector", "FileOperationSelector"};
+constexpr std::size_t kMaxPositions = 4096;
+
+template<std::size_t N>
+bool isOneOf(const std::array<const char*, N>& patterns, const std::string& name) {
+  return std::any_of(patterns.begin(), patterns.end(), [&](const char* pattern) {
+    return std::string_view(pattern).find('*') != std::string_view::npos ? matchesPattern(pattern, name)
+                                                                         : name == pattern;
+  });
+}
+
+bool holdsValue(std::uint32_t type) {
+  return type >= OVI_FEATURE_BOOLEAN && type <= OVI_FEATURE_ENUMERATION;
+}
+
+// Sets selectors only when they stand elsewhere, and puts them back in the end.
+class Selectors {
+ public:
+  explicit Selectors(const ModuleView& view) : view_(view) {}
+  ~Selectors() {
+    for (auto step = moved_.rbegin(); step != moved_.rend(); ++step)
+      trySet(step->first, step->second);
+  }
+  Selectors(const Selectors&) = delete;
+  Selectors& operator=(const Selectors&) = delete;
+
+  // Throws ToolError when a selector does not take its value.
+  void select(const std::vector<std::pair<std::string, std::string>>& positions) {
+    for (const auto& [name, position] : positions) {
+      const std::string before = readExactly(view_, name);
+      if (before == position)
+        continue;
+      if (known_.insert(name).second)
+        moved_.emplace_back(name, before);
+      writeFeature(view_, name, position);
+    }
+  }
+
+ private:
+  void trySet(const std::string& name, const std::string& value) const {
+    try {
+      writeFeature(view_, name, value);
+    } catch (const std::exception&) {
+      // Nothing can be done about it, and the settings themselves are as they should be.
+    }
+  }
+
+  const ModuleView& view_;
+  std::set<std::string> known_;
+  std::vector<std::pair<std::string, std::string>> moved_;
+};
+
+// Which selectors select a feature, outermost first.
+using SelectorMap = std::map<std::string, std::vector<std::string>>;
+
+SelectorMap selectorsOf(const ModuleView& view, const std::vector<FeatureNode>& tree) {
+  SelectorMap map;
+  for (const FeatureNode& node : tree) {
+    if (node.parameter.featureType != OVI_FEATURE_INTEGER && node.parameter.featureType != OVI_FEATURE_ENUMERATION)
+      continue;
+    std::string child(512, '\0');
+    std::uint32_t type = 0;
+    for (std::uint32_t i = 0; oviIterateFeatureTree(view.handle(), view.feature(node.name).name().c_str(), i,
+                                                    child.data(), child.size(), &type, view.selector()) == OVI_SUCCESS;
+         ++i)
+      if (type != OVI_FEATURE_ENUM_ENTRY)
+        map[child.c_str()].push_back(node.name);
+  }
+  return map;
+}
+
+std::vector<std::string> positionsOf(const ModuleView& view, const std::string& selector) {
+  const ovi::FeatureParameter parameter = requireParameter(view, selector);
+  if (!isWritable(parameter))
+    return isReadable(parameter) ? std::vector<std::string>{readExactly(view, selector)} : std::vector<std::string>{};
+  if (parameter.featureType == OVI_FEATURE_ENUMERATION)
+    return entryNames(view, selector);
+  std::vector<std::string> positions;
+  const std::int64_t step = std::max<std::int64_t>(1, parameter.intInc);
+  for (std::int64_t value = parameter.intMin; value <= parameter.intMax && positions.size() <= kMaxPositions;
+       value += step)
+    positions.push_back(std::to_string(value));
+  return positions;
+}
+
+using Positions = std::vector<std::pair<std::string, std::string>>;
+
+// Calls visit for every combination of the selectors' values that the camera takes.
+template<class Visit>
+void forEachPosition(const ModuleView& view, Selectors& selectors, const std::vector<std::string>& names,
+                     Positions& chosen, std::size_t& count, const Visit& visit) {
+  if (chosen.size() == names.size()) {
+    if (++count <= kMaxPositions)
+      visit(chosen);
+    return;
+  }
+  const std::string& name = names[chosen.size()];
+  for (const std::string& position : positionsOf(view, name)) {
+    if (count > kMaxPositions)
+      return;
+    chosen.emplace_back(name, position);
+    try {
+      selectors.select({chosen.back()});
+      forEachPosition(view, selectors, names, chosen, count, visit);
+    } catch (const ToolError&) {
+      // A combination that the camera does not have.
+    }
+    chosen.pop_back();
+  }
+}
+
+// Texts of the same number are the same value.
+bool sameValue(const std::string& a, const std::string& b) {
+  if (a == b)
+    return true;
+  double x = 0;
+  double y = 0;
+  const auto number = [](const std::string& text, double& value) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size();
+  };
+  return number(a, x) && number(b, y) && std::abs(x - y) <= 1e-9 * std::max(std::abs(x), std::abs(y));
+}
+
+// Brings one setting into the camera. Returns whether anything had to be written.
+bool apply(const ModuleView& view, Selectors& selectors, const Setting& setting) {
+  selectors.select(setting.selectors);
+  const ovi::FeatureParameter parameter = requireParameter(view, setting.feature);
+  if (isReadable(parameter) && sameValue(readExactly(view, setting.feature), setting.value))
+    return false;
+  writeFeature(view, setting.feature, setting.value);
+  const std::string now = readExactly(view, setting.feature);
+  if (!sameValue(now, setting.value))
+    throw ToolError("reads " + now + " after it was set to " + setting.value);
+  return true;
+}
+
+}  // namespace
+
+std::vector<Setting> readSettings(const ModuleView& view, std::vector<std::string>& notes) {
+  const std::vector<FeatureNode> tree = featureTree(view, false);
+  const SelectorMap selectorMap = selectorsOf(view, tree);
+  std::set<std::string> selectorNames;
+  for (const auto& [feature, names] : selectorMap)
+    selectorNames.insert(names.begin(), names.end());
+  Selectors selectors(view);
+  std::vector<Setting> settings;
+  const auto take = [&](const std::string& feature, const Positions& positions) {
+    const ovi::FeatureParameter parameter = requireParameter(view, feature);
+    if (parameter.accessMode == OVI_ACCESS_READ_WRITE)
+      settings.push_back({feature, positions, readExactly(view, feature)});
+  };
+  for (const FeatureNode& node : tree) {
+    if (!holdsValue(node.parameter.featureType) || isOneOf(kNotSettings, node.name) ||
+        selectorNames.count(node.name) != 0)
+      continue;
+    const auto selected = selectorMap.find(node.name);
+    if (selected == selectorMap.end()) {
+      take(node.name, {});
+      continue;
+    }
+    if (std::any_of(selected->second.begin(), selected->second.end(),
+                    [](const std::string& name) { return isOneOf(kNotSelectors, name); }))
+      continue;
+    Positions chosen;
+    std::size_t count = 0;
+    forEachPosition(view, selectors, selected->second, chosen, count,
+                    [&](const Positions& positions) { take(node.name, positions); });
+    if (count > kMaxPositions)
+      notes.push_back(node.name + ": only the first " + std::to_string(kMaxPositions) + " of its values under " +
+                      join(selected->second, ", ") + " are here");
+  }
+  return settings;
+}
+
+std::vector<SettingProblem> writeSettings(const ModuleView& view, const std::vector<Setting>& settings) {
+  // Each pass that changes something may make room for others, or undo what an earlier line set.
+  constexpr int kMaxPasses = 10;
+  Selectors selectors(view);
+  std::vector<SettingProblem> problems;
+  for (int pass = 0; pass < kMaxPasses; ++pass) {
+    problems.clear();
+    bool changed = false;
+    for (const Setting& setting : settings) {
+      try {
+        changed = apply(view, selectors, setting) || changed;
+      } catch (const ToolError& error) {
+        problems.push_back({setting, error.what()});
+      }
+    }
+    if (!changed)
+      break;
+  }
+  return problems;
+}
+
+std::vector<SettingProblem> compareSettings(const ModuleView& view, const std::vector<Setting>& settings) {
+  Selectors selectors(view);
+  std::vector<SettingProblem> differences;
+  for (const Setting& setting : settings) {
+    try {
+      selectors.select(setting.selectors);
+      const std::string now = readExactly(view, setting.feature);
+      if (!sameValue(now, setting.value))
+        differences.push_back({setting, now});
+    } catch (const ToolError& error) {
+      differences.push_back({setting, "(" + std::string(error.what()) + ")"});
+    }
+  }
+  return differences;
+}
+
+}  // namespace tool
