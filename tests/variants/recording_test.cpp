@@ -73,7 +73,7 @@ TEST_F(RecordingTest, BuffersHoldWholeBlocks) {
   const std::int64_t payload = *integer(device, "PayloadSize", OVI_MODULE_REMOTE_DEVICE);
   const std::int64_t blocks = (payload + 4095) / 4096 * 4096;
   EXPECT_EQ(integer(stream, "BufferSize", OVI_MODULE_DATA_STREAM), blocks);
-  ASSERT_EQ(oviSetFeatureInt(device, "Height", 101, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
+  ASSERT_EQ(oviSetFeatureInt(device, "Height", 100, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
   EXPECT_LT(*integer(stream, "BufferSize", OVI_MODULE_DATA_STREAM), blocks) << "it follows the payload";
   start();
   oviNewBufferEventData image = next();
