@@ -83,11 +83,12 @@ oviErr allocateBuffers(DataStream& stream, std::uint64_t streamHandle, std::uint
         continue;
       }
       std::uint64_t bufferHandle = 0;
-      const oviErr entered = HandleRegistry::instance().registerOwned(streamHandle, buffer, ModuleKind::Buffer,
-                                                                      bufferHandle, buffer->getRawHandle());
+      const oviErr entered =
+          HandleRegistry::instance().registerOwned(streamHandle, buffer, ModuleKind::Buffer, bufferHandle);
       if (entered != OVI_SUCCESS) {
         return entered;  // The stream was closed meanwhile, and its buffers went with it.
       }
+      stream.buffers().setHandle(buffer->announced(), bufferHandle);
       setBufferHandle(*record, bufferHandle);
       result = mapGenTLError(stream.queueBuffer(*buffer, false));
     }

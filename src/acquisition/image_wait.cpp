@@ -2,6 +2,7 @@
 #include "image_wait.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -24,6 +25,7 @@ namespace OVI {
 
 namespace {
 
+using GenTLCpp::AnnouncedBuffer;
 using GenTLCpp::Buffer;
 using GenTLCpp::DataStream;
 using GenTLCpp::Event;
@@ -59,14 +61,14 @@ constexpr InfoRule kInfoRules[] = {
 };
 
 /** @throws GenTLException when the buffer is not complete */
-BufferInfos askInfos(const DataStream& stream, const Buffer& buffer) {
+BufferInfos askInfos(const DataStream& stream, BUFFER_HANDLE buffer) {
   BufferInfos infos;
   DS_HANDLE handle = stream.getHandle();
   for (const InfoRule& rule : kInfoRules) {
     std::uint64_t value = 0;
     std::size_t size = sizeof value;
     INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-    const GC_ERROR status = stream.getBufferInfo(handle, buffer.getRawHandle(), rule.command, &type, &value, &size);
+    const GC_ERROR status = stream.getBufferInfo(handle, buffer, rule.command, &type, &value, &size);
     if (status == GC_ERR_SUCCESS) {
       infos.*rule.answer = value;
     } else if (rule.needed || !isNoValue(status)) {
@@ -104,44 +106,61 @@ struct Delivery {
 };
 
 /** An image that cannot be described never reaches the application: its buffer is filled again. */
-void queueAgain(DataStream& stream, const Buffer& buffer, Delivery& delivery) {
+void queueAgain(DataStream& stream, BUFFER_HANDLE buffer, Delivery& delivery) {
   try {
-    GenTLCpp::checkGenTLError(stream.queueBuffer(buffer, false));
+    GenTLCpp::checkGenTLError(stream.queueBuffer(buffer));
   } catch (const GenTLCpp::GenTLException& error) {
     delivery.queueFailure = error.what();
   }
 }
 
+/** Only the thread that has the buffer adds to its sums. */
+void add(std::atomic<std::uint64_t>& sum, std::uint64_t bytes) noexcept {
+  sum.store(sum.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
+}
+
 void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA& data, Delivery& delivery) {
-  const std::uint64_t streamHandle = recordOf(event).moduleHandle();
-  const HandleRegistry::Module module = HandleRegistry::instance().findNative(streamHandle, data.BufferHandle);
-  if (module == nullptr) {
+  AnnouncedBuffer* buffer = stream.buffers().findNative(data.BufferHandle);
+  if (buffer == nullptr) {
     delivery.result = OVI_ERR_NOT_FOUND;
     return;
   }
-  auto& buffer = static_cast<Buffer&>(*module);
-  auto* record = static_cast<oviNewBufferEventData*>(buffer.getUserData());
+  auto* record = static_cast<oviNewBufferEventData*>(buffer->userData.load(std::memory_order_relaxed));
   if (record == nullptr) {
     return;
   }
   setEventData(*record, data);
   record->event.eventID = eventIdOf(event, &data, sizeof data);
   try {
-    const BufferInfos infos = askInfos(stream, buffer);
+    const BufferInfos infos = askInfos(stream, data.BufferHandle);
     fillRecord(*record, infos);
-    record->event.moduleHandle = streamHandle;
+    record->event.moduleHandle = recordOf(event).moduleHandle();
     record->event.moduleSelector = OVI_MODULE_DATA_STREAM;
     stampRecord(*record);
-    buffer.addDeliveredSize(infos.size);
-    buffer.addUnfilledSize(infos.size - std::min(infos.sizeFilled, infos.size));
+    add(buffer->deliveredSize, infos.size);
+    add(buffer->unfilledSize, infos.size - std::min(infos.sizeFilled, infos.size));
     record->event.kind = OVI_EVENT_NEW_BUFFER;
     delivery.record = record;
   } catch (const GenTLCpp::GenTLException& error) {
     delivery.isIncomplete = true;
     delivery.result = OVI_ERR_INVALID_BUFFER;
     delivery.infoFailure = error.what();
-    queueAgain(stream, buffer, delivery);
+    queueAgain(stream, data.BufferHandle, delivery);
   }
+}
+
+/** The producer's handle of a buffer: nearly always one of the stream. */
+oviErr findBuffer(DataStream* stream, std::uint64_t handle, BUFFER_HANDLE& out) {
+  if (const AnnouncedBuffer* known = stream != nullptr ? stream->buffers().findHandle(handle) : nullptr) {
+    out = known->native.load(std::memory_order_relaxed);
+  }
+  if (out != nullptr) {
+    return OVI_SUCCESS;
+  }
+  std::shared_ptr<Buffer> buffer;
+  const oviErr result = lookupModule(handle, buffer);
+  out = buffer != nullptr ? buffer->getRawHandle() : nullptr;
+  return result;
 }
 
 void logFailure(const Delivery& delivery) {
@@ -160,7 +179,7 @@ void logFailure(const Delivery& delivery) {
 
 oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord,
                     oviNewBufferEventData* outCopy) {
-  auto* newBuffer = dynamic_cast<NewBufferEvent*>(&event);
+  NewBufferEvent* newBuffer = event.asNewBufferEvent();
   if (newBuffer == nullptr) {
     OVI_LOG_ERROR(kSite) << "Could not wait for this event, the event type didn't match the expected EVENT_NEW_BUFFER "
                             "type!";
@@ -200,8 +219,8 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
   if (lookupModule(streamHandle, stream) != OVI_SUCCESS) {
     OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown stream.";
   }
-  std::shared_ptr<Buffer> buffer;
-  const oviErr result = lookupModule(record->bufferHandle, buffer);
+  BUFFER_HANDLE buffer = nullptr;
+  const oviErr result = findBuffer(stream.get(), record->bufferHandle, buffer);
   if (result != OVI_SUCCESS) {
     OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown buffer.";
   }
@@ -212,7 +231,7 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
     GC_ERROR status = GC_ERR_SUCCESS;
     {
       const DataStream::Use use(*stream);
-      status = stream->queueBuffer(*buffer, false);
+      status = stream->queueBuffer(buffer);
     }
     if (status != GC_ERR_SUCCESS) {
       OVI_LOG_ERROR(kReleaseSite) << "Failed to queue buffer. Error: " << status;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <functional>
 #include <utility>
 
 namespace OVI {
@@ -27,11 +26,6 @@ class HandleRegistry::WriteGuard {
  private:
   std::array<ReaderLock, kReaderLocks>& locks_;
 };
-
-std::size_t HandleRegistry::NativeHash::operator()(const NativeKey& key) const noexcept {
-  constexpr std::size_t kSpread = 0x9E3779B97F4A7C15;
-  return std::hash<const void*>()(key.handle) ^ (static_cast<std::size_t>(key.owner) * kSpread);
-}
 
 HandleRegistry& HandleRegistry::instance() {
   static HandleRegistry& registry = *new HandleRegistry;  // Threads that outlive main may still ask it.
@@ -63,8 +57,7 @@ oviErr HandleRegistry::registerOpenedDevice(const Module& system, const Module& 
   return OVI_SUCCESS;
 }
 
-oviErr HandleRegistry::registerOwned(Handle owner, const Module& module, ModuleKind kind, Handle& outHandle,
-                                     const void* nativeHandle) {
+oviErr HandleRegistry::registerOwned(Handle owner, const Module& module, ModuleKind kind, Handle& outHandle) {
   if (module == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
@@ -76,12 +69,6 @@ oviErr HandleRegistry::registerOwned(Handle owner, const Module& module, ModuleK
   outHandle = issueOrReuse(module, kind);
   if (outHandle > last) {
     list(owner, kind, outHandle);
-    if (nativeHandle != nullptr) {
-      Entry& entry = entries_.at(outHandle);
-      entry.nativeOwner = owner;
-      entry.nativeHandle = nativeHandle;
-      byNative_[{owner, nativeHandle}] = outHandle;
-    }
   }
   return OVI_SUCCESS;
 }
@@ -90,18 +77,6 @@ HandleRegistry::Module HandleRegistry::find(Handle handle) const {
   const std::lock_guard lock(readerMutex());
   const auto entry = entries_.find(handle);
   return entry != entries_.end() ? entry->second.module : nullptr;
-}
-
-HandleRegistry::Module HandleRegistry::findNative(Handle owner, const void* nativeHandle, Handle* outHandle) const {
-  const std::lock_guard lock(readerMutex());
-  const auto known = byNative_.find({owner, nativeHandle});
-  if (known == byNative_.end()) {
-    return nullptr;
-  }
-  if (outHandle != nullptr) {
-    *outHandle = known->second;
-  }
-  return entries_.at(known->second).module;
 }
 
 HandleRegistry::Handle HandleRegistry::handleOf(const GenTLCpp::BaseModule* module) const {
@@ -161,7 +136,6 @@ void HandleRegistry::clear() {
   const WriteGuard guard(*this);
   dropped.swap(entries_);
   byModule_.clear();
-  byNative_.clear();
   relations_.clear();
 }
 
@@ -201,12 +175,6 @@ void HandleRegistry::erase(Handle handle, std::vector<Module>& dropped) {
   Entry& entry = found->second;
   if (const auto known = byModule_.find(entry.module.get()); known != byModule_.end() && known->second == handle) {
     byModule_.erase(known);
-  }
-  if (entry.nativeHandle != nullptr) {
-    const auto native = byNative_.find({entry.nativeOwner, entry.nativeHandle});
-    if (native != byNative_.end() && native->second == handle) {
-      byNative_.erase(native);
-    }
   }
   dropped.push_back(std::move(entry.module));
   entries_.erase(found);

@@ -58,13 +58,14 @@ void DataStream::shutUses() noexcept {
 std::shared_ptr<Buffer> DataStream::allocAndAnnounceBuffer(std::size_t size, void* userData) {
   BUFFER_HANDLE buffer = nullptr;
   checkGenTLError(functions().DSAllocAndAnnounceBuffer(getHandle(), size, userData, &buffer));
-  return buffer != nullptr ? std::make_shared<Buffer>(sharedAs<DataStream>(), buffer, userData) : nullptr;
+  return buffer != nullptr ? std::make_shared<Buffer>(sharedAs<DataStream>(), buffers_.add(buffer, userData)) : nullptr;
 }
 
 void* DataStream::revokeBuffer(const Buffer& buffer) {
   void* memory = nullptr;
   void* userData = nullptr;
   checkGenTLError(functions().DSRevokeBuffer(getHandle(), buffer.getRawHandle(), &memory, &userData));
+  buffers_.remove(buffer.getRawHandle());
   return userData;
 }
 
@@ -77,7 +78,11 @@ GC_ERROR DataStream::queueBuffer(const Buffer& buffer, bool clearFirst) {
       std::memset(base, 0, size);
     }
   }
-  return functions().DSQueueBuffer(getHandle(), buffer.getRawHandle());
+  return queueBuffer(buffer.getRawHandle());
+}
+
+GC_ERROR DataStream::queueBuffer(BUFFER_HANDLE buffer) {
+  return functions().DSQueueBuffer(getHandle(), buffer);
 }
 
 GC_ERROR DataStream::flushQueue(ACQ_QUEUE_TYPE operation) {
@@ -128,10 +133,11 @@ std::shared_ptr<NewBufferEvent> DataStream::registerNewBufferEvent() {
   return event != nullptr ? std::make_shared<NewBufferEvent>(sharedAs<DataStream>(), event) : nullptr;
 }
 
-Buffer::Buffer(std::shared_ptr<DataStream> stream, BUFFER_HANDLE handle, void* userData)
-    : BaseModule(handle),
+Buffer::Buffer(std::shared_ptr<DataStream> stream, AnnouncedBuffer& announced)
+    : BaseModule(announced.native),
       parent_(std::move(stream)),
-      userData_(userData) {
+      announced_(announced),
+      userData_(announced.userData) {
   traceLine("Buffer()");
 }
 

@@ -128,25 +128,6 @@ TEST_F(HandleRegistryTest, RemovingAMemberTakesItOffItsOwnersList) {
   EXPECT_EQ(registry_.listRelated(device, ModuleKind::DataStream, none), OVI_ERR_NOT_FOUND);
 }
 
-TEST_F(HandleRegistryTest, NativeHandlesAreKnownPerOwner) {
-  int native = 0;
-  Handle streams[2] = {};
-  Handle buffers[2] = {};
-  const Handle device = openDevice(makeModule(), makeModule(), makeModule());
-  for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(registry_.registerOwned(device, makeModule(), ModuleKind::DataStream, streams[i]), OVI_SUCCESS);
-    ASSERT_EQ(registry_.registerOwned(streams[i], makeModule(), ModuleKind::Buffer, buffers[i], &native), OVI_SUCCESS);
-  }
-  for (int i = 0; i < 2; ++i) {
-    Handle found = 0;
-    EXPECT_EQ(registry_.findNative(streams[i], &native, &found), registry_.find(buffers[i]));
-    EXPECT_EQ(found, buffers[i]);
-  }
-  registry_.remove(buffers[0]);
-  EXPECT_EQ(registry_.findNative(streams[0], &native), nullptr);
-  EXPECT_NE(registry_.findNative(streams[1], &native), nullptr);
-}
-
 TEST_F(HandleRegistryTest, ModulesAreDestroyedWithTheTableOpenToOthers) {
   std::atomic<int> destroyed = 0;
   const Handle device = openDevice(makeModule(&destroyed), makeModule(&destroyed), makeModule(&destroyed));

@@ -46,16 +46,11 @@ class HandleRegistry {
   oviErr registerOpenedDevice(const Module& system, const Module& tlInterface, const Module& device, Handle& outHandle);
 
   /** Issues a handle and lists it under its owner: a stream of a device, a buffer of a stream, an event of a module.
-   * @param nativeHandle  the producer's handle, when the module is to be found by it (findNative)
    * @return InvalidParameter for no module; NotFound for an unknown owner */
-  oviErr registerOwned(Handle owner, const Module& module, ModuleKind kind, Handle& outHandle,
-                       const void* nativeHandle = nullptr);
+  oviErr registerOwned(Handle owner, const Module& module, ModuleKind kind, Handle& outHandle);
 
   /** The module, or nothing for an unknown handle. lookupModule (gentl) also checks its class. */
   Module find(Handle handle) const;
-
-  /** The owner's module with this producer handle, as registerOwned was told, and its handle; or nothing. */
-  Module findNative(Handle owner, const void* nativeHandle, Handle* outHandle = nullptr) const;
 
   /** The handle of a module, 0 when it has none. */
   Handle handleOf(const GenTLCpp::BaseModule* module) const;
@@ -78,16 +73,6 @@ class HandleRegistry {
     Module module;
     ModuleKind kind = ModuleKind::System;
     std::size_t listed = 0;  // By how many owners.
-    Handle nativeOwner = 0;
-    const void* nativeHandle = nullptr;
-  };
-  struct NativeKey {
-    Handle owner;
-    const void* handle;
-    bool operator==(const NativeKey&) const = default;
-  };
-  struct NativeHash {
-    std::size_t operator()(const NativeKey& key) const noexcept;
   };
   using KindLists = std::map<ModuleKind, std::vector<Handle>>;
 
@@ -110,7 +95,6 @@ class HandleRegistry {
   Handle counter_ = 0;
   std::unordered_map<Handle, Entry> entries_;
   std::unordered_map<const GenTLCpp::BaseModule*, Handle> byModule_;
-  std::unordered_map<NativeKey, Handle, NativeHash> byNative_;
   std::map<Handle, KindLists> relations_;
 };
 

@@ -1,7 +1,6 @@
 // An announced buffer of a data stream.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,7 +16,7 @@ class Buffer : public BaseModule {
  public:
   static constexpr int kModuleType = kBufferModule;
 
-  Buffer(std::shared_ptr<DataStream> stream, BUFFER_HANDLE handle, void* userData);
+  Buffer(std::shared_ptr<DataStream> stream, AnnouncedBuffer& announced);
   ~Buffer() override;
 
   // A buffer has no open state of its own.
@@ -37,6 +36,8 @@ class Buffer : public BaseModule {
   }
   /** The private pointer of the announcement. */
   void* getUserData() const noexcept { return userData_; }
+  /** The buffer in the stream's table, until it is revoked. */
+  AnnouncedBuffer& announced() const noexcept { return announced_; }
 
   /** One info of the buffer, a number or pointer of T's width. Allocates nothing. @throws GenTLException */
   template<class T = std::uint64_t>
@@ -49,17 +50,10 @@ class Buffer : public BaseModule {
   std::size_t getSize() const { return getInfo<std::size_t>(BUFFER_INFO_SIZE); }
   std::size_t getSizeFilled() const { return getInfo<std::size_t>(BUFFER_INFO_SIZE_FILLED); }
 
-  /** Sums over all deliveries: of the buffer's size, and of the bytes that were not filled. */
-  void addDeliveredSize(std::uint64_t bytes) noexcept { deliveredSize_.fetch_add(bytes, std::memory_order_relaxed); }
-  void addUnfilledSize(std::uint64_t bytes) noexcept { unfilledSize_.fetch_add(bytes, std::memory_order_relaxed); }
-  std::uint64_t getDeliveredSize() const noexcept { return deliveredSize_.load(std::memory_order_relaxed); }
-  std::uint64_t getUnfilledSize() const noexcept { return unfilledSize_.load(std::memory_order_relaxed); }
-
  private:
   std::shared_ptr<DataStream> parent_;
+  AnnouncedBuffer& announced_;
   void* userData_;
-  std::atomic<std::uint64_t> deliveredSize_{0};
-  std::atomic<std::uint64_t> unfilledSize_{0};
 };
 
 }  // namespace GenTLCpp

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "gentl/buffer_table.h"
 #include "gentl/device.h"
 #include "gentl/open_module.h"
 #include "gentl/wait_gate.h"
@@ -75,6 +76,7 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
   void* revokeBuffer(const Buffer& buffer);
   /** Not checked, but for what clearing asks of the producer. */
   GC_ERROR queueBuffer(const Buffer& buffer, bool clearFirst);
+  GC_ERROR queueBuffer(BUFFER_HANDLE buffer);
   GC_ERROR flushQueue(ACQ_QUEUE_TYPE operation);
   GC_ERROR startAcquisition(ACQ_START_FLAGS flags, std::uint64_t count);
   GC_ERROR stopAcquisition(ACQ_STOP_FLAGS flags);
@@ -86,6 +88,9 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
   std::int64_t getNumUnderrun() const;
   std::uint64_t getPayloadSize() const;
   bool definesPayloadSize() const;
+
+  /** The buffers that allocAndAnnounceBuffer made and revokeBuffer has not taken away. */
+  BufferTable& buffers() noexcept { return buffers_; }
 
   /** Registers for filled buffers; empty when the producer succeeds without an event. Checked. */
   std::shared_ptr<NewBufferEvent> registerNewBufferEvent();
@@ -104,6 +109,7 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
 
  private:
   WaitGate uses_;
+  BufferTable buffers_;
 
   template<class T>
   T getInfoValue(STREAM_INFO_CMD cmd) const;

@@ -14,6 +14,7 @@
 namespace GenTLCpp {
 
 class DataStream;
+class NewBufferEvent;
 
 /** Made by registerEvent of a module; unregisters itself at the end. Operations throw GenTLException. */
 class Event : public BaseModule {
@@ -35,6 +36,8 @@ class Event : public BaseModule {
   /** The module that the event is registered on. */
   const std::shared_ptr<BaseModule>& getParent() const noexcept { return parent_; }
   EVENT_TYPE getEventType() const noexcept { return eventType_; }
+  /** The event as what it is, or null for any other. */
+  virtual NewBufferEvent* asNewBufferEvent() noexcept { return nullptr; }
 
   /**
    * A thread's stay with an event: from before it waits until it has read what the event brought. Whoever closes the
@@ -119,6 +122,7 @@ class NewBufferEvent : public Event {
   NewBufferEvent(const std::shared_ptr<DataStream>& stream, EVENT_HANDLE handle);
   ~NewBufferEvent() override;
 
+  NewBufferEvent* asNewBufferEvent() noexcept override { return this; }
   std::shared_ptr<DataStream> getStream() const;
 
   /** Waits for a filled buffer. Allocates nothing and holds no lock. Throws as getData does, but for a closed module.

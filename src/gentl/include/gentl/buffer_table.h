@@ -1,0 +1,71 @@
+// Where a stream finds its announced buffers again, by the producer's handle or by the library's.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "gentl_interface/GenTL.h"
+
+namespace GenTLCpp {
+
+/** What is known of an announced buffer. Its memory is used again after the buffer was removed, and never given back
+ * before the table goes: whoever still reads it then reads another buffer's, at worst. */
+struct AnnouncedBuffer {
+  std::atomic<BUFFER_HANDLE> native{nullptr};
+  std::atomic<std::uint64_t> handle{0};
+  std::atomic<void*> userData{nullptr};
+  /** Sums over all deliveries: of the buffer's size, and of the bytes that were not filled. */
+  std::atomic<std::uint64_t> deliveredSize{0};
+  std::atomic<std::uint64_t> unfilledSize{0};
+};
+
+/** Any thread. Finding takes no lock: it is on the way of every image. */
+class BufferTable {
+ public:
+  AnnouncedBuffer& add(BUFFER_HANDLE native, void* userData);
+  /** Makes the buffer known by the handle that the library issued for it. */
+  void setHandle(AnnouncedBuffer& buffer, std::uint64_t handle);
+  void remove(BUFFER_HANDLE native);
+
+  /** The buffer, or null. */
+  AnnouncedBuffer* findNative(BUFFER_HANDLE native) const noexcept;
+  AnnouncedBuffer* findHandle(std::uint64_t handle) const noexcept;
+
+ private:
+  /** From keys, which are not 0, to buffers. One thread at a time changes it, under the table's lock. */
+  class Index {
+   public:
+    AnnouncedBuffer* find(std::uint64_t key) const noexcept;
+    void insert(std::uint64_t key, AnnouncedBuffer& buffer);
+    void erase(std::uint64_t key) noexcept;
+
+   private:
+    // A cell whose key is 0 was never used and ends a search; one without a buffer is free but does not end it.
+    struct Cell {
+      std::atomic<std::uint64_t> key{0};
+      std::atomic<AnnouncedBuffer*> buffer{nullptr};
+    };
+    using Cells = std::vector<Cell>;  // As many as a power of two.
+
+    static Cell* findCell(Cells& cells, std::uint64_t key) noexcept;
+    static void place(Cells& cells, std::uint64_t key, AnnouncedBuffer& buffer) noexcept;
+    void grow();
+
+    std::atomic<Cells*> current_{nullptr};
+    std::vector<std::unique_ptr<Cells>> all_;  // The outgrown ones too: somebody may be searching them.
+    std::size_t live_ = 0;
+  };
+
+  std::mutex mutex_;
+  std::deque<AnnouncedBuffer> buffers_;
+  std::vector<AnnouncedBuffer*> free_;
+  Index byNative_;
+  Index byHandle_;
+};
+
+}  // namespace GenTLCpp
