@@ -166,7 +166,7 @@ class LibraryLoop {
   explicit LibraryLoop(std::uint32_t cameraIndex) {
     auto info = std::make_unique<oviDeviceInfo>();
     check(oviGetDeviceInfo(cameraIndex, info.get()), "oviGetDeviceInfo");
-    check(oviOpenDevice(info->id, &device_, 1000, DEVICE_ACCESS_CONTROL), "oviOpenDevice");
+    check(oviOpenDevice(info->deviceID, &device_, 1000, DEVICE_ACCESS_CONTROL), "oviOpenDevice");
     check(oviSetFeatureBool(device_, "SpeedMode", true, OVI_MODULE_REMOTE_DEVICE), "SpeedMode");
     check(oviCreateDataStream(device_, 0, &stream_, kBuffers, 0), "oviCreateDataStream");
     check(oviRegisterEvent(stream_, OVI_EVENT_NEW_BUFFER, &event_, OVI_MODULE_DATA_STREAM), "oviRegisterEvent");

@@ -127,7 +127,7 @@ int main(int argc, char** argv) {
   Clock::time_point nextReport = begin;
   while (Clock::now() < end && failures < 10) {
     {
-      Session session(camera->id);
+      Session session(camera->deviceID);
       for (int run = 0; run < 3; ++run) {
         images += session.run(std::min(end, Clock::now() + std::chrono::milliseconds(500)));
       }
