@@ -16,6 +16,10 @@ using testing::Not;
 
 constexpr unsigned kWaiters = 3;
 
+constexpr const char* kLostWithTheCamera[] = {"GCReadPort",     "GCWritePort",       "EventGetData",
+                                              "EventKill",      "DSGetBufferInfo",   "DSQueueBuffer",
+                                              "DSRevokeBuffer", "DSStopAcquisition", "DSFlushQueue"};
+
 class WaitsTest : public ManualCameraTest {
  public:
   using End = void (WaitsTest::*)(const Stream&);
@@ -194,7 +198,19 @@ TEST_F(WaitsTest, SurviveEverythingAtOnce) {
         streams[s] = 0;
         break;
       case 5:
+      case 6: {
+        // Half of the times the camera is gone before it is closed, and nothing works any more.
+        const GC_ERROR code = random() % 2 != 0 ? GC_ERR_IO : GC_ERR_SUCCESS;
+        for (const char* function : kLostWithTheCamera) {
+          script().fail(function, code);
+        }
+        if (code != GC_ERR_SUCCESS) {
+          EXPECT_NE(oviStopAcquisition(deviceHandle), OVI_SUCCESS);
+        }
         closeDevice();
+        for (const char* function : kLostWithTheCamera) {
+          script().fail(function, GC_ERR_SUCCESS);
+        }
         open();
         deviceHandle = device();
         for (auto& stream : streams) {
@@ -202,6 +218,7 @@ TEST_F(WaitsTest, SurviveEverythingAtOnce) {
         }
         ++closings;
         break;
+      }
       default:
         break;
     }
