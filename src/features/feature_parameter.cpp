@@ -211,18 +211,25 @@ oviErr fillValues(oviFeatureParameter& record, GenApi::INode& node) {
   return OVI_SUCCESS;
 }
 
-/** Returns the name at its full length. */
-GenICam::gcstring fillIdentity(oviFeatureParameter& record, GenApi::INode& node) {
+void fillNames(oviFeatureParameter& record, std::string_view name, std::string_view displayName,
+               std::string_view toolTip) {
+  boundedCopy(record.name, name);
+  boundedCopy(record.displayName, displayName.empty() ? name : displayName);
+  boundedCopy(record.toolTip, toolTip);
+}
+
+/** A feature keeps its texts at hand; other nodes, such as entries, compose them for each call. */
+void fillIdentity(oviFeatureParameter& record, GenApi::INode& node, GenTLCpp::Feature* feature) {
   record.isFeature = node.IsFeature();
   record.featureType = featureTypeOf(node.GetPrincipalInterfaceType());
   record.visibility = mapped(kVisibilities, node.GetVisibility(), 1);
   record.accessMode = accessModeOf(node.GetAccessMode());
-  GenICam::gcstring name = node.GetName(false);
-  const GenICam::gcstring displayName = node.GetDisplayName();
-  boundedCopy(record.name, name.c_str());
-  boundedCopy(record.displayName, displayName.empty() ? name.c_str() : displayName.c_str());
-  boundedCopy(record.toolTip, node.GetToolTip().c_str());
-  return name;
+  if (feature != nullptr) {
+    const GenTLCpp::FeatureTexts& texts = feature->getTexts();
+    fillNames(record, feature->getName(), texts.displayName, texts.toolTip);
+  } else {
+    fillNames(record, node.GetName(false).c_str(), node.GetDisplayName().c_str(), node.GetToolTip().c_str());
+  }
 }
 
 /** The field stays as it is when the port does not answer. The device is at hand already: it is not looked up again. */
@@ -237,15 +244,15 @@ void fillByteOrder(oviFeatureParameter& record, const FoundNode& found, std::uin
   });
 }
 
-void fillDisplayProperties(oviFeatureParameter& record, GenTLCpp::Feature& feature) {
-  if (const auto notation = feature.getDisplayNotation(); !notation.empty())
-    record.displayNotation = named(kNotations, notation);
-  if (const auto precision = feature.getDisplayPrecision(); !precision.empty())
-    record.displayPrecision = static_cast<std::uint8_t>(std::strtol(precision.c_str(), nullptr, 10));
-  if (const auto unit = feature.getUnit(); !unit.empty())
-    boundedCopy(record.unit, unit);
-  if (const auto representation = feature.getRepresentation(); !representation.empty())
-    record.representation = named(kRepresentations, representation);
+void fillDisplayProperties(oviFeatureParameter& record, const GenTLCpp::FeatureTexts& texts) {
+  if (!texts.displayNotation.empty())
+    record.displayNotation = named(kNotations, texts.displayNotation);
+  if (!texts.displayPrecision.empty())
+    record.displayPrecision = static_cast<std::uint8_t>(std::strtol(texts.displayPrecision.c_str(), nullptr, 10));
+  if (!texts.unit.empty())
+    boundedCopy(record.unit, texts.unit);
+  if (!texts.representation.empty())
+    record.representation = named(kRepresentations, texts.representation);
 }
 
 oviErr catching(const char* site, const auto& work) {
@@ -279,16 +286,16 @@ oviErr nodeToFeatureParameter(oviFeatureParameter* record, GenApi::INode* node, 
                               std::uint64_t handle, std::uint32_t selector) {
   if (node == nullptr || record == nullptr)
     return OVI_ERR_INVALID_PARAMETER;
-  const GenICam::gcstring name = fillIdentity(*record, *node);
+  GenTLCpp::Feature* const feature = getFeatureFromModule(found.features, node);
+  fillIdentity(*record, *node, feature);
   fillByteOrder(*record, found, handle, selector);
   if (record->accessMode <= kNotAvailable)
     return OVI_SUCCESS;
   if (!record->isFeature && record->featureType != OVI_FEATURE_ENUM_ENTRY)
     return OVI_SUCCESS;
   const oviErr result = fillValues(*record, *node);
-  std::shared_ptr<GenTLCpp::Feature> feature;
-  if (getFeatureFromModule(found.features, name.c_str(), feature) == OVI_SUCCESS)
-    fillDisplayProperties(*record, *feature);
+  if (feature != nullptr)
+    fillDisplayProperties(*record, feature->getTexts());
   return result;
 }
 

@@ -14,7 +14,7 @@ oviErr withFeatureList(const char* site, std::uint64_t handle, const char* name,
                        const char* failed, const char* missing, Work&& work) {
   if (!isInitialized())
     return OVI_ERR_NOT_INITIALIZED;
-  if (handle == 0 || name == nullptr)
+  if (name == nullptr)
     return OVI_ERR_INVALID_PARAMETER;
   std::shared_ptr<GenTLCpp::FeatureList> features;
   if (const oviErr code = getFeatureListForModule(handle, selector, features); code != OVI_SUCCESS) {
@@ -37,6 +37,8 @@ oviErr withFeatureList(const char* site, std::uint64_t handle, const char* name,
 
 oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
                                std::shared_ptr<GenTLCpp::FeatureList>& out) {
+  if (handle == 0)
+    return OVI_ERR_INVALID_PARAMETER;
   return caught(
       [&]() -> oviErr {
         FoundNode found;
@@ -50,14 +52,12 @@ oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
       });
 }
 
-oviErr getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features, const char* name,
-                            std::shared_ptr<GenTLCpp::Feature>& out) {
-  if (features == nullptr) {
-    OVI_LOG_ERROR("getFeatureFromModule") << "Failed to get featureList for the Module";
-    return OVI_ERR_NOT_FOUND;
-  }
-  out = features->getFeature(name);
-  return out != nullptr ? OVI_SUCCESS : OVI_ERR_NOT_FOUND;
+GenTLCpp::Feature* getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features,
+                                        const GenApi::INode* node) {
+  if (features != nullptr)
+    return features->getFeature(node);
+  OVI_LOG_ERROR("getFeatureFromModule") << "Failed to get featureList for the Module";
+  return nullptr;
 }
 
 oviErr oviRegisterInvalidateCB(std::uint64_t handle, const char* name, void* context, oviInvalidateCallback callback,

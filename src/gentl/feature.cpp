@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "core/log.h"
+
 namespace GenTLCpp {
 
 /** What a feature's node calls: the application's function, when there is one at that moment. */
@@ -22,8 +24,13 @@ class Feature::Target {
       context = context_;
       callback = callback_;
     }
-    if (node != nullptr && context != nullptr && callback != nullptr) {
+    if (node == nullptr || context == nullptr || callback == nullptr) {
+      return;
+    }
+    try {
       callback(node->GetName(false).c_str(), context);
+    } catch (...) {  // Whoever changed the node did so, and other callbacks are due.
+      OVI_LOG_ERROR("Feature::call") << "The application's callback has thrown an exception.";
     }
   }
 
@@ -67,19 +74,23 @@ void Feature::clearCallback() {
   }
 }
 
-std::string Feature::getProperty(std::size_t index) {
-  constexpr std::array kNames = {"DisplayNotation", "DisplayPrecision", "Representation", "Unit"};
-  const std::lock_guard lock(mutex_);
-  std::optional<std::string>& property = properties_[index];
-  if (!property) {
-    GenICam::gcstring_vector names;
-    node_->GetPropertyNames(names);
-    GenICam::gcstring value;
-    GenICam::gcstring attribute;
-    const bool known = names.contains(kNames[index]) && node_->GetProperty(kNames[index], value, attribute);
-    property = known ? value.c_str() : "";
+const FeatureTexts& Feature::getTexts() {
+  if (!textsKnown_.load(std::memory_order_acquire)) {
+    const std::lock_guard lock(mutex_);
+    if (!textsKnown_.load(std::memory_order_relaxed)) {
+      GenICam::gcstring_vector names;
+      node_->GetPropertyNames(names);
+      const auto property = [&](const char* name) -> std::string {
+        GenICam::gcstring value;
+        GenICam::gcstring attribute;
+        return names.contains(name) && node_->GetProperty(name, value, attribute) ? value.c_str() : "";
+      };
+      texts_ = {node_->GetDisplayName().c_str(), node_->GetToolTip().c_str(), property("DisplayNotation"),
+                property("DisplayPrecision"),    property("Representation"),  property("Unit")};
+      textsKnown_.store(true, std::memory_order_release);
+    }
   }
-  return *property;
+  return texts_;
 }
 
 }  // namespace GenTLCpp

@@ -90,6 +90,11 @@ std::shared_ptr<Feature> FeatureList::getFeature(std::string_view name) const {
   return feature != features_.end() ? feature->second : nullptr;
 }
 
+Feature* FeatureList::getFeature(const GenApi::INode* node) const {
+  const auto feature = byNode_.find(node);
+  return feature != byNode_.end() ? feature->second : nullptr;
+}
+
 void FeatureList::registerCallback(std::string_view name, void* context, oviInvalidateCallback callback) {
   if (const std::shared_ptr<Feature> feature = getFeature(name)) {
     const std::lock_guard lock(registrationMutex_);
@@ -121,6 +126,7 @@ void FeatureList::add(GenApi::INode* start) {
       continue;
     }
     entry->second = std::make_shared<Feature>(nodeMap_, node);
+    byNode_.emplace(node, entry->second.get());
     GenApi::FeatureList_t next;
     if (const auto* category = dynamic_cast<const GenApi::ICategory*>(node)) {
       category->GetFeatures(next);

@@ -45,11 +45,14 @@ inline std::string featureCamera() {
  <pValue>ModeRegister</pValue></Enumeration>
 <Enumeration Name="WriteOnlyMode"><EnumEntry Name="A"><Value>0</Value></EnumEntry>
  <EnumEntry Name="B"><Value>1</Value></EnumEntry><pValue>WriteOnlyRegister</pValue></Enumeration>
+<Enumeration Name="BlindMode"><ImposedAccessMode>WO</ImposedAccessMode><EnumEntry Name="A"><Value>0</Value></EnumEntry>
+ <EnumEntry Name="B"><Value>1</Value></EnumEntry><pValue>ModeRegister</pValue></Enumeration>
 <Command Name="Go"><pValue>GoRegister</pValue><CommandValue>1</CommandValue></Command>
 <Integer Name="Selector"><pValue>SelectorRegister</pValue><pMax>SelectorMax</pMax><pSelected>Int</pSelected>
  <pSelected>Float</pSelected><pSelected>Bool</pSelected></Integer>
 <Integer Name="SelectorMax"><Value>3</Value></Integer>
-<Category Name="Again"><pFeature>Int</pFeature><pFeature>Deep0</pFeature></Category>
+<Category Name="Again"><pFeature>Int</pFeature><pFeature>Deep0</pFeature>
+ <pFeature>BlindMode</pFeature></Category>
 )";
   nodes += intReg("IntRegister", "0x100", 4) + intReg("Hex", "0x108", 8) + intReg("WriteOnly", "0x110", 4, "WO") +
            intReg("BoolRegister", "0x118", 4) + intReg("ModeRegister", "0x11C", 4) +

@@ -1,6 +1,8 @@
 // Callbacks when a feature changes, the value cache, and description files of the caller's choice.
 #include <atomic>
+#include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <thread>
 
 #include "feature_camera.h"
@@ -50,8 +52,10 @@ TEST_F(Invalidation, CallsTheLastCallbackRegistered) {
   takeLog();
   EXPECT_EQ(oviRegisterInvalidateCB(999999, "Int", &first, note, kCamera), OVI_ERR_NOT_FOUND);
   EXPECT_EQ(oviUnRegisterInvalidateCB(999999, "Int", kCamera), OVI_ERR_NOT_FOUND);
+  EXPECT_EQ(oviRegisterInvalidateCB(0, "Int", &first, note, kCamera), OVI_ERR_INVALID_PARAMETER);
   EXPECT_EQ(takeLog(), (std::vector<LogLine>{{2, "Could not register invalidation callback for feature: Int"},
-                                             {2, "Could not unregister invalidation callback from feature: Int"}}));
+                                             {2, "Could not unregister invalidation callback from feature: Int"},
+                                             {2, "Could not register invalidation callback for feature: Int"}}));
 }
 
 TEST_F(Invalidation, CallbackMayUseTheLibrary) {
@@ -69,6 +73,40 @@ TEST_F(Invalidation, CallbackMayUseTheLibrary) {
   EXPECT_EQ(oviSetFeatureInt(device(), "Int", 5, kCamera), OVI_SUCCESS);
   EXPECT_EQ(oviSetFeatureInt(device(), "Int", 10, kCamera), OVI_SUCCESS);
   EXPECT_EQ(told.calls, 1);
+
+  // What it throws does not reach the caller, whose write was done, nor the next callback.
+  const auto throwing = [](const char*, void*) { throw std::runtime_error("not of the library's business"); };
+  EXPECT_EQ(oviRegisterInvalidateCB(device(), "Int", &told, throwing, kCamera), OVI_SUCCESS);
+  EXPECT_EQ(oviRegisterInvalidateCB(device(), "Root", &told, note, kCamera), OVI_SUCCESS);
+  EXPECT_EQ(oviSetFeatureInt(device(), "Int", 15, kCamera), OVI_SUCCESS);
+  EXPECT_EQ(told.calls, 2);
+  EXPECT_EQ(stored(0x100), 15U);
+}
+
+TEST_F(Invalidation, OpeningAndClosingLeavesNoThreadBehind) {
+  // 0 where the system does not list them.
+  const auto threads = [] {
+    std::error_code none;
+    const auto tasks = std::filesystem::directory_iterator("/proc/self/task", none);
+    return std::distance(begin(tasks), end(tasks));
+  };
+  constexpr int kCycles = 1000;
+  script().camera.description = describe("Small", intReg("Small", "0x100", 4));
+  Told told;
+  std::int64_t value = 0;
+  const auto cycle = [&] {
+    open();
+    EXPECT_EQ(oviGetFeatureInt(device(), "Small", &value, kCamera), OVI_SUCCESS);
+    EXPECT_EQ(oviGetFeatureInt(device(), "Empty", &value, OVI_MODULE_LOCAL_DEVICE), OVI_SUCCESS);
+    EXPECT_EQ(oviRegisterInvalidateCB(device(), "Small", &told, note, kCamera), OVI_SUCCESS);
+  };
+  cycle();
+  const auto before = threads();
+  if (before == 0)
+    GTEST_SKIP() << "This system does not list a program's threads.";
+  for (int i = 0; i < kCycles; ++i)
+    cycle();
+  EXPECT_EQ(threads(), before);
 }
 
 TEST_F(Invalidation, PolledFeatureCallsBackUntilTheDeviceCloses) {

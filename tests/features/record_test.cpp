@@ -67,6 +67,11 @@ TEST_F(Record, IsFilledToTheByte) {
   std::strcpy(mode.stringValue, "B");
   store(0x11C, 1);
 
+  // Its number is not read, but its source still knows the entry.
+  oviFeatureParameter blindMode = named("BlindMode", 5, 4);
+  blindMode.enumEntryCount = 2;
+  std::strcpy(blindMode.stringValue, "B");
+
   oviFeatureParameter command = named("Go", 8, 3);
   oviFeatureParameter raw = named("Raw", 9, 3);
   raw.registerAddress = 0x400;
@@ -78,8 +83,8 @@ TEST_F(Record, IsFilledToTheByte) {
   text.maxStringLength = kLongText;
   std::memset(script().camera.memory.data() + 0x1000, 't', 600);
 
-  for (const oviFeatureParameter& want :
-       {integer, writeOnly, unavailable, notAFeature, hidden, number, flag, mode, command, raw, category, text}) {
+  for (const oviFeatureParameter& want : {integer, writeOnly, unavailable, notAFeature, hidden, number, flag, mode,
+                                          blindMode, command, raw, category, text}) {
     oviFeatureParameter have;
     std::memset(&have, 0x5A, sizeof have);
     EXPECT_EQ(oviGetFeatureParameter(device(), want.name, &have, kCamera), OVI_SUCCESS) << want.name;

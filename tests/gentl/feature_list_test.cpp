@@ -43,10 +43,6 @@ class FeatureListTest : public BindingTest {
   std::shared_ptr<FeatureList> list_;
 };
 
-void count(const char* /*name*/, void* context) {
-  ++*static_cast<std::atomic<int>*>(context);
-}
-
 void call(const char* /*name*/, void* context) {
   (*static_cast<std::function<void()>*>(context))();
 }
@@ -59,29 +55,8 @@ TEST_F(FeatureListTest, HoldsWhatCategoriesAndSelectorsReach) {
     EXPECT_EQ(list_->getFeature(name), nullptr) << name;
   }
   EXPECT_NE(list_->getNode("Aside"), nullptr);
-  EXPECT_EQ(list_->getFeature("Gain")->getUnit(), "dB");
-  EXPECT_EQ(list_->getFeature("Gain")->getDisplayNotation(), "");
-}
-
-TEST_F(FeatureListTest, CallsOneCallbackAFeature) {
-  std::atomic<int> first = 0;
-  std::atomic<int> second = 0;
-  list_->stopPolling();
-  list_->registerCallback("Gain", &first, &count);
-  list_->registerCallback("Gain", &second, &count);
-  setGain(1);
-  EXPECT_EQ(first, 0);
-  EXPECT_EQ(second, 1);
-  list_->registerCallback("Gain", nullptr, &count);
-  setGain(2);
-  list_->registerCallback("Unknown", &first, &count);
-  list_->unregisterCallback("Unknown");
-  list_->registerCallback("Gain", &second, &count);
-  list_->unregisterCallback("Gain");
-  list_->unregisterCallback("Gain");
-  setGain(3);
-  EXPECT_EQ(first, 0);
-  EXPECT_EQ(second, 1);
+  EXPECT_EQ(list_->getFeature("Gain")->getTexts().unit, "dB");
+  EXPECT_EQ(list_->getFeature("Gain")->getTexts().displayNotation, "");
 }
 
 TEST_F(FeatureListTest, PolledNodesCallFromTheirOwnThread) {

@@ -15,9 +15,9 @@ namespace OVI {
 oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
                                std::shared_ptr<GenTLCpp::FeatureList>& out);
 
-/** The feature object of a name in a feature list, which may be empty; NotFound (-104) when there is none. */
-oviErr getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features, const char* name,
-                            std::shared_ptr<GenTLCpp::Feature>& out);
+/** The feature object of a node; null when it has none, or no list is there. It lives as long as the list. */
+GenTLCpp::Feature* getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features,
+                                        const GenApi::INode* node);
 
 oviErr oviRegisterInvalidateCB(std::uint64_t handle, const char* name, void* context, oviInvalidateCallback callback,
                                std::uint32_t selector);

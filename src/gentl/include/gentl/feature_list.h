@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "gentl/feature.h"
 #include "gentl/port.h"
@@ -27,6 +28,8 @@ class FeatureList {
 
   /** The feature of that name, or nothing. Features are what "Root" and "TLParamsLocked" lead to. */
   std::shared_ptr<Feature> getFeature(std::string_view name) const;
+  /** The feature of that node, or null; it lives as long as the list. */
+  Feature* getFeature(const GenApi::INode* node) const;
 
   /** One callback a feature; a name without a feature is passed over. */
   void registerCallback(std::string_view name, void* context, oviInvalidateCallback callback);
@@ -47,6 +50,7 @@ class FeatureList {
   std::string name_;
   NodeMapPtr nodeMap_;
   std::map<std::string, std::shared_ptr<Feature>, std::less<>> features_;
+  std::unordered_map<const GenApi::INode*, Feature*> byNode_;
   std::mutex registrationMutex_;
   std::unique_ptr<Poller> poller_;
 };
