@@ -177,7 +177,7 @@ oviErr oviIsCommandActive(std::uint64_t handle, const char* name, bool* active, 
 
 oviErr oviGetFeatureReg(std::uint64_t handle, const char* name, std::uint8_t* buffer, std::int64_t* length,
                         std::uint32_t selector) {
-  if (name == nullptr || length == nullptr || *length < 0)
+  if (name == nullptr || length == nullptr)
     return OVI_ERR_INVALID_PARAMETER;
   TypedNode<GenApi::IRegister> node;
   if (const oviErr code = genGetNode(handle, name, node, selector); code != OVI_SUCCESS)

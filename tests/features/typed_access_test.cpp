@@ -224,14 +224,17 @@ TEST_F(TypedAccess, CommandsAndRegisters) {
   std::vector<std::uint8_t> read(16);
   EXPECT_EQ(oviGetFeatureReg(device(), "Raw", read.data(), &length, kCamera), OVI_SUCCESS);
   EXPECT_EQ(read, bytes);
-  for (const auto& [absurd, code] : {std::pair{std::int64_t{-1}, OVI_ERR_INVALID_PARAMETER},
-                                     {INT64_MIN, OVI_ERR_INVALID_PARAMETER},
+  for (const auto& [absurd, code] : {std::pair{std::int64_t{-1}, OVI_ERR_UNKNOWN},
+                                     {INT64_MIN, OVI_ERR_UNKNOWN},
                                      {17, OVI_SUCCESS},
                                      {INT64_MAX, OVI_SUCCESS}}) {
     length = absurd;
     std::vector<std::uint8_t> guarded(17, 0xAA);
     EXPECT_EQ(oviGetFeatureReg(device(), "Raw", guarded.data(), &length, kCamera), code) << absurd;
     EXPECT_EQ(guarded[16], 0xAA) << absurd;
+    length = absurd;
+    EXPECT_EQ(oviGetFeatureReg(device(), "Raw", nullptr, &length, kCamera), OVI_SUCCESS) << absurd;
+    EXPECT_EQ(length, 16) << absurd;
   }
   EXPECT_EQ(oviSetFeatureReg(device(), "Raw", bytes.data(), -1, kCamera), OVI_ERR_INVALID_PARAMETER);
 }
