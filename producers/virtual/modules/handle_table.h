@@ -8,6 +8,7 @@
 // pins that are left have gone.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -54,14 +55,31 @@ class HandleTable {
   static void insert(Object& object);
 
   // The object, kept from being closed until unpin(); null when the handle names none of these kinds.
-  static Object* pin(void* handle, std::uint32_t kinds) noexcept;
-  static void unpin(void* handle) noexcept;
+  static Object* pin(void* handle, std::uint32_t kinds) noexcept {
+    const auto [slot, generation] = decode(handle, kinds);
+    if (slot == nullptr) {
+      return nullptr;
+    }
+    const std::uint64_t state = slot->state.fetch_add(1, std::memory_order_acq_rel);
+    if (!isOpenState(state, generation) || (slot->kind.load(std::memory_order_relaxed) & kinds) == 0) {
+      unpinSlot(*slot);
+      return nullptr;
+    }
+    return slot->object.load(std::memory_order_relaxed);
+  }
+  static void unpin(void* handle) noexcept { unpinSlot(slots[indexOf(handle)]); }
 
   // Whether the handle names an open object of these kinds at this moment.
-  static bool isOpen(void* handle, std::uint32_t kinds) noexcept;
+  static bool isOpen(void* handle, std::uint32_t kinds) noexcept {
+    const auto [slot, generation] = decode(handle, kinds);
+    return slot != nullptr && isOpenState(slot->state.load(std::memory_order_acquire), generation) &&
+           (slot->kind.load(std::memory_order_relaxed) & kinds) != 0;
+  }
 
   // The open object, without a pin: the caller must know otherwise that it stays.
-  static Object* peek(void* handle, std::uint32_t kinds) noexcept;
+  static Object* peek(void* handle, std::uint32_t kinds) noexcept {
+    return isOpen(handle, kinds) ? slots[indexOf(handle)].object.load(std::memory_order_relaxed) : nullptr;
+  }
 
   // Begins a close: from here on no call gets in. Null when the handle names none of these kinds or is being closed.
   static Object* claim(void* handle, std::uint32_t kinds) noexcept;
@@ -77,6 +95,54 @@ class HandleTable {
 
   // The slot's number, for tables that run beside this one.
   static std::size_t indexOf(void* handle) noexcept { return (reinterpret_cast<std::uintptr_t>(handle) >> 8) & 0xFFFF; }
+
+ private:
+  static_assert(sizeof(void*) == 8, "handles hold a slot, a kind and a generation in 64 bits");
+
+  // A handle: 0x5A, generation (32 bits), slot (16 bits), kind (8 bits).
+  static constexpr std::uint64_t kTag = 0x5A;
+
+  // A slot's state: generation (32 bits), open, closing, pins (30 bits). Calls with stale handles may add and take away
+  // a pin at any moment, so the state changes by additions only, never by a plain store.
+  static constexpr std::uint64_t kOneGeneration = std::uint64_t{1} << 32;
+  static constexpr std::uint64_t kOpen = std::uint64_t{1} << 31;
+  static constexpr std::uint64_t kClosing = std::uint64_t{1} << 30;
+  static constexpr std::uint64_t kPins = kClosing - 1;
+
+  struct Slot {
+    std::atomic<std::uint64_t> state;
+    std::atomic<Object*> object;
+    std::atomic<std::uint32_t> kind;
+    std::uint32_t nextFree;  // of the free list, guarded by its mutex
+  };
+  struct Decoded {
+    Slot* slot;
+    std::uint32_t generation;
+  };
+
+  // The slot that a handle of one of these kinds names, open or not; null for anything that was never a handle.
+  static Decoded decode(void* handle, std::uint32_t kinds) noexcept {
+    const std::uint64_t value = reinterpret_cast<std::uintptr_t>(handle);
+    const std::uint32_t kind = value & 0xFF;
+    if (value >> 56 != kTag || (kind & kinds) == 0) {
+      return {nullptr, 0};
+    }
+    return {&slots[indexOf(handle)], static_cast<std::uint32_t>(value >> 24)};
+  }
+  static constexpr std::uint32_t generationOf(std::uint64_t state) noexcept {
+    return static_cast<std::uint32_t>(state >> 32);
+  }
+  static bool isOpenState(std::uint64_t state, std::uint32_t generation) noexcept {
+    return generationOf(state) == generation && (state & (kOpen | kClosing)) == kOpen;
+  }
+  static void unpinSlot(Slot& slot) noexcept {
+    const std::uint64_t before = slot.state.fetch_sub(1, std::memory_order_acq_rel);
+    if ((before & kClosing) != 0 && (before & kPins) == 1) {
+      slot.state.notify_all();
+    }
+  }
+
+  static std::array<Slot, kCapacity> slots;
 };
 
 // A pinned object for the length of a call.
