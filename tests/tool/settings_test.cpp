@@ -43,8 +43,9 @@ TEST(Settings, ComeBackFromAFileInWhateverOrderTheyDependOnEachOther) {
 }
 
 TEST(Settings, SayWhatCouldNotBeSetAndWhy) {
-  writeText("wrong.txt",
-            "# a comment\n\nWidth = 320\nHieght = 10\nGain [GainSelector=Nothing] = 1\nPixelFormat = RGB8\n");
+  writeText(
+      "wrong.txt",
+      "# a comment\n\nWidth = 320\nHieght = 10\nTriggerDelay [TriggerSelector=Nothing] = 1\nPixelFormat = RGB8\n");
   const Outcome run = ovi(words("load wrong.txt -c Mono --json"));
   EXPECT_EQ(run.code, 1);
   const nlohmann::json json = nlohmann::json::parse(run.out);

@@ -5,7 +5,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <functional>
 #include <optional>
+#include <set>
 
 #include "feature_view.h"
 #include "hex.h"
@@ -24,6 +26,33 @@ std::string lockReason(const ModuleView& view) {
       locked != 0)
     return " TLParamsLocked is " + std::to_string(locked) + ": stop the acquisition first.";
   return {};
+}
+
+// Features that the description refers to from this one, directly or through nodes that are none, with their values:
+// one of them is why it cannot be had. Empty when there is none.
+std::string dependencyText(const ModuleView& view, const std::string& name) {
+  constexpr unsigned kMaxDepth = 4;
+  std::set<std::string> features;
+  for (const FeatureNode& node : featureTree(view, false))
+    features.insert(node.name);
+  std::set<std::string> visited{name};
+  std::vector<std::string> found;
+  const std::function<void(const std::string&, unsigned)> visit = [&](const std::string& parent, unsigned depth) {
+    for (const std::string& child : view.feature(parent).children()) {
+      if (!visited.insert(child).second)
+        continue;
+      char value[512] = {};
+      if (features.count(child) == 0) {
+        if (depth < kMaxDepth)
+          visit(child, depth + 1);
+      } else if (oviGetFeatureOnModule(view.handle(), child.c_str(), value, view.selector()) == OVI_SUCCESS) {
+        found.push_back(child + " = " + fromLibraryText(value));
+      }
+    }
+  };
+  visit(name, 0);
+  view.session().takeMessages();
+  return found.empty() ? std::string() : " It depends on " + join(found, ", ") + ".";
 }
 
 // What the library logged about the call that failed just now.
@@ -91,9 +120,9 @@ class Refusal {
 
   [[noreturn]] void access() const {
     const bool available = isReadable(parameter_) || isWritable(parameter_);
-    throw ToolError(
-        assignment() + ": the feature is " + (available ? "read-only" : "not available") + " now." + lockReason(view_),
-        showCommand());
+    throw ToolError(assignment() + ": the feature is " + (available ? "read-only" : "not available") + " now." +
+                        dependencyText(view_, name_) + lockReason(view_),
+                    showCommand());
   }
   [[noreturn]] void notA(const std::string& kind, const std::string& legal) const {
     throw ToolError(assignment() + " is no " + kind + ": " + legal, showCommand(), ExitCode::kUsage);
@@ -216,7 +245,8 @@ std::string readFeature(const ModuleView& view, const std::string& name) {
     throw ToolError(name + " is a category and has no value", view.command("features " + name), ExitCode::kUsage);
   if (!isReadable(parameter) && parameter.featureType != OVI_FEATURE_COMMAND)
     throw ToolError(name + " cannot be read: it is " +
-                        (parameter.accessMode == OVI_ACCESS_WRITE_ONLY ? "write-only" : "not available now") + ".",
+                        (parameter.accessMode == OVI_ACCESS_WRITE_ONLY ? "write-only" : "not available now") + "." +
+                        dependencyText(view, name),
                     view.command("features " + name));
   try {
     const ovi::Feature feature = view.feature(name);

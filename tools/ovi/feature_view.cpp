@@ -149,6 +149,8 @@ nlohmann::ordered_json featureJson(const ModuleView& view, const FeatureNode& no
     json["range"] = {{"min", p.intMin}, {"max", p.intMax}, {"step", p.intInc}};
   if (p.featureType == OVI_FEATURE_FLOAT)
     json["range"] = {{"min", p.floatMin}, {"max", p.floatMax}, {"step", p.floatInc}};
+  if (p.featureType == OVI_FEATURE_REGISTER)
+    json["register"] = {{"address", p.registerAddress}, {"length", p.registerLength}};
   if (p.featureType == OVI_FEATURE_ENUMERATION)
     json["entries"] = entryNames(view, node.name);
   return json;

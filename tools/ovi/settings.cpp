@@ -18,9 +18,10 @@ namespace tool {
 namespace {
 
 // Features that say who the camera is, or make it work, instead of setting it.
-constexpr std::array kNotSettings = {"DeviceUserID", "TLParamsLocked",   "GevPersistent*", "GevCurrentIPConfig*",
-                                     "FileAccess*",  "FileOperation*",   "FileOpenMode",   "UserSetDefault*",
-                                     "GevCCP",       "DeviceRegisters*", "GevSCPHostPort", "GevSCDA"};
+constexpr std::array kNotSettings = {"DeviceUserID",   "TLParamsLocked",  "GevPersistent*", "GevCurrentIPConfig*",
+                                     "FileAccess*",    "FileOperation*",  "FileOpenMode",   "UserSetDefault*",
+                                     "GevCCP",         "MaintenanceMode", "Indirect*",      "DeviceRegisters*",
+                                     "GevSCPHostPort", "GevSCDA"};
 // Selectors that lead to work or to data of another kind.
 constexpr std::array kNotSelectors = {"FileSelector", "UserSetSelector", "FileOperationSelector"};
 constexpr std::size_t kMaxPositions = 4096;
@@ -74,21 +75,22 @@ class Selectors {
   std::vector<std::pair<std::string, std::string>> moved_;
 };
 
+// Beside what a node selects, its children are what it is made of and depends on; only its name tells a selector.
+bool isSelector(const FeatureNode& node) {
+  return (node.parameter.featureType == OVI_FEATURE_INTEGER || node.parameter.featureType == OVI_FEATURE_ENUMERATION) &&
+         (matchesPattern("*Selector", node.name) || matchesPattern("*Index", node.name));
+}
+
 // Which selectors select a feature, outermost first.
 using SelectorMap = std::map<std::string, std::vector<std::string>>;
 
 SelectorMap selectorsOf(const ModuleView& view, const std::vector<FeatureNode>& tree) {
   SelectorMap map;
   for (const FeatureNode& node : tree) {
-    if (node.parameter.featureType != OVI_FEATURE_INTEGER && node.parameter.featureType != OVI_FEATURE_ENUMERATION)
+    if (!isSelector(node))
       continue;
-    std::string child(512, '\0');
-    std::uint32_t type = 0;
-    for (std::uint32_t i = 0; oviIterateFeatureTree(view.handle(), view.feature(node.name).name().c_str(), i,
-                                                    child.data(), child.size(), &type, view.selector()) == OVI_SUCCESS;
-         ++i)
-      if (type != OVI_FEATURE_ENUM_ENTRY)
-        map[child.c_str()].push_back(node.name);
+    for (const std::string& child : view.feature(node.name).children())
+      map[child].push_back(node.name);
   }
   return map;
 }

@@ -32,10 +32,18 @@ bool matchesAny(const FeatureNode& node, const std::vector<std::string>& pattern
 
 [[noreturn]] void failNoMatch(const ModuleView& view, const std::vector<FeatureNode>& tree,
                               const std::vector<std::string>& patterns) {
+  // A pattern is often the beginning of a name, so it is held against beginnings of the same length too.
+  const std::string& pattern = patterns.front();
   std::vector<std::string> names;
-  for (const FeatureNode& node : tree)
+  std::vector<std::string> beginnings;
+  for (const FeatureNode& node : tree) {
     names.push_back(node.name);
-  const std::string nearest = nearestMatch(patterns.front(), names);
+    beginnings.push_back(node.name.substr(0, pattern.size()));
+  }
+  std::string nearest = nearestMatch(pattern, names);
+  if (const std::string beginning = nearestMatch(pattern, beginnings); nearest.empty() && !beginning.empty())
+    nearest = names.at(
+        static_cast<std::size_t>(std::find(beginnings.begin(), beginnings.end(), beginning) - beginnings.begin()));
   throw ToolError(view.noun() + " has no feature that matches " + join(patterns, " ") + "." +
                       (nearest.empty() ? "" : " Did you mean " + nearest + "?"),
                   view.command(nearest.empty() ? "features" : "features " + nearest), ExitCode::kUsage);
