@@ -39,7 +39,7 @@ struct InterfaceNumber<IFloat> {
 class CFloatPtr : public CPointer<IFloat> {
  public:
   CFloatPtr() = default;
-  CFloatPtr(IBase* pB) : CPointer<IFloat>(pB) {}
+  using CPointer<IFloat>::CPointer;
   void operator=(IBase* pB) { CPointer<IFloat>::operator=(pB); }
 
   /// Null if the node has no cast alias of that kind.

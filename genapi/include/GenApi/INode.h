@@ -50,6 +50,9 @@ struct GENAPI_DECL_ABSTRACT INode : virtual public IBase {
   virtual EInterfaceType GetPrincipalInterfaceType() const = 0;
   /// Whether the node can be reached from the category Root.
   virtual bool IsFeature() const = 0;
+
+  /// Declared again so that the question need not go through the virtual base.
+  bool FindInterface(int Type, void** Interface) override { return IBase::FindInterface(Type, Interface); }
 };
 
 template<>

@@ -13,9 +13,9 @@ template<class T, class B>
 T* InterfaceCast(B* pB) {
   if (pB == nullptr)
     return nullptr;
-  if constexpr (InterfaceNumber<T>::value >= 0) {
+  if constexpr (InterfaceNumber<T>::value >= 0 && std::is_base_of_v<IBase, B>) {
     void* found = nullptr;
-    if (static_cast<IBase*>(pB)->FindInterface(InterfaceNumber<T>::value, &found))
+    if (pB->FindInterface(InterfaceNumber<T>::value, &found))
       return static_cast<T*>(found);
   }
   return dynamic_cast<T*>(pB);
@@ -30,6 +30,9 @@ class CPointer {
  public:
   CPointer() = default;
   CPointer(B* pB) : m_pT(InterfaceCast<T>(pB)) {}
+  /// From an interface derived from B, which knows the way itself.
+  template<class D, std::enable_if_t<std::is_base_of_v<B, D> && !std::is_same_v<B, D>, int> = 0>
+  CPointer(D* pD) : m_pT(InterfaceCast<T>(pD)) {}
 
   void operator=(B* pB) { m_pT = InterfaceCast<T>(pB); }  // NOLINT(misc-unconventional-assign-operator)
   operator T*() const { return Checked(); }

@@ -80,19 +80,23 @@ void WarningList::add(std::uint32_t line, std::string text) {
   }
 }
 
-void LineTable::append(const char* begin, std::size_t size, std::uint32_t offset) {
-  documents_.push_back({ends_.size(), offset});
-  const char* const end = begin + size;
-  for (const char* at = begin; at != end; ++at) {
-    at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
-    if (at == nullptr) {
-      break;
+void LineTable::readTexts() const {
+  std::uint32_t offset = 1;
+  for (const std::string_view text : texts_) {
+    const DocumentText document = prepareDocument(text.data(), text.size(), cutAtFirstEnd_);
+    documents_.push_back({ends_.size(), offset});
+    const std::string_view lines(document.data.get() + 1, document.size);
+    for (std::size_t at = lines.find('\n'); at != std::string_view::npos; at = lines.find('\n', at + 1)) {
+      ends_.push_back(offset + static_cast<std::uint32_t>(at));
     }
-    ends_.push_back(offset + static_cast<std::uint32_t>(at - begin));
+    offset += static_cast<std::uint32_t>(document.size) + 2;
   }
 }
 
 LineTable::Position LineTable::positionOf(std::uint32_t offset) const {
+  if (documents_.empty()) {
+    readTexts();
+  }
   const auto after = std::upper_bound(documents_.begin(), documents_.end(), offset,
                                       [](std::uint32_t at, const Document& d) { return at < d.offset; });
   const Document document = after == documents_.begin() ? Document{0, 0} : *std::prev(after);
@@ -143,14 +147,13 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
   }
   model.textSize_ = total - 2;
 
-  LineTable lines;
+  const LineTable lines(texts, cutAtFirstEnd);
   WarningList warnings;
   ModelBuilder builder(model, lines, warnings);
   std::uint32_t offset = 1;
   for (std::size_t i = 0; i < prepared.size(); ++i) {
     const std::size_t size = prepared[i].size;
     char* const begin = model.text_.get() + offset;
-    lines.append(begin, size, offset);
     model.times_.prepare += nanosecondsSince(clock);
     pugi::xml_document tree;
     const pugi::xml_parse_result result = tree.load_buffer_inplace(begin, size, kParseOptions, pugi::encoding_utf8);
@@ -197,13 +200,14 @@ void ModelBuilder::addDocument(pugi::xml_node root, bool first) {
   pugi::xml_node at = root.first_child();
   while (at) {
     if (at.type() == pugi::node_element) {
-      if (findElement(at.name()).element == Element::Group) {
+      const ElementMatch match = findElement(at.name());
+      if (match.element == Element::Group) {
         if (const pugi::xml_node child = at.first_child()) {
           at = child;
           continue;
         }
       } else {
-        addAny(at);
+        addAny(at, match);
       }
     }
     while (at && !at.next_sibling()) {
@@ -259,8 +263,7 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
   }
 }
 
-void ModelBuilder::addAny(pugi::xml_node xml) {
-  const ElementMatch match = findElement(xml.name());
+void ModelBuilder::addAny(pugi::xml_node xml, ElementMatch match) {
   if (match.element == Element::StructReg) {
     addStruct(xml);
   } else if (isNodeKind(match.element) && match.element != NodeKind::StructEntry) {
@@ -288,38 +291,37 @@ NodeIndex ModelBuilder::addNode(pugi::xml_node xml, NodeKind kind, NodeIndex own
   }
   std::vector<Nested> nested;
   emitChildren(xml, kind, record, nested);
-  const std::size_t ownEnd = model_.properties_.size();
+  ElementSet present;
+  for (const Property& property : std::span(model_.properties_).subspan(record.firstProperty)) {
+    present.set(static_cast<std::size_t>(property.element()));
+  }
+  const ElementSet own = present;
   for (const Property& property : inherited) {
-    const auto own = std::span(model_.properties_).subspan(record.firstProperty, ownEnd - record.firstProperty);
-    const bool hasOwn =
-        std::any_of(own.begin(), own.end(), [&](const Property& p) { return p.element() == property.element(); });
-    if (!hasOwn) {
+    const auto element = static_cast<std::size_t>(property.element());
+    if (!own.test(element)) {
+      present.set(element);
       model_.properties_.push_back(property);
     }
   }
-  completeRegister(xml, record);
+  completeRegister(xml, record, present);
   record.propertyCount = static_cast<std::uint32_t>(model_.properties_.size() - record.firstProperty);
   model_.nodes_.push_back(record);
   documentOfNode_.push_back(document_);
   buildNested(nested, index);
-  checkRequired(index);
+  checkRequired(index, present);
   return index;
 }
 
 // Real descriptions forget a register's port or length; what is meant is plain.
-void ModelBuilder::completeRegister(pugi::xml_node xml, const NodeRecord& record) {
+void ModelBuilder::completeRegister(pugi::xml_node xml, const NodeRecord& record, const ElementSet& present) {
   if (!hasRegister(record.kind)) {
     return;
   }
-  const auto own = std::span(model_.properties_).subspan(record.firstProperty);
-  const auto has = [own](Element element) {
-    return std::any_of(own.begin(), own.end(), [element](const Property& p) { return p.element() == element; });
-  };
-  const bool hasPort = has(Element::pPort);
+  const auto has = [&present](Element element) { return present.test(static_cast<std::size_t>(element)); };
   if (!has(Element::Length) && !has(Element::pLength)) {
     warn(xml, quotedNameOf(record) + " has no Length, 4 bytes are assumed");
   }
-  if (!hasPort) {
+  if (!has(Element::pPort)) {
     warn(xml, quotedNameOf(record) + " has no pPort, the device's port is assumed");
     model_.properties_.push_back(makeProperty(Element::pPort, {}));
   }
@@ -363,19 +365,19 @@ void ModelBuilder::buildNested(const std::vector<Nested>& nested, NodeIndex owne
 }
 
 void ModelBuilder::emitAttributes(pugi::xml_node xml, NodeRecord& record) {
-  for (const pugi::xml_attribute attribute : xml.attributes()) {
-    const Element element = findElement(attribute.name()).element;
-    if (*attribute.value() == '\0') {
+  for (pugi::xml_attribute attribute = xml.first_attribute(); attribute; attribute = attribute.next_attribute()) {
+    const Span span = spanOf(attribute.value());
+    if (span.length == 0) {
       continue;
     }
-    const Span span = spanOf(attribute.value());
+    const Element element = findElement(attribute.name()).element;
     if (element == Element::Name) {
       record.name = span.offset;
       record.nameLength = span.length;
       continue;
     }
     if (element == Element::NameSpace) {
-      record.standard = equalsIgnoringCase(trim(attribute.value()), "Standard");
+      record.standard = equalsIgnoringCase({model_.text_.get() + span.offset, span.length}, "Standard");
     }
     if (element == Element::NameSpace || element == Element::MergePriority || element == Element::ExposeStatic) {
       model_.properties_.push_back(makeProperty(element, span));
@@ -384,7 +386,7 @@ void ModelBuilder::emitAttributes(pugi::xml_node xml, NodeRecord& record) {
 }
 
 void ModelBuilder::emitChildren(pugi::xml_node xml, NodeKind kind, NodeRecord& record, std::vector<Nested>& nested) {
-  for (const pugi::xml_node child : xml.children()) {
+  for (pugi::xml_node child = xml.first_child(); child; child = child.next_sibling()) {
     if (child.type() != pugi::node_element) {
       continue;
     }
@@ -439,7 +441,7 @@ void ModelBuilder::emitChild(pugi::xml_node child, Element element, NodeKind kin
       record.broken = true;
     }
   }
-  for (const pugi::xml_attribute attribute : child.attributes()) {
+  for (pugi::xml_attribute attribute = child.first_attribute(); attribute; attribute = attribute.next_attribute()) {
     if (*attribute.value() != '\0' && equalsIgnoringCase(attribute.name(), "pOffset")) {
       Property offset = makeProperty(Element::pOffset, spanOf(attribute.value()));
       model_.properties_.push_back(property);
@@ -455,11 +457,11 @@ void ModelBuilder::emitChild(pugi::xml_node child, Element element, NodeKind kin
   model_.properties_.push_back(property);
 }
 
-void ModelBuilder::checkRequired(NodeIndex index) {
+void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
   NodeRecord& record = model_.nodes_[index];
-  const auto has = [&](std::initializer_list<Element> elements) {
+  const auto has = [&present](std::initializer_list<Element> elements) {
     return std::any_of(elements.begin(), elements.end(),
-                       [&](Element element) { return model_.find(record, element) != nullptr; });
+                       [&present](Element element) { return present.test(static_cast<std::size_t>(element)); });
   };
   const auto require = [&](std::initializer_list<Element> elements, const char* what) {
     if (!has(elements)) {
@@ -502,6 +504,10 @@ Property ModelBuilder::makeProperty(Element element, Span span) {
 }
 
 ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) {
+  const pugi::xml_node first = element.first_child();
+  if (!first) {
+    return *element.value() == '\0' ? Span{} : spanOf(element.value());
+  }
   // Comments and CDATA sections split a text into parts that lie behind each other in the buffer; they are moved
   // together.
   char* begin = nullptr;
@@ -520,7 +526,7 @@ ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) {
     length += size;
   };
   append(element.value());
-  for (const pugi::xml_node child : element.children()) {
+  for (pugi::xml_node child = first; child; child = child.next_sibling()) {
     if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
       append(child.value());
     }

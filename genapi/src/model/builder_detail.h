@@ -3,6 +3,7 @@
 
 #include <pugixml.hpp>
 
+#include <bitset>
 #include <chrono>
 #include <span>
 #include <string>
@@ -26,10 +27,14 @@ class WarningList {
   std::size_t suppressed_ = 0;
 };
 
-/// Where the lines of a text begin, kept because parsing in place destroys the line ends.
+/// Where the lines of the texts begin. Parsing in place destroys the line ends, so the texts are prepared once more
+/// when somebody asks; most descriptions are loaded without a question.
 class LineTable {
  public:
-  void append(const char* begin, std::size_t size, std::uint32_t offset);
+  LineTable(std::span<const std::string_view> texts, bool cutAtFirstEnd)
+      : texts_(texts),
+        cutAtFirstEnd_(cutAtFirstEnd) {}
+
   std::uint32_t lineOf(std::uint32_t offset) const { return positionOf(offset).line; }
   struct Position {
     std::uint32_t line, column;
@@ -42,8 +47,12 @@ class LineTable {
     std::size_t firstEnd;
     std::uint32_t offset;
   };
-  std::vector<std::uint32_t> ends_;
-  std::vector<Document> documents_;
+  void readTexts() const;
+
+  std::span<const std::string_view> texts_;
+  bool cutAtFirstEnd_;
+  mutable std::vector<std::uint32_t> ends_;
+  mutable std::vector<Document> documents_;
 };
 
 /// First step: the XML tree becomes records and properties.
@@ -62,6 +71,7 @@ class ModelBuilder {
     std::uint32_t offset = 0;
     std::uint32_t length = 0;
   };
+  using ElementSet = std::bitset<static_cast<std::size_t>(Element::Unknown) + 1>;
   struct Nested {
     pugi::xml_node xml;
     NodeKind kind;
@@ -70,15 +80,15 @@ class ModelBuilder {
 
   void addDocument(pugi::xml_node root, bool first);
   void readRoot(pugi::xml_node root);
-  void addAny(pugi::xml_node xml);
+  void addAny(pugi::xml_node xml, ElementMatch match);
   NodeIndex addNode(pugi::xml_node xml, NodeKind kind, NodeIndex owner, std::span<const Property> inherited = {});
-  void completeRegister(pugi::xml_node xml, const NodeRecord& record);
+  void completeRegister(pugi::xml_node xml, const NodeRecord& record, const ElementSet& present);
   void addStruct(pugi::xml_node xml);
   void emitAttributes(pugi::xml_node xml, NodeRecord& record);
   void emitChildren(pugi::xml_node xml, NodeKind kind, NodeRecord& record, std::vector<Nested>& nested);
   void emitChild(pugi::xml_node child, Element element, NodeKind kind, NodeRecord& record);
   void buildNested(const std::vector<Nested>& nested, NodeIndex owner);
-  void checkRequired(NodeIndex index);
+  void checkRequired(NodeIndex index, const ElementSet& present);
   Property makeProperty(Element element, Span text);
   Span textOf(pugi::xml_node element);
   Span spanOf(const char* text) const;
@@ -112,6 +122,7 @@ class ModelLinker {
  private:
   void indexNames();
   bool insertName(NodeIndex index, std::string_view full);
+  Model::IndexSlot slotOf(std::uint32_t hash, NodeIndex index) const;
   NodeIndex resolveDuplicate(NodeIndex first, NodeIndex second);
   void mergeFeatures(NodeIndex into, NodeIndex from);
   void removeDropped();

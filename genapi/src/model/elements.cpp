@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "model/text.h"
 
@@ -26,8 +27,9 @@ constexpr ElementInfo reference(std::string_view name, Element element, Link lin
   return {name, element, Lexical::Reference, link, essential};
 }
 
-// In the order of the enumeration.
-constexpr std::array kElements{
+}  // namespace
+
+constexpr ElementInfo kElements[static_cast<std::size_t>(Element::Unknown) + 1] = {
     holder("Node", Element::Node),
     holder("Category", Element::Category),
     holder("Integer", Element::Integer),
@@ -141,15 +143,17 @@ constexpr std::array kElements{
     text("", Element::Unknown),
 };
 
+namespace {
+
 constexpr bool inOrder() {
-  for (std::size_t i = 0; i < kElements.size(); ++i) {
+  for (std::size_t i = 0; i < std::size(kElements); ++i) {
     if (static_cast<std::size_t>(kElements[i].element) != i) {
       return false;
     }
   }
   return true;
 }
-static_assert(inOrder() && kElements.size() == static_cast<std::size_t>(Element::Unknown) + 1);
+static_assert(inOrder());
 
 struct Variant {
   std::string_view name;
@@ -205,16 +209,13 @@ Element findForgiving(std::string_view name) {
 
 }  // namespace
 
-const ElementInfo& infoOf(Element element) {
-  return kElements[static_cast<std::size_t>(element)];
-}
-
 ElementMatch findElement(std::string_view name) {
   if (name.empty()) {
     return {};
   }
   for (std::size_t slot = slotOf(name); kSlotTable[slot] != Element::Unknown; slot = (slot + 1) % kSlots) {
-    if (infoOf(kSlotTable[slot]).name == name) {
+    const std::string_view known = infoOf(kSlotTable[slot]).name;
+    if (known.size() == name.size() && sameText(known.data(), name)) {
       return {kSlotTable[slot], true};
     }
   }

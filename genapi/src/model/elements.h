@@ -1,6 +1,7 @@
 // The vocabulary of a camera description: every element's number, its kind of value, and what a reference in it means.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -155,8 +156,12 @@ struct ElementInfo {
   bool essential;  ///< a node whose element of this kind cannot be understood is not implemented
 };
 
-/// The facts of one element.
-const ElementInfo& infoOf(Element element);
+/// The facts of every element, in the order of the enumeration.
+extern const ElementInfo kElements[static_cast<std::size_t>(Element::Unknown) + 1];
+
+inline const ElementInfo& infoOf(Element element) {
+  return kElements[static_cast<std::size_t>(element)];
+}
 
 struct ElementMatch {
   Element element = Element::Unknown;

@@ -40,24 +40,29 @@ void ModelLinker::indexNames() {
 
 // False when another node keeps the name.
 bool ModelLinker::insertName(NodeIndex index, std::string_view full) {
-  const auto hash = static_cast<std::uint32_t>(hashText(full));
+  const std::uint32_t hash = hashText(full);
   const std::size_t mask = model_.index_.size() - 1;
   std::size_t slot = hash & mask;
   for (; model_.index_[slot].node != kNoNode; slot = (slot + 1) & mask) {
     Model::IndexSlot& taken = model_.index_[slot];
-    if (taken.hash == hash && model_.hasFullName(model_.nodes_[taken.node], full)) {
+    if (model_.matches(taken, hash, full)) {
       const NodeIndex loser = resolveDuplicate(taken.node, index);
       if (loser == index) {
         return false;
       }
       dropped_[loser] = true;
       anyDropped_ = true;
-      taken.node = index;
+      taken = slotOf(hash, index);
       return true;
     }
   }
-  model_.index_[slot] = {hash, index};
+  model_.index_[slot] = slotOf(hash, index);
   return true;
+}
+
+Model::IndexSlot ModelLinker::slotOf(std::uint32_t hash, NodeIndex index) const {
+  const NodeRecord& record = model_.nodes_[index];
+  return {hash, index, record.name, record.owner == kNoNode ? record.nameLength : Model::IndexSlot::kComposed};
 }
 
 // Which of two nodes with one name is dropped.
@@ -136,7 +141,8 @@ void ModelLinker::removeDropped() {
       while (model_.index_[slot].node != kNoNode) {
         slot = (slot + 1) & mask;
       }
-      model_.index_[slot] = {entry.hash, moved[entry.node]};
+      model_.index_[slot] = entry;
+      model_.index_[slot].node = moved[entry.node];
     }
   }
 }
@@ -287,13 +293,15 @@ void ModelLinker::collectLists() {
     if (record.kind == NodeKind::Port) {
       model_.ports_.push_back(i);
     }
-    if (model_.find(record, Element::PollingTime) != nullptr) {
-      model_.polled_.push_back(i);
-    }
+    bool polled = false;
     for (const Property& property : model_.properties(record)) {
+      polled = polled || property.element() == Element::PollingTime;
       if (property.element() == Element::pSelected && property.target != kNoNode) {
         model_.selectors_.emplace_back(property.target, i);
       }
+    }
+    if (polled) {
+      model_.polled_.push_back(i);
     }
   }
   std::stable_sort(model_.selectors_.begin(), model_.selectors_.end(),

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 namespace GenApiEngine {
 namespace {
@@ -12,28 +11,6 @@ constexpr std::string_view kEntryPrefix = "EnumEntry_";
 constexpr std::array<std::string_view, 2> kNameSpaces{"Std::", "Cust::"};
 
 }  // namespace
-
-std::uint64_t hashText(std::string_view text, std::uint64_t seed) {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ULL;
-  std::uint64_t hash = seed ^ (text.size() * kMultiplier);
-  const char* at = text.data();
-  std::size_t left = text.size();
-  const auto mix = [&hash](std::uint64_t word) {
-    hash = (hash ^ word) * kMultiplier;
-    hash ^= hash >> 32;
-  };
-  std::uint64_t word = 0;
-  for (; left >= sizeof word; left -= sizeof word, at += sizeof word) {
-    std::memcpy(&word, at, sizeof word);
-    mix(word);
-  }
-  if (left != 0) {
-    word = 0;
-    std::memcpy(&word, at, left);
-    mix(word);
-  }
-  return hash;
-}
 
 const Property* Model::find(const NodeRecord& node, Element element) const {
   const auto all = properties(node);
@@ -64,14 +41,14 @@ NodeIndex Model::findName(std::string_view full) const {
   if (index_.empty()) {
     return kNoNode;
   }
-  const auto hash = static_cast<std::uint32_t>(hashText(full));
+  const std::uint32_t hash = hashText(full);
   const std::size_t mask = index_.size() - 1;
   for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
     const IndexSlot& entry = index_[slot];
     if (entry.node == kNoNode) {
       return kNoNode;
     }
-    if (entry.hash == hash && hasFullName(nodes_[entry.node], full)) {
+    if (matches(entry, hash, full)) {
       return entry.node;
     }
   }

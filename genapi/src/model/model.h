@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "model/elements.h"
+#include "model/text.h"
 
 namespace GenApiEngine {
 
@@ -118,12 +119,21 @@ class Model {
   friend class ModelBuilder;
   friend class ModelLinker;
 
+  // The name is repeated here, so that a look-up goes through no record.
   struct IndexSlot {
+    static constexpr std::uint32_t kComposed = 0xFFFFFFFFU;  // as length: an entry, whose name is put together
     std::uint32_t hash = 0;
     NodeIndex node = kNoNode;
+    std::uint32_t name = 0;
+    std::uint32_t length = 0;
   };
 
   NodeIndex findName(std::string_view name) const;
+  bool matches(const IndexSlot& slot, std::uint32_t hash, std::string_view full) const {
+    return slot.hash == hash && (slot.length == IndexSlot::kComposed
+                                     ? hasFullName(nodes_[slot.node], full)
+                                     : slot.length == full.size() && sameText(text_.get() + slot.name, full));
+  }
   bool hasFullName(const NodeRecord& node, std::string_view name) const;
 
   std::unique_ptr<char[]> text_;
@@ -142,8 +152,5 @@ class Model {
   std::size_t warningsSuppressed_ = 0;
   ModelTimes times_;
 };
-
-/// A fast hash of a short text.
-std::uint64_t hashText(std::string_view text, std::uint64_t seed = 0);
 
 }  // namespace GenApiEngine

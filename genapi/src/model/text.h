@@ -1,8 +1,10 @@
 // How texts of a description are read: blanks, numbers in every spelling found in the field, encodings.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,7 +12,73 @@
 
 namespace GenApiEngine {
 
-std::string_view trim(std::string_view text);
+constexpr bool isBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+inline std::string_view trim(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && isBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
+/// A word of a text's bytes, wherever it lies.
+template<class Word>
+std::uint64_t wordAt(const char* text) {
+  Word word;
+  std::memcpy(&word, text, sizeof word);
+  return word;
+}
+
+/// A fast hash of a short text. Its last word overlaps the one before, so that no byte is left over.
+inline std::uint32_t hashText(std::string_view text) {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ULL;
+  const char* at = text.data();
+  const std::size_t size = text.size();
+  std::uint64_t hash = size * kMultiplier;
+  const auto mix = [&hash](std::uint64_t word) {
+    hash = (hash ^ word) * kMultiplier;
+    hash ^= hash >> 32;
+  };
+  if (size >= 8) {
+    const char* const last = at + size - 8;
+    for (; at < last; at += 8) {
+      mix(wordAt<std::uint64_t>(at));
+    }
+    mix(wordAt<std::uint64_t>(last));
+  } else if (size >= 4) {
+    mix(wordAt<std::uint32_t>(at) | (wordAt<std::uint32_t>(at + size - 4) << 32));
+  } else if (size > 0) {
+    mix(wordAt<std::uint8_t>(at) | (wordAt<std::uint8_t>(at + size / 2) << 8) |
+        (wordAt<std::uint8_t>(at + size - 1) << 16));
+  }
+  return static_cast<std::uint32_t>((hash * kMultiplier) >> 32);
+}
+
+/// Whether the bytes at `text` are those of the other text; in words, as hashText does.
+inline bool sameText(const char* text, std::string_view other) {
+  const char* at = other.data();
+  const std::size_t size = other.size();
+  if (size >= 8) {
+    const char* const last = at + size - 8;
+    for (; at < last; at += 8, text += 8) {
+      if (wordAt<std::uint64_t>(at) != wordAt<std::uint64_t>(text)) {
+        return false;
+      }
+    }
+    return wordAt<std::uint64_t>(last) == wordAt<std::uint64_t>(text + (last - at));
+  }
+  if (size >= 4) {
+    return wordAt<std::uint32_t>(at) == wordAt<std::uint32_t>(text) &&
+           wordAt<std::uint32_t>(at + size - 4) == wordAt<std::uint32_t>(text + size - 4);
+  }
+  return std::equal(at, at + size, text);
+}
+
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 
 /// Decimal or hexadecimal, up to 64 bits (0xFFFFFFFFFFFFFFFF is -1); a float text is rounded. The whole text must be a

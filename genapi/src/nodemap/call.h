@@ -5,26 +5,32 @@
 
 namespace GenApiEngine {
 
-/// Holds the lock during one call and remembers the outermost one.
-class Call {
+/// Remembers the outermost call while it lasts; the lock is held already.
+class Frame {
  public:
-  Call(const NodeCore& node, const char* method) : map_(node.map()) {
-    map_.lock_.Lock();
+  Frame(const NodeCore& node, const char* method) : map_(node.map()) {
     if (map_.callDepth_++ == 0) {
       map_.entryNode_ = &node;
       map_.entryMethod_ = method;
       map_.steps_ = 0;
     }
   }
-  Call(const Call&) = delete;
-  Call& operator=(const Call&) = delete;
-  ~Call() {
-    --map_.callDepth_;
-    map_.lock_.Unlock();
-  }
+  Frame(const Frame&) = delete;
+  Frame& operator=(const Frame&) = delete;
+  ~Frame() { --map_.callDepth_; }
 
  private:
   NodeMap& map_;
+};
+
+/// Holds the lock during one call and remembers the outermost one.
+class Call {
+ public:
+  Call(const NodeCore& node, const char* method) : lock_(node.map().GetLock()), frame_(node, method) {}
+
+ private:
+  Api::AutoLock lock_;
+  Frame frame_;
 };
 
 /// One call that changes values. finish() ends it well: caches fall, errors are checked, callbacks are called, the

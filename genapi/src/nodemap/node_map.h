@@ -101,7 +101,7 @@ class NodeMap final : public Api::INodeMap, public Api::IDeviceInfo, public Api:
   void fireInside();
 
  private:
-  friend class Call;
+  friend class Frame;
   friend class WriteCall;
   friend class ValueDescent;
   friend class NodeCore;

@@ -31,7 +31,11 @@ void BooleanNode::operator=(bool value) {
 }
 
 bool BooleanNode::GetValue(bool verify, bool ignoreCache) const {
-  const Call call(*this, "GetValue");
+  const Api::AutoLock lock(map().GetLock());
+  if (isReady() && !verify && !ignoreCache) {
+    return value_;
+  }
+  const Frame frame(*this, "GetValue");
   return const_cast<BooleanNode*>(this)->readBool({verify, ignoreCache});
 }
 

@@ -107,7 +107,11 @@ void EnumerationNode::SetIntValue(int64_t value, bool verify) {
 }
 
 int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
-  const Call call(*this, "GetIntValue");
+  const Api::AutoLock lock(map().GetLock());
+  if (isReady() && !verify && !ignoreCache) {
+    return value_;
+  }
+  const Frame frame(*this, "GetIntValue");
   requireReadable();
   return readRaw({verify, ignoreCache});
 }

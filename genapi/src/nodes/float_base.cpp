@@ -33,8 +33,12 @@ Api::IFloat& FloatBase::operator=(double value) {
 }
 
 double FloatBase::GetValue(bool verify, bool ignoreCache) {
-  const Call call(*this, "GetValue");
-  const double value = readFloat({verify, ignoreCache});
+  const Api::AutoLock lock(map().GetLock());
+  if (isReady() && !verify && !ignoreCache) {
+    return value_;
+  }
+  const Frame frame(*this, "GetValue");
+  const double value = slowReadFloat({verify, ignoreCache});
   if (verify) {
     checkErrors();
   }

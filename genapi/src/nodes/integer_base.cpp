@@ -29,8 +29,12 @@ Api::IInteger& IntegerBase::operator=(int64_t value) {
 }
 
 int64_t IntegerBase::GetValue(bool verify, bool ignoreCache) {
-  const Call call(*this, "GetValue");
-  const std::int64_t value = readInt({verify, ignoreCache});
+  const Api::AutoLock lock(map().GetLock());
+  if (isReady() && !verify && !ignoreCache) {
+    return value_;
+  }
+  const Frame frame(*this, "GetValue");
+  const std::int64_t value = slowReadInt({verify, ignoreCache});
   if (verify) {
     checkErrors();
   }

@@ -55,6 +55,7 @@ struct NodeCore::Callbacks {
 };
 
 NodeCore::NodeCore(NodeMap& map, NodeIndex index) : map_(map), index_(index) {
+  broken_ = record().broken;
   for (const Property& property : properties()) {
     const Element element = property.element();
     hasGuards_ = hasGuards_ || isGuard(element) || element == Element::ImposedAccessMode;
@@ -142,7 +143,7 @@ EAccessMode NodeCore::accessMode() {
 }
 
 EAccessMode NodeCore::computeAccess(bool& reliable) {
-  if (record().broken) {
+  if (broken_) {
     return Api::NI;
   }
   if (!hasGuards_) {
@@ -746,7 +747,7 @@ ValueDescent::ValueDescent(NodeCore& node, std::uint8_t& state, std::uint8_t bus
       state_(state),
       busyBit_(busyBit) {
   // A write that is not verified does not ask for the access mode.
-  if (node.record().broken) {
+  if (node.isBroken()) {
     NODE_FAIL(node, AccessException, "Node is not implemented.");
   }
   if ((state & busyBit) != 0) {

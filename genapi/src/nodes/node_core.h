@@ -94,6 +94,8 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
   Api::UserData_t SetUserData(Api::UserData_t data) override;
 
   NodeMap& map() const { return map_; }
+  /// Cannot be built; every use of it fails.
+  bool isBroken() const { return broken_; }
   NodeIndex index() const { return index_; }
   const NodeRecord& record() const;
   std::string_view name() const;
@@ -229,6 +231,7 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
   std::uint8_t accessCacheable_ = 2;  // 0 no, 1 yes, 2 not known
   bool hasGuards_ = false;
   bool hasErrors_ = false;
+  bool broken_ = false;
 
  protected:
   std::uint8_t state_ = 0;

@@ -143,9 +143,13 @@ void RegisterAccess::read(NodeCore& owner, std::uint8_t* buffer, std::int64_t le
     return;
   }
   const std::int64_t at = address(owner);
+  if (caching() == Api::NoCache && !flags.ignoreCache) {
+    through->read(owner, buffer, at, length);
+    return;
+  }
   RawBytes* const kept = raw(*through, at, length);
   const auto size = static_cast<std::size_t>(length);
-  const bool useCache = kept != nullptr && caching() != Api::NoCache && !flags.ignoreCache;
+  const bool useCache = kept != nullptr && !flags.ignoreCache;
   if (useCache && kept->valid) {
     std::memcpy(buffer, kept->data(), size);
     return;
@@ -231,7 +235,7 @@ void RegisterAccess::writeNumber(NodeCore& owner, std::uint64_t value) {
 // More than the register holds is cut, less leaves the rest of it alone.
 void RegisterAccess::set(NodeCore& owner, const std::uint8_t* buffer, std::int64_t length, bool verify) {
   WriteCall call(owner, "Set");
-  if (owner.record().broken) {
+  if (owner.isBroken()) {
     NODE_FAIL(owner, AccessException, "Node is not implemented.");
   }
   if (verify) {
@@ -263,7 +267,7 @@ std::int64_t RegisterAccess::publicLength(NodeCore& owner) {
 
 std::int64_t RegisterAccess::publicAddress(NodeCore& owner) {
   const Call call(owner, "GetAddress");
-  if (owner.record().broken) {
+  if (owner.isBroken()) {
     NODE_FAIL(owner, AccessException, "Node is not available.");
   }
   return address(owner);

@@ -88,7 +88,7 @@ class RegisterNode : public Base, public Api::IRegister {
   Api::ECachingMode ownCaching() override { return register_.caching(); }
   void onInvalidate(bool kept) override { register_.invalidate(*this, kept); }
   void* interfaceOf(int type) override {
-    return type == Api::intfIRegister ? static_cast<Api::IRegister*>(this) : Base::interfaceOf(type);
+    return type == Api::intfIRegister ? static_cast<Api::IRegister*>(this) : nullptr;
   }
 
   RegisterAccess register_;

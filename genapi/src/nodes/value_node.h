@@ -33,11 +33,15 @@ class ValueNode : public NodeCore, public Interface {
     return static_cast<Api::EInterfaceType>(Api::InterfaceNumber<Interface>::value);
   }
   Api::IValue* asValue() override { return this; }
+  bool FindInterface(int type, void** found) override {
+    if (type == Api::InterfaceNumber<Interface>::value) {
+      *found = static_cast<Interface*>(this);
+      return true;
+    }
+    return NodeCore::FindInterface(type, found);
+  }
 
  protected:
-  void* interfaceOf(int type) override {
-    return type == Api::InterfaceNumber<Interface>::value ? static_cast<Interface*>(this) : nullptr;
-  }
   virtual std::string textValue(ReadFlags flags) = 0;
   virtual void setText(std::string_view text, bool verify) = 0;
 };

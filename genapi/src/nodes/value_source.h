@@ -26,6 +26,7 @@ struct NumberOf<std::int64_t> {
   static std::int64_t read(NodeCore& node, ReadFlags flags) { return node.readInt(flags); }
   static void write(NodeCore& node, std::int64_t value, bool verify) { node.writeInt(value, verify); }
   static std::int64_t constant(const Model& model, const Property& property) { return model.integer(property); }
+  static std::int64_t inc(NodeCore& node) { return node.intInc(); }
   static std::int64_t min(NodeCore& node) { return node.intMin(); }
   static std::int64_t max(NodeCore& node) { return node.intMax(); }
 };
@@ -34,6 +35,11 @@ struct NumberOf<double> {
   static double read(NodeCore& node, ReadFlags flags) { return node.readFloat(flags); }
   static void write(NodeCore& node, double value, bool verify) { node.writeFloat(value, verify); }
   static double constant(const Model& model, const Property& property) { return model.number(property); }
+  /// 0 for a number without increment.
+  static double inc(NodeCore& node) {
+    double increment = 0;
+    return node.floatInc(increment) ? increment : 0;
+  }
   static double min(NodeCore& node) { return node.floatMin(); }
   static double max(NodeCore& node) { return node.floatMax(); }
 };
@@ -68,6 +74,7 @@ class ValueSource {
   };
 
   ValueSlot<T>& current(NodeCore& owner, ReadFlags flags);
+  bool sameIncrements(NodeCore& owner);
   static ValueSlot<T> slotOf(const NodeCore& owner, const Property& property);
 
   ValueSlot<T> main_;
@@ -217,8 +224,28 @@ EAccessMode ValueSource<T>::access(NodeCore& owner) {
         mode = Api::Combine(mode, copy->accessMode());
       }
     }
+    if (Api::IsWritable(mode) && !sameIncrements(owner)) {
+      mode = Api::Combine(mode, Api::RO);
+    }
   }
   return mode;
+}
+
+// What fits one target would not fit another whose increment differs.
+template<class T>
+bool ValueSource<T>::sameIncrements(NodeCore& owner) {
+  T known{};  // 0 until a target has one
+  bool same = true;
+  try {
+    forEachTarget(owner, [&](NodeCore& target) {
+      const T increment = NumberOf<T>::inc(target);
+      same = same && (known == T{} || increment == T{} || increment == known);
+      known = increment == T{} ? known : increment;
+    });
+  } catch (const GENICAM_NAMESPACE::GenericException&) {
+    // An increment that cannot be read restricts nothing.
+  }
+  return same;
 }
 
 template<class T>
