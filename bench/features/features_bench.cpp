@@ -7,34 +7,16 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <new>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "GenApi/GenApi.h"
+#include "allocations.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
 #include "scripted_camera.h"
-
-namespace {
-
-thread_local std::uint64_t allocations = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const memory = std::malloc(size))
-    return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  std::free(memory);
-}
 
 namespace {
 
@@ -86,13 +68,13 @@ Measured measure(const std::function<void()>& call) {
   Measured best;
   call();
   for (int round = 0; round < kRounds; ++round) {
-    const std::uint64_t before = allocations;
+    const std::size_t before = bench::allocationCount();
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < kCalls; ++i)
       call();
     const std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - start;
     best.nanoseconds = std::min(best.nanoseconds, took.count() / kCalls);
-    best.allocations = static_cast<double>(allocations - before) / kCalls;
+    best.allocations = static_cast<double>(bench::allocationCount() - before) / kCalls;
   }
   return best;
 }
@@ -122,6 +104,54 @@ std::uint64_t openCamera() {
   require(oviDiscoverDevices(info.get(), 1000, nullptr, directory.c_str(), 1) == OVI_SUCCESS, "oviDiscoverDevices");
   require(oviOpenDevice("ScriptedCamera", &device, 1000, 3) == OVI_SUCCESS, "oviOpenDevice");
   return device;
+}
+
+/** The virtual cameras of this build, opened; there are four at least. */
+std::array<std::uint64_t, 4> openFourCameras() {
+  const auto info = std::make_unique<oviDiscoveryInfo>();
+  require(oviDiscoverDevices(info.get(), 1000, nullptr, OVI_OUT, 1) == OVI_SUCCESS, "oviDiscoverDevices");
+  std::array<std::uint64_t, 4> devices{};
+  std::size_t opened = 0;
+  for (std::uint32_t i = 0; i < info->deviceCount && opened < devices.size(); ++i) {
+    const std::string id = info->devices[i].deviceID;
+    if (id != "ScriptedCamera" && oviOpenDevice(id.c_str(), &devices[opened], 1000, 3) == OVI_SUCCESS)
+      ++opened;
+  }
+  require(opened == devices.size(), "opening four virtual cameras");
+  return devices;
+}
+
+/** Seconds until every device was read so many times, each by a thread of its own. */
+double secondsToRead(std::span<const std::uint64_t> devices, int reads) {
+  std::vector<std::thread> threads;
+  const auto start = std::chrono::steady_clock::now();
+  for (const std::uint64_t device : devices) {
+    threads.emplace_back([device, reads] {
+      std::int64_t value = 0;
+      for (int i = 0; i < reads; ++i)
+        require(oviGetFeatureInt(device, "Width", &value, kCamera) == OVI_SUCCESS, "reading the width");
+    });
+  }
+  for (std::thread& thread : threads)
+    thread.join();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/** How many times as much four threads read as one does; rounds alternate and the best of each counts. */
+void printScaling() {
+  constexpr int kRounds = 15;
+  constexpr int kReads = 100000;
+  const std::array devices = openFourCameras();
+  double one = std::numeric_limits<double>::max();
+  double four = one;
+  for (int round = 0; round < kRounds; ++round) {
+    one = std::min(one, secondsToRead(std::span(devices).first(1), kReads));
+    four = std::min(four, secondsToRead(devices, kReads));
+  }
+  std::printf("four threads on four cameras read %.2f times as much as one, on %u cores (at least 1.8 on two)\n",
+              4 * one / four, std::thread::hardware_concurrency());
+  for (const std::uint64_t device : devices)
+    oviCloseDevice(device);
 }
 
 }  // namespace
@@ -173,6 +203,7 @@ int main() {
 
   GenApi::CPointer<GenApi::IDestroy, GenApi::INodeMap>(map)->Destroy();
   oviCloseDevice(device);
+  printScaling();
   oviClose();
   return EXIT_SUCCESS;
 }
