@@ -143,11 +143,12 @@ void RegisterAccess::read(NodeCore& owner, std::uint8_t* buffer, std::int64_t le
     return;
   }
   const std::int64_t at = address(owner);
+  // Also a register that is not cached knows the shared bytes of its place: they fall with it.
+  RawBytes* const kept = raw(*through, at, length);
   if (caching() == Api::NoCache && !flags.ignoreCache) {
     through->read(owner, buffer, at, length);
     return;
   }
-  RawBytes* const kept = raw(*through, at, length);
   const auto size = static_cast<std::size_t>(length);
   const bool useCache = kept != nullptr && !flags.ignoreCache;
   if (useCache && kept->valid) {
@@ -209,11 +210,14 @@ std::int64_t RegisterAccess::numberLength(NodeCore& owner) {
 std::uint64_t RegisterAccess::readUnsigned(NodeCore& owner, std::int64_t length, ReadFlags flags) {
   std::array<std::uint8_t, kMaxNumberLength> bytes{};
   read(owner, bytes.data(), length, flags);
-  std::uint64_t value = 0;
-  for (std::int64_t i = 0; i < length; ++i) {
-    value = (value << 8) | bytes[static_cast<std::size_t>(bigEndian_ ? i : length - 1 - i)];
+  // All eight bytes, so that the compiler makes one load of them; those behind the register are zero.
+  std::uint64_t big = 0;
+  std::uint64_t little = 0;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    big = (big << 8) | bytes[i];
+    little |= std::uint64_t{bytes[i]} << (8 * i);
   }
-  return value;
+  return bigEndian_ ? big >> (8 * (kMaxNumberLength - length)) : little;
 }
 
 std::int64_t RegisterAccess::readNumber(NodeCore& owner, ReadFlags flags) {
