@@ -8,6 +8,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 export WINEPREFIX=${OVI_WINE_PREFIX:-$root/build/wine} WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+export LC_ALL=C.UTF-8  # File names outside ASCII need it.
 unset DISPLAY WAYLAND_DISPLAY
 [ -z "${OVI_WINE_DISPLAY-}" ] || export DISPLAY=$OVI_WINE_DISPLAY
 

@@ -16,9 +16,10 @@ namespace OVI::platform {
 namespace {
 
 TEST(Platform, FileUrlsBecomePaths) {
+  const char* const kLocal = pathSeparator() == '/' ? "/c:/c.xml" : "c:/c.xml";
   const std::array<std::pair<const char*, const char*>, 8> cases = {{{"file:///opt/a%20b/c.xml", "/opt/a b/c.xml"},
                                                                      {"FILE:/opt/c.xml", "/opt/c.xml"},
-                                                                     {"File://localhost/c.xml", "/c.xml"},
+                                                                     {"File://localhost/c:/c.xml", kLocal},
                                                                      {"file://elsewhere/c.xml", ""},
                                                                      {"file:///c.xml?SchemaVersion=1.1.0", "/c.xml"},
                                                                      {"file:///100%.xml", "/100%.xml"},
