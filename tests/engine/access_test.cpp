@@ -193,3 +193,14 @@ TEST(Access, MessagesNameTheNodeAndTheCall) {
   EXPECT_THAT(what([&] { map.get<IValue>("Y").FromString("abc"); }),
               StartsWith("Node 'Y' : cannot convert string 'abc' to int. : InvalidArgumentException"));
 }
+
+TEST(Access, TargetsWithDifferentIncrementsCannotBeWritten) {
+  const auto target = [](const char* name, const std::string& increment) {
+    return "<Integer Name=\"" + std::string(name) + "\"><Value>0</Value>" + increment + "</Integer>";
+  };
+  for (const auto& [increment, expected] : {std::pair("<Inc>2</Inc>", RW), std::pair("<Inc>3</Inc>", RO)}) {
+    TestMap map("<Integer Name=\"X\"><pValue>A</pValue><pValueCopy>B</pValueCopy></Integer>" +
+                target("A", "<Inc>2</Inc>") + target("B", increment));
+    EXPECT_EQ(map.mode("X"), expected) << increment;
+  }
+}

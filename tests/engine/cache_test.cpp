@@ -57,6 +57,15 @@ TEST(Cache, RawBytesAreSharedByPlaceAndLength) {
   EXPECT_EQ(map.port.bytes[0], 2);
 }
 
+TEST(Cache, AnUncachedRegisterTakesTheSharedBytesAlong) {
+  TestMap map(reg("IntReg", "A", at(0)) + reg("IntReg", "B", at(0)) + reg("IntReg", "U", at(0), cachable("NoCache")));
+  map.integer("A").SetValue(7);
+  map.port.put(0, {9, 0, 0, 0});
+  EXPECT_EQ(map.integer("U").GetValue(), 9);
+  map.node("U").InvalidateNode();
+  EXPECT_EQ(map.integer("B").GetValue(), 9);
+}
+
 TEST(Cache, AWriteReachesWhateverDependsOnIt) {
   TestMap map(reg("IntReg", "R", at(0)) + reg("IntReg", "S", at(4), "<pInvalidator>X</pInvalidator>") +
               reg("IntReg", "T", at(8)) +
