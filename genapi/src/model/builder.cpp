@@ -200,14 +200,14 @@ void ModelBuilder::addDocument(pugi::xml_node root, bool first) {
   pugi::xml_node at = root.first_child();
   while (at) {
     if (at.type() == pugi::node_element) {
-      const ElementMatch match = findElement(at.name());
-      if (match.element == Element::Group) {
+      const ElementMatch kind = findElement(at.name());
+      if (kind.element == Element::Group) {
         if (const pugi::xml_node child = at.first_child()) {
           at = child;
           continue;
         }
       } else {
-        addAny(at, match);
+        addAny(at, kind);
       }
     }
     while (at && !at.next_sibling()) {
