@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "GenApi/GenApi.h"
+#include "allocations.h"
 #include "gentl/buffer.h"
 #include "gentl/data_stream.h"
 #include "gentl/device.h"
@@ -31,26 +32,6 @@
 #include "gentl/transport_layer.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
-
-namespace {
-
-std::atomic<std::uint64_t> allocations{0};
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* memory = std::malloc(size)) {
-    return memory;
-  }
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  std::free(memory);
-}
 
 namespace {
 
@@ -76,13 +57,14 @@ struct Cost {
 };
 
 void measure(Cost& cost, std::uint64_t images, const std::function<void(std::uint64_t)>& loop) {
-  const std::uint64_t allocationsBefore = allocations;
+  const std::uint64_t allocationsBefore = bench::allocationCount();
   const auto begin = std::chrono::steady_clock::now();
   loop(images);
   const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - begin;
   const auto count = static_cast<double>(images);
   cost.nanoseconds = std::min(cost.nanoseconds, time.count() / count);
-  cost.allocations = std::max(cost.allocations, static_cast<double>(allocations - allocationsBefore) / count);
+  cost.allocations =
+      std::max(cost.allocations, static_cast<double>(bench::allocationCount() - allocationsBefore) / count);
 }
 
 /** The loop without the library, over a producer of its own. */

@@ -2,7 +2,6 @@
 #include "acquisition.h"
 
 #include <algorithm>
-#include <optional>
 
 #include "session.h"
 #include "tool_error.h"
@@ -38,20 +37,22 @@ class Counter {
     const Clock::time_point now = Clock::now();
     ++ledger_.delivered;
     ledger_.bytes += image.size();
-    if (lastID_ && image.frameID() > *lastID_ + 1)
-      ledger_.missing += image.frameID() - *lastID_ - 1;
-    if (lastID_)
+    if (known_ && image.frameID() > lastID_ + 1)
+      ledger_.missing += image.frameID() - lastID_ - 1;
+    if (known_)
       ledger_.longestGap = std::max(ledger_.longestGap, seconds(now - last_));
     const double latency = seconds(now.time_since_epoch() - image.timestamp());
     latencies_ += std::max(0.0, latency);
     ledger_.latency = latencies_ / static_cast<double>(ledger_.delivered);
     lastID_ = image.frameID();
+    known_ = true;
     last_ = now;
   }
 
  private:
   Ledger& ledger_;
-  std::optional<std::uint64_t> lastID_;
+  bool known_ = false;
+  std::uint64_t lastID_ = 0;
   Clock::time_point last_;
   double latencies_ = 0;
 };
