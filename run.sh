@@ -11,7 +11,7 @@ pictures="build/pictures"
 ovi() { printf '\n$ ovi %s\n' "$*"; "$out/ovi" "$@"; }
 
 stage "install dependencies" scripts/install-deps.sh
-stage "build (release)" build_preset release
+stage "build (release)" build_preset release ovi-tool ovi_virtual_camera
 
 rm -rf "$pictures"
 mkdir -p "$pictures"
@@ -23,7 +23,10 @@ ovi info "$camera"
 ovi features --camera "$camera" 'Pixel*'
 ovi get --camera "$camera" Width Height PixelFormat ExposureTime AcquisitionFrameRate
 ovi stream --camera "$camera" --frames 300
-ovi stream --camera "$camera" --frames 4 --save "$pictures" --format png
+ovi stream --camera "$camera" --frames 3 --save "$pictures" --format png
+ovi stream --camera "$camera" --set PixelFormat=Mono12p --frames 3 --save "$pictures" --format png
+ovi stream --camera Colour --frames 3 --save "$pictures" --format png
+ovi stream --camera Colour --set PixelFormat=BGRa8 --frames 3 --save "$pictures" --format png
 if [ -x scripts/round-trip-file.sh ]; then
   scripts/round-trip-file.sh "$out/ovi" "$camera"
 fi

@@ -26,7 +26,7 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       {"list --jsno", 2, {"--jsno", "ovi list --help"}},
       {"get", 2, {"FEATURE", "ovi get --help"}},
       {"stream --frames many", 2, {"--frames", "many"}},
-      {"stream", 2, {"several cameras", "KV130001", "--camera"}},
+      {"get Widht", 2, {"using the virtual camera KV130001", "--camera", "Did you mean Width?"}},
       {"info KV13001", 2, {"no camera \"KV13001\"", "Did you mean KV130001?", "KV120002", "ovi list"}},
       {"get Widht -c 1", 2, {"has no feature \"Widht\". Did you mean Width?", "ovi features Width --camera 1"}},
       {"get Root -c 1", 2, {"Root is a category"}},

@@ -201,6 +201,11 @@ const Camera& Session::pick(const std::string& name) {
     collect([](const Camera&) { return true; });
     if (matches.size() == 1)
       return *matches.front();
+    if (matches.front()->isVirtual) {
+      // Nobody looks for a certain one of the virtual cameras; the first is as good as any.
+      printNote("using the virtual camera " + matches.front()->shortName() + "; --camera names another");
+      return *matches.front();
+    }
     throw ToolError(
         "there are several cameras, and none was named:" + cameraLines(matches),
         "name one by number, serial number, user-defined name, model or ID: --camera " + matches.front()->shortName(),
