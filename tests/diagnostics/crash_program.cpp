@@ -1,4 +1,5 @@
 // Installs the crash handler and crashes as its first argument says; reports go to the folder of the second.
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -6,12 +7,15 @@
 
 #include "diagnostics/mini_dumper.h"
 
-void crashHere(volatile int* nowhere) {
-  *nowhere = 1;
+// Where nothing is mapped; not null, which a sanitizer build reports by itself.
+volatile std::uintptr_t nowhere = 0x10;
+
+void crashHere() {
+  *reinterpret_cast<volatile int*>(nowhere) = 1;
 }
 
 // Called through this, so that the compiler leaves it a function of its own.
-void (*volatile crash)(volatile int*) = crashHere;
+void (*volatile crash)() = crashHere;
 
 int main(int argc, char** argv) {
   if (argc < 3)
@@ -22,9 +26,9 @@ int main(int argc, char** argv) {
   if (!first.active() || second.active())
     return 3;
   if (mode == "null")
-    crash(nullptr);
+    crash();
   if (mode == "thread")
-    std::thread([] { crash(nullptr); }).join();
+    std::thread([] { crash(); }).join();
   if (mode == "abort")
     std::abort();
   if (mode == "throw")

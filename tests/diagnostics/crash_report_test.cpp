@@ -79,7 +79,7 @@ TEST(CrashReport, NamesWhatCrashedAndLetsTheSystemEndTheProcess) {
     std::vector<const char*> words;
   };
   const std::vector<Case> cases = {
-      {"null", 11, {"SIGSEGV", "address: 0x0\n", "crashHere", "main", "libc.so"}},
+      {"null", 11, {"SIGSEGV", "address: 0x10\n", "crashHere", "main", "libc.so"}},
       {"thread", 11, {"SIGSEGV", "crashHere"}},
       {"abort", 6, {"SIGABRT", "main"}},
       {"throw", 6, {"SIGABRT", "nobody catches this", "main"}},

@@ -106,9 +106,9 @@ std::int64_t RegisterAccess::computeAddress(NodeCore& owner) {
   const std::span<const Property> all = owner.properties();
   for (std::size_t i = 0; i < all.size(); ++i) {
     const Property& property = all[i];
-    NodeCore* const node = owner.other(property.target);
+    // Only references have a target; what stands there in others is no node.
     if (property.element() == Element::pAddress || property.element() == Element::IntSwissKnife) {
-      sum += static_cast<std::uint64_t>(node->readInt({}));
+      sum += static_cast<std::uint64_t>(owner.other(property.target)->readInt({}));
     } else if (property.element() == Element::pIndex) {
       // An index counts in its offset: a constant, the next property's node, or the register's length.
       std::int64_t offset = 0;
@@ -119,7 +119,8 @@ std::int64_t RegisterAccess::computeAddress(NodeCore& owner) {
       } else {
         offset = length(owner);
       }
-      sum += static_cast<std::uint64_t>(node->readInt({})) * static_cast<std::uint64_t>(offset);
+      const std::int64_t index = owner.other(property.target)->readInt({});
+      sum += static_cast<std::uint64_t>(index) * static_cast<std::uint64_t>(offset);
     }
   }
   return static_cast<std::int64_t>(sum);
