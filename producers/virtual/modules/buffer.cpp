@@ -84,8 +84,7 @@ void BufferRecord::answer(void* stream, void* buffer, BUFFER_INFO_CMD command, I
     }
     fail(GC_ERR_NOT_AVAILABLE, "the buffer has no info ", command, " at present");
   }
-  const std::uint64_t value = record.values_[static_cast<std::size_t>(command)].load(std::memory_order_relaxed);
-  std::atomic_thread_fence(std::memory_order_acquire);
+  const std::uint64_t value = record.values_[static_cast<std::size_t>(command)].load(std::memory_order_acquire);
   if (!HandleTable::isOpen(buffer, kBuffer)) {
     fail(GC_ERR_INVALID_HANDLE, kStale);
   }
