@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,12 +59,25 @@ class Opening {
       code = findInterface();
     if (code == OVI_SUCCESS)
       code = updateDevices();
-    return code == OVI_SUCCESS ? findDevice() : code;
+    if (code == OVI_SUCCESS)
+      code = findDevice();
+    if (code == OVI_SUCCESS)
+      opening_.emplace(interface_);
+    return code;
   }
 
   template<class Prefix, class Work>
   static oviErr step(const Prefix& prefix, Work&& work) {
     return guarded(kOpenSite, Severity::Error, prefix, std::forward<Work>(work));
+  }
+
+  /** A step whose log line says nothing about the cause; that follows as a line for those who look closer. */
+  template<class Message, class Work>
+  static oviErr silentStep(const Message& message, Work&& work) {
+    return caught(std::forward<Work>(work), [&](const char* text) {
+      OVI_LOG_ERROR(kOpenSite) << message();
+      OVI_LOG_DEBUG(kOpenSite) << "The cause is: " << text;
+    });
   }
 
   oviErr updateInterfaces() {
@@ -77,23 +91,21 @@ class Opening {
 
   // An interface that the library keeps open cannot be opened again; it counts as not in the list.
   oviErr findInterface() {
-    interface_ = TLDiscovery::instance().keptInterface(*transportLayer_, interfaceID_);
     bool listed = false;
-    if (interface_ == nullptr) {
-      const oviErr code = step(
-          [&](LogRecord& record) {
-            record << "Failed to get interface with ID: " << interfaceID_ << " for device " << deviceID_
-                   << ". Perhaps the interface was disconnected? ";
-          },
-          [&] {
-            const std::vector<std::string> ids = transportLayer_->getInterfaceIDs();
-            listed = std::find(ids.begin(), ids.end(), interfaceID_) != ids.end();
-            return OVI_SUCCESS;
-          });
-      if (code != OVI_SUCCESS)
-        return code;
-    }
-    if (listed)
+    const oviErr code = silentStep(
+        [&] {
+          return "Failed to get interface with ID: " + interfaceID_ + " for device " + deviceID_ +
+                 ". Perhaps the interface was disconnected?";
+        },
+        [&] {
+          const std::vector<std::string> ids = transportLayer_->getInterfaceIDs();
+          listed = std::find(ids.begin(), ids.end(), interfaceID_) != ids.end();
+          return OVI_SUCCESS;
+        });
+    if (code != OVI_SUCCESS)
+      return code;
+    interface_ = TLDiscovery::instance().keptInterface(*transportLayer_, interfaceID_);
+    if (listed && interface_ == nullptr)
       return openInterface();
 
     OVI_LOG_INFO(kOpenSite)
@@ -136,17 +148,14 @@ class Opening {
   }
 
   oviErr findDevice() {
-    const oviErr code = step(
-        [&](LogRecord& record) { record << "Could not get device info. Interface: " << interfaceID_ << ". Error: "; },
-        [&] {
-          info_ = interface_->findDeviceInfo(deviceID_);
-          return OVI_SUCCESS;
-        });
-    if (code == OVI_SUCCESS && info_ == nullptr) {
-      OVI_LOG_ERROR(kOpenSite) << "Could not get device info. Interface: " << interfaceID_;
+    const auto message = [&] { return "Could not get device info. Interface: " + interfaceID_; };
+    return silentStep(message, [&] {
+      info_ = interface_->findDeviceInfo(deviceID_);
+      if (info_ != nullptr)
+        return OVI_SUCCESS;
+      OVI_LOG_ERROR(kOpenSite) << message();
       return OVI_ERR_NOT_FOUND;
-    }
-    return code;
+    });
   }
 
   oviErr openDevice(std::uint32_t accessFlags) {
@@ -167,6 +176,7 @@ class Opening {
   std::uint64_t timeout_;
   std::string producerName_;
   TLDiscovery::InterfacePtr interface_;
+  std::optional<GenTLCpp::TLInterface::OpeningMark> opening_;
   std::shared_ptr<GenTLCpp::DeviceInfo> info_;
   std::shared_ptr<GenTLCpp::Device> device_;
 };

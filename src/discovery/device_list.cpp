@@ -68,8 +68,9 @@ void applyIgnoreSubnet(GenTLCpp::TLInterface& tlInterface, const std::string& in
       });
 }
 
-double part(std::size_t index, std::size_t count) {
-  return count == 0 ? 0.0 : static_cast<double>(index) / static_cast<double>(count);
+/** How far an enumeration is: `index` of `count` parts are done, and `fraction` of the next one. */
+double progressOf(std::size_t index, double fraction, std::size_t count) {
+  return (static_cast<double>(index) + fraction) / static_cast<double>(count);
 }
 
 }  // namespace
@@ -147,9 +148,9 @@ void TLDiscovery::enumerateProducer(const TransportLayerPtr& transportLayer, std
         ids.push_back(key.second);
   }
   for (std::size_t j = 0; j < ids.size(); ++j) {
-    const double lower = (static_cast<double>(index) + part(j, ids.size())) / static_cast<double>(count);
-    const double upper = (static_cast<double>(index) + part(j + 1, ids.size())) / static_cast<double>(count);
-    enumerateInterface(transportLayer, name, ids[j], lower, upper, timeout);
+    enumerateInterface(transportLayer, name, ids[j], timeout, [&](double fraction) {
+      reportProgress(kPhaseDevices, progressOf(index, progressOf(j, fraction, ids.size()), count));
+    });
   }
 }
 
@@ -177,7 +178,8 @@ TLDiscovery::InterfacePtr TLDiscovery::openForDiscovery(const TransportLayerPtr&
 }
 
 void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, const std::string& name,
-                                     const std::string& id, double lower, double upper, std::uint64_t timeout) {
+                                     const std::string& id, std::uint64_t timeout,
+                                     const std::function<void(double fraction)>& report) {
   const InterfacePtr tlInterface = openForDiscovery(transportLayer, name, id);
   if (tlInterface == nullptr)
     return;
@@ -185,6 +187,7 @@ void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, co
 
   OVI_LOG_DEBUG(kSite) << "Updating device list in TL [" << name << "]: IF id: " << id;
   std::vector<std::string> devices;
+  bool updated = false;
   const oviErr code = guarded(
       kSite, Severity::Error,
       [&](LogRecord& record) {
@@ -192,14 +195,15 @@ void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, co
       },
       [&] {
         tlInterface->updateDeviceList(timeout);
+        updated = true;
         OVI_LOG_DEBUG(kSite) << "Success updating device list. TL [" << name << "]";
         devices = tlInterface->getDeviceIDs();
         return OVI_SUCCESS;
       });
-  if (code != OVI_SUCCESS) {
+  if (!updated)
     dropInterface(*transportLayer, id);
+  if (code != OVI_SUCCESS)
     return;
-  }
   OVI_LOG_DEBUG(kSite) << "Number of acquisition devices: " << devices.size() << ". TL [" << name << "]";
 
   for (std::size_t k = 0; k < devices.size(); ++k) {
@@ -207,7 +211,7 @@ void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, co
                          << "] / IF id: " << id;
     oviDeviceInfo record;
     fillDeviceRecord(record, *tlInterface, id, devices[k]);
-    reportProgress(kPhaseDevices, lower + (upper - lower) * part(k, devices.size()));
+    report(progressOf(k, 0, devices.size()));
     if (isSupportedDevice(record))
       devices_.push_back(record);
     else

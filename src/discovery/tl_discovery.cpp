@@ -33,8 +33,10 @@ const char* environmentReason(oviErr code) {
   }
 }
 
-/** Whether a device is open on the interface. */
+/** Whether a device is open on the interface, or opens at this moment. */
 bool isUsed(const GenTLCpp::TLInterface& tlInterface) {
+  if (tlInterface.isOpening())
+    return true;
   const std::vector<HandleRegistry::Module> devices = HandleRegistry::instance().modulesOfKind(ModuleKind::Device);
   return std::any_of(devices.begin(), devices.end(), [&](const HandleRegistry::Module& device) {
     return device->isOpen() && parentOf(*device).get() == &tlInterface;
@@ -137,16 +139,16 @@ oviErr TLDiscovery::getTransportLayerInfoByFilePath(const std::string& filePath,
   outInfo = {};
   boundedCopy(outInfo.filePath, sizeof(outInfo.filePath), filePath);
   const std::lock_guard lock(producerMutex_);
+  if (isKitharaProducer(filePath)) {
+    if (const oviErr code = isKitharaEnvironmentSet(); code != OVI_SUCCESS) {
+      OVI_LOG_ERROR(kInfoSite) << "Cannot load and initialize kithara producer - " << environmentReason(code) << ","
+                               << "Error Code: " << code;
+      return code;
+    }
+  }
   TransportLayerPtr transportLayer = loadedProducer(filePath);
   const bool loadedForThis = transportLayer == nullptr;
   if (loadedForThis) {
-    if (isKitharaProducer(filePath)) {
-      if (const oviErr code = isKitharaEnvironmentSet(); code != OVI_SUCCESS) {
-        OVI_LOG_ERROR(kInfoSite) << "Cannot load and initialize kithara producer - " << environmentReason(code) << ","
-                                 << "Error Code: " << code;
-        return code;
-      }
-    }
     const oviErr code = guarded(
         kInfoSite, Severity::Error,
         [&](LogRecord& record) { record << "Failed to load transport layer TL [" << filePath << "]. Error: "; },

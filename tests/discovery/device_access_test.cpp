@@ -69,7 +69,7 @@ TEST_F(DeviceAccess, EachStepFailsWithItsOwnWords) {
     const char* text;
   } cases[] = {
       {"TLUpdateInterfaceList", true, "Error updating interface list in TL [TreeProducer.cti]"},
-      {"TLGetNumInterfaces", false,
+      {"TLGetNumInterfaces", true,
        "Failed to get interface with ID: if0 for device cam0. Perhaps the interface was disconnected?"},
       {"TLOpenInterface", false, "Failed to open interface with ID: if0 for device cam0. Message: "},
       {"IFUpdateDeviceList", true, "Error updating device list in TL [TreeProducer.cti]: IF id: if0. Error: "},

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -65,8 +66,8 @@ class TLDiscovery {
   /** An interface that the library keeps open, by producer and ID, or nothing. One that was closed is dropped. */
   InterfacePtr keptInterface(const GenTLCpp::TransportLayer& transportLayer, const std::string& id);
   void keepInterface(const GenTLCpp::TransportLayer& transportLayer, const std::string& id, const InterfacePtr& opened);
-  /** Closes an interface that does not answer any more, so that the next use opens it afresh. One that an open device
-   * uses stays: what fails for the list need not fail for the device. */
+  /** Closes an interface that does not answer any more, so that the next use opens it afresh. One that a device uses,
+   * open or just opening, stays: what fails for the list need not fail for the device. */
   void dropInterface(const GenTLCpp::TransportLayer& transportLayer, const std::string& id);
 
   /** Closes all producers and forgets interfaces and devices. */
@@ -85,7 +86,7 @@ class TLDiscovery {
   void enumerateProducer(const TransportLayerPtr& transportLayer, std::size_t index, std::size_t count,
                          std::uint64_t timeout);
   void enumerateInterface(const TransportLayerPtr& transportLayer, const std::string& name, const std::string& id,
-                          double lower, double upper, std::uint64_t timeout);
+                          std::uint64_t timeout, const std::function<void(double fraction)>& report);
   InterfacePtr openForDiscovery(const TransportLayerPtr& transportLayer, const std::string& name,
                                 const std::string& id);
   void reportProgress(unsigned phase, double fraction);

@@ -1,9 +1,11 @@
 // An interface of a producer: its devices.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gentl/device_info.h"
@@ -48,6 +50,24 @@ class TLInterface : public OpenModule<TransportLayer, IFFunctions, &IFFunctions:
    * @return whether the list changed */
   bool updateDeviceList(std::uint64_t timeout) const;
   DEV_HANDLE openDeviceHandle(const std::string& id, DEVICE_ACCESS_FLAGS accessFlags) const;
+
+  /** While one lives, a device of the interface is about to open, so that nobody else may close the interface. */
+  class OpeningMark {
+   public:
+    explicit OpeningMark(std::shared_ptr<TLInterface> tlInterface) : interface_(std::move(tlInterface)) {
+      interface_->openings_.fetch_add(1);
+    }
+    ~OpeningMark() { interface_->openings_.fetch_sub(1); }
+    OpeningMark(const OpeningMark&) = delete;
+    OpeningMark& operator=(const OpeningMark&) = delete;
+
+   private:
+    std::shared_ptr<TLInterface> interface_;
+  };
+  bool isOpening() const noexcept { return openings_.load() != 0; }
+
+ private:
+  std::atomic<int> openings_{0};
 };
 
 }  // namespace GenTLCpp
