@@ -41,7 +41,7 @@ constexpr std::size_t kLargestDataSize = std::size_t{16} << 20;
 
 std::size_t dataSizeOf(const Event& event) {
   try {
-    return std::clamp(event.getMaxDataSize(), sizeof(EVENT_NEW_BUFFER_DATA), kLargestDataSize);
+    return std::clamp(event.getMaxDataSize(), std::size_t{1}, kLargestDataSize);
   } catch (const GenTLCpp::GenTLException& error) {
     if (isNoValue(error.code())) {
       return kUnknownDataSize;
@@ -220,7 +220,7 @@ oviErr oviUnregisterEvent(std::uint64_t eventHandle) {
       return OVI_SUCCESS;
     });
   }
-  HandleRegistry::instance().remove(eventHandle);
+  removeModule<Event>(eventHandle);
   return result;
 }
 

@@ -8,6 +8,7 @@
 #include "acquisition/acquisition_control.h"
 #include "acquisition/events.h"
 #include "acquisition/streams.h"
+#include "core/log.h"
 #include "features/typed_access.h"
 #include "image_geometry.h"
 #include "pattern_check.h"
@@ -159,7 +160,12 @@ class CallbackScan {
   Next deliver(bool isGood) {
     oviImageInfo info = imageInfoOf(record_);
     ScanState::instance().setLastImage(info);
-    callback_(static_cast<std::uint8_t*>(record_.event.value), &info, isGood ? 1 : 0);
+    try {
+      callback_(static_cast<std::uint8_t*>(record_.event.value), &info, isGood ? 1 : 0);
+    } catch (...) {
+      OVI_LOG_ERROR("OVI::oviScanImg") << "The application's callback has thrown an exception.";
+      return releaseAndEnd(OVI_ERR_UNKNOWN);
+    }
     result_ = OVI::oviReleaseImage(stream_, &record_);
     const bool isLast = asks(kByNumber) && imageCount_ >= imageNumber_;
     return result_ != OVI_SUCCESS || isLast ? Next::End : Next::Image;

@@ -98,7 +98,7 @@ oviErr oviCloseDataStream(std::uint64_t streamHandle) {
       result = closed;
     }
   }
-  HandleRegistry::instance().remove(streamHandle);
+  removeModule<DataStream>(streamHandle);
   return result;
 }
 

@@ -130,6 +130,7 @@ TEST_F(EventsTest, UnregisterOnce) {
   EXPECT_EQ(script().takeCalls(), (Calls{"GCUnregisterEvent(1)"}));
   EXPECT_EQ(oviUnregisterEvent(stream.event), OVI_ERR_NOT_FOUND);
   EXPECT_EQ(oviUnregisterEvent(0), OVI_ERR_INVALID_PARAMETER);
+  EXPECT_EQ(oviUnregisterEvent(stream.handle), OVI_ERR_NOT_FOUND);
   std::uint64_t again = 0;
   EXPECT_EQ(oviRegisterEvent(stream.handle, 0, &again, 5), OVI_SUCCESS);
   script().takeCalls();

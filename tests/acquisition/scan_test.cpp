@@ -1,6 +1,7 @@
 // The blocking scans: how they begin, which images reach the application, and how they end.
 #include <chrono>
 #include <cstring>
+#include <stdexcept>
 #include <thread>
 
 #include "manual_camera_test.h"
@@ -237,6 +238,14 @@ TEST_F(ScanTest, WaitForTheCamerasStop) {
   script().setStopPolls(1000);
   EXPECT_EQ(printed([&] { EXPECT_EQ(oviScanImg(device(), receive, 1, 1, 0), OVI_ERR_TIMEOUT); }),
             "Timeout AcquisitionStop\n");
+}
+
+TEST_F(ScanTest, ACallbackThatThrowsEndsTheScanAsAnyOther) {
+  script().play({{}});
+  script().takeCalls();
+  const auto throwing = [](std::uint8_t*, oviImageInfo*, std::uint8_t) { throw std::runtime_error("not my image"); };
+  EXPECT_EQ(printed([&] { EXPECT_EQ(oviScanImg(device(), throwing, 1, 1, 0), OVI_ERR_UNKNOWN); }), "");
+  EXPECT_THAT(script().takeCalls(), Contains("DSClose(0)"));
 }
 
 TEST_F(ScanTest, TheFilterDriverIsForOneProducer) {

@@ -240,6 +240,9 @@ TEST_F(StreamsTest, CloseWhateverFailsOnTheWay) {
     EXPECT_EQ(oviCloseDataStream(stream.handle), OVI_ERR_NOT_FOUND);
   }
   EXPECT_EQ(oviCloseDataStream(0), OVI_ERR_INVALID_PARAMETER);
+  EXPECT_EQ(oviCloseDataStream(device()), OVI_ERR_NOT_FOUND);
+  std::uint32_t count = 0;
+  EXPECT_EQ(oviGetNumberOfDataStreams(device(), &count), OVI_SUCCESS) << "a device is not taken for a stale stream";
 }
 
 }  // namespace

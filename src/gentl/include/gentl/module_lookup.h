@@ -35,6 +35,15 @@ oviErr lookupModule(std::uint64_t handle, std::shared_ptr<T>& out) {
   return out != nullptr ? OVI_SUCCESS : OVI_ERR_NOT_FOUND;
 }
 
+/** Takes a handle out of the registry, a stale one too, but not one of a module of another class. */
+template<class T>
+void removeModule(std::uint64_t handle) {
+  const std::shared_ptr<GenTLCpp::BaseModule> module = HandleRegistry::instance().find(handle);
+  if (module == nullptr || module->moduleType() == T::kModuleType) {
+    HandleRegistry::instance().remove(handle);
+  }
+}
+
 /** The module above: buffer, stream, device, interface, system; what an event is registered on. Empty for a system. */
 std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& module);
 
