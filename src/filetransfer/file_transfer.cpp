@@ -82,8 +82,10 @@ oviErr transfer(const Direction& direction, std::uint64_t deviceHandle, const ch
   std::shared_ptr<GenTLCpp::Device> device;
   if (const oviErr code = holdDevice(direction.site, deviceHandle, device); code != OVI_SUCCESS)
     return code;
-  if (!isFileSelector(deviceHandle, fileSelector))
+  if (!isFileSelector(deviceHandle, fileSelector)) {
+    OVI_LOG_ERROR(direction.site) << "The camera has no file of that name: " << fileSelector;
     return OVI_ERR_INVALID_PARAMETER;
+  }
   OVI_LOG_DEBUG(direction.site) << direction.banner;
   OVI_LOG_DEBUG(direction.site) << "File: " << filePath << ", timeout: " << timeout << ", type: " << fileSelector;
   const ProducerTimeouts timeouts(deviceHandle, timeout);

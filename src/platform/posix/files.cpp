@@ -136,6 +136,9 @@ std::string writeWholeFile(const std::string& path, const void* data, std::size_
     File target(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
     return target.isOpen() && writeAll(target, data, size) && target.close() ? std::string() : errorText();
   }
+  if (exists && ::access(path.c_str(), W_OK) != 0) {
+    return errorText();  // The folder would let it be replaced, but somebody has protected it.
+  }
   const std::string target = exists ? followed(path) : path;
   std::string name;
   File file(createBeside(target, exists ? &old : nullptr, name));

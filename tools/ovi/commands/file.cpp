@@ -1,5 +1,7 @@
 // ovi file: the files inside a camera.
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -181,6 +183,19 @@ bool isFirmware(const std::string& name) {
   return false;
 }
 
+// A transfer that ends early leaves the camera's file open, with a part of the data in it. Closed with a checksum that
+// is not theirs, the part is dropped.
+void dropOpenFile(const ModuleView& view, const std::string& path) {
+  std::ifstream stream(pathFromText(path), std::ios::binary);
+  std::uint32_t sum = 0;
+  std::uint32_t shift = 0;
+  for (std::istreambuf_iterator<char> byte(stream), end; byte != end; ++byte, shift = (shift + 8) % 32)
+    sum += static_cast<std::uint32_t>(static_cast<unsigned char>(*byte)) << shift;
+  oviSetFeatureInt(view.handle(), "FileChecksum", sum + 1, kCamera);
+  oviSetFeatureEnum(view.handle(), "FileOperationSelector", "Close", kCamera);
+  oviExecuteCommand(view.handle(), "FileOperationExecute", kCamera);
+}
+
 void put(Session& session, const FileOptions& options) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(pathFromText(options.path), error))
@@ -191,10 +206,15 @@ void put(Session& session, const FileOptions& options) {
     throw ToolError("writing " + name + " changes the camera's firmware, and a wrong or broken file may disable it",
                     view.command("file put " + options.path + " --as " + name + " --yes"), ExitCode::kUsage);
   TransferLine line("writing " + name);
-  run(view, line, "writing " + options.path + " to " + name, [&](const ovi::TransferFunction& progress) {
-    view.device().download(toLibraryText(options.path), toLibraryText(name), std::chrono::milliseconds(options.silence),
-                           progress);
-  });
+  try {
+    run(view, line, "writing " + options.path + " to " + name, [&](const ovi::TransferFunction& progress) {
+      view.device().download(toLibraryText(options.path), toLibraryText(name),
+                             std::chrono::milliseconds(options.silence), progress);
+    });
+  } catch (const ToolError&) {
+    dropOpenFile(view, options.path);
+    throw;
+  }
   report(view, line, "wrote " + options.path + " to " + name, name, options.path);
   if (!options.readBack.empty())
     readFile(view, options, name, options.readBack);
