@@ -161,14 +161,28 @@ TEST_F(HostilityTest, CamerasFallSilentAndSpeakAgain) {
   openDevice("VC-320HS");
   openStream();
   announce(4);
-  ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 1), 0);
-  ASSERT_EQ(g.DSStartAcquisition(stream, 0, kInfinite), kSuccess);
-  startCamera();
-  EXPECT_FALSE(next(50));
-  ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 0), 0);
-  EXPECT_TRUE(next());
-  stopCamera();
-  EXPECT_EQ(g.DSStopAcquisition(stream, 0), kSuccess);
+  for (const std::uint64_t speedMode : {0, 1}) {
+    ASSERT_EQ(remote->set("SpeedMode", speedMode), kSuccess);
+    ASSERT_EQ(g.DSStartAcquisition(stream, 0, kInfinite), kSuccess);
+    startCamera();
+    ASSERT_TRUE(next());
+    ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 1), 0);
+    ASSERT_EQ(g.DSFlushQueue(stream, 2), kSuccess);
+    EXPECT_FALSE(next(50));
+    ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 0), 0);
+    EXPECT_TRUE(next());
+    // Frames are spoiled in speed mode as well.
+    ASSERT_EQ(orders().spoilFrames(deviceId.c_str(), 16, 1, 1), 0);
+    ASSERT_EQ(g.DSFlushQueue(stream, 2), kSuccess);
+    while (next(50)) {
+    }
+    orders().reset();
+    EXPECT_TRUE(next()) << "what hung goes on";
+    stopCamera();
+    EXPECT_EQ(g.DSStopAcquisition(stream, 0), kSuccess);
+    ASSERT_EQ(g.DSFlushQueue(stream, 2), kSuccess);
+  }
+  EXPECT_EQ(remote->set("SpeedMode", 0), kSuccess);
 }
 
 TEST_F(HostilityTest, LostDevicesStayLostUntilReopened) {

@@ -179,6 +179,9 @@ TEST_F(PortTest, ModuleRegistersMirrorTheInterface) {
   EXPECT_EQ(local.get("DeviceUpdateList"), 0U) << "done";
   ASSERT_EQ(g.IFGetNumDevices(interface, &after), kSuccess);
   EXPECT_EQ(after, before - 1);
+  ASSERT_EQ(orders().slowUpdates(1000), 0);
+  ASSERT_EQ(local.set("DeviceUpdateTimeout", 1), kSuccess);
+  EXPECT_EQ(local.set("DeviceUpdateList", 1), kTimeout);
 
   const Registers streamRegisters(stream);
   const Handle buffer = announce(2, false).front();

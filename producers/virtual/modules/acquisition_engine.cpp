@@ -14,8 +14,8 @@ namespace {
 constexpr std::uint64_t kFrameLost = 0x9303;
 constexpr std::uint64_t kPayloadTooLarge = 0x9401;
 
-// How often a stuck transfer looks whether the order that made it stick was withdrawn.
-constexpr auto kStuckPoll = std::chrono::milliseconds(10);
+// How often a stuck transfer or a silent camera looks whether the order for it was withdrawn.
+constexpr auto kOrderPoll = std::chrono::milliseconds(10);
 
 // Packets that a payload comes in; each has a header of 36 bytes.
 std::uint64_t packetsFor(std::size_t bytes, std::uint32_t packetSize) {
@@ -49,6 +49,9 @@ void DataStream::takeFrame(std::unique_lock<std::mutex>& lock) {
   std::uint32_t spoiled = 0;
   if (Hostility::armed()) {
     if (Hostility::instance().isPaused(deviceId_)) {
+      if (plan_.speedMode) {
+        engineWake_.wait_for(lock, kOrderPoll);  // The next one would come at once.
+      }
       return;
     }
     spoiled = Hostility::instance().nextFrame(deviceId_);
@@ -61,7 +64,7 @@ void DataStream::takeFrame(std::unique_lock<std::mutex>& lock) {
   ++started_;
   if (Buffer* buffer = bufferForFrame(lock)) {
     fill(lock, *buffer, spoiled);
-    if (plan_.speedMode && grabbing_ && !stopping_) {
+    if (plan_.speedMode && grabbing_ && !stopping_ && !Hostility::armed()) {
       runFast(lock);
     }
   }
@@ -106,7 +109,7 @@ void DataStream::fill(std::unique_lock<std::mutex>& lock, Buffer& buffer, std::u
   }
   if ((spoiled & OVI_VIRTUAL_FRAME_STUCK) != 0) {
     while (!stopping_ && discardTo_ == nullptr && Hostility::armed()) {
-      engineWake_.wait_for(lock, kStuckPoll);
+      engineWake_.wait_for(lock, kOrderPoll);
     }
   }
   filling_ = nullptr;
@@ -167,29 +170,20 @@ void DataStream::runFast(std::unique_lock<std::mutex>& lock) {
 void DataStream::fillFast() {
   // Each buffer once: in some modes a buffer that was not fetched comes straight back into the pool.
   for (std::size_t left = input_.size(); left != 0 && fast_ && !input_.empty(); --left) {
-    if (device_.camera().waitForFrame(index_, Clock::time_point::min(), plan_) != FrameWait::Frame) {
+    // Orders for frames are the engine's to carry out.
+    if (Hostility::armed() ||
+        device_.camera().waitForFrame(index_, Clock::time_point::min(), plan_) != FrameWait::Frame) {
       fast_ = false;
       engineWake_.notify_one();
       return;
     }
-    std::uint32_t spoiled = 0;
-    if (Hostility::armed()) {
-      spoiled = Hostility::instance().nextFrame(deviceId_);
-    }
     ++started_;
-    if ((spoiled & OVI_VIRTUAL_FRAME_LOST) != 0) {
-      ++framesLost_;
-      packetsLost_ += packetsFor(plan_.payloadSize, plan_.packetSize);
-      continue;
-    }
     Buffer& buffer = *input_.pop();
-    std::size_t filled = device_.camera().render(plan_, {buffer.base(), buffer.size()});
-    if (recorder_ != nullptr && spoiled == 0) {
+    const std::size_t filled = device_.camera().render(plan_, {buffer.base(), buffer.size()});
+    if (recorder_ != nullptr) {
       recorder_->offer(deviceId_, plan_, {buffer.base(), filled});
     }
-    const bool halved = (spoiled & (OVI_VIRTUAL_FRAME_INCOMPLETE | OVI_VIRTUAL_FRAME_STUCK)) != 0;
-    filled = halved ? filled / 2 : filled;
-    complete(buffer, filled, plan_.incomplete || halved || filled < plan_.payloadSize, spoiled);
+    complete(buffer, filled, plan_.incomplete || filled < plan_.payloadSize, 0);
     if (!plan_.speedMode) {
       fast_ = false;
       engineWake_.notify_one();

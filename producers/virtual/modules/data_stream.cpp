@@ -414,7 +414,6 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
   {
     const std::lock_guard lock(mutex_);
     stopping_ = false;
-    killing_ = false;
     fast_ = false;
     discardTo_ = nullptr;
     delivered_ = 0;
@@ -429,7 +428,7 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
   try {
     engine_ = std::thread([this] { run(); });
   } catch (const std::system_error&) {
-    stopEngine(false);
+    stopEngine();
     fail(GC_ERR_RESOURCE_EXHAUSTED, "no thread for the acquisition");
   }
   device_.fireFeatureChange("TLParamsLocked", "1");
@@ -441,21 +440,21 @@ void DataStream::stop(ACQ_STOP_FLAGS flags) {
   if (flags != ACQ_STOP_FLAGS_DEFAULT && flags != ACQ_STOP_FLAGS_KILL) {
     fail(GC_ERR_NOT_IMPLEMENTED, "no stop flag ", flags);
   }
-  if (!stopEngine(flags == ACQ_STOP_FLAGS_KILL)) {
+  // A fill is never cut in two: the camera copies a frame in one go. What hangs ends with either flag.
+  if (!stopEngine()) {
     fail(GC_ERR_RESOURCE_IN_USE, "the acquisition is not running");
   }
   device_.fireFeatureChange("TLParamsLocked", "0");
   fireModuleEvent(kAcquisitionStopped, {});
 }
 
-bool DataStream::stopEngine(bool kill) {
+bool DataStream::stopEngine() {
   {
     const std::lock_guard lock(mutex_);
     if (!std::exchange(stopPending_, false)) {
       return false;
     }
     stopping_ = true;
-    killing_ = kill;
     engineWake_.notify_all();
   }
   device_.camera().stopStream(index_);
@@ -474,7 +473,7 @@ void DataStream::endCalls() {
 void DataStream::closeChildren() {
   {
     const std::lock_guard control(controlMutex_);
-    stopEngine(true);
+    stopEngine();
     if (engine_.joinable()) {
       engine_.join();
     }

@@ -82,7 +82,7 @@ class DataStream final : public Module {
   void complete(Buffer& buffer, std::size_t filled, bool incomplete, std::uint32_t spoiled);
   void runFast(std::unique_lock<std::mutex>& lock);
   void fillFast();
-  bool stopEngine(bool kill);
+  bool stopEngine();
   std::uint64_t ticksOf(std::uint64_t nanoseconds) const;
 
   Device& device_;
@@ -109,7 +109,6 @@ class DataStream final : public Module {
   bool grabbing_ = false;
   bool stopPending_ = false;  // a start that has not seen its stop yet
   bool stopping_ = false;
-  bool killing_ = false;
   bool wantsInput_ = false;  // the engine waits for a buffer
   bool fast_ = false;        // whoever queues a buffer fills it
   std::uint64_t toDeliver_ = 0;

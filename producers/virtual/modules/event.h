@@ -101,7 +101,7 @@ class QueuedEvent final : public Event {
   void popLocked(void* target) override;
   void clearLocked() override { count_ = 0; }
   std::size_t maximumEntrySize() const override { return sizeof(Entry); }
-  std::size_t maximumValueSize() const override { return kMaximumValue; }
+  std::size_t maximumValueSize() const override { return kMaximumValue + 1; }  // A text has a NUL.
 
   static Header headerOf(const Entry& entry);
 

@@ -196,7 +196,8 @@ void Interface::describe() {
   f.integer({"InterfaceTLVersionMajor", "Major version of the technology", "Expert"}, [] { return 1; });
   f.integer({"InterfaceTLVersionMinor", "Minor version of the technology", "Expert"}, [] { return 0; });
   f.category("DeviceEnumeration", "The devices on the interface");
-  f.command({"DeviceUpdateList", "Searches for devices", "Expert"}, [this] { updateList(GENTL_INFINITE); });
+  f.command({"DeviceUpdateList", "Searches for devices", "Expert"}, [this] { updateList(updateTimeoutMs_); });
+  describeUpdateTimeout(f, "DeviceUpdateTimeout", updateTimeoutMs_);
   f.integer(
       {"DeviceSelector", "The device that the following features are about", "Expert"},
       [this] {

@@ -62,6 +62,7 @@ class Interface final : public Module {
   std::mutex listMutex_;
   std::vector<CameraSlot*> list_;
   std::size_t selected_ = 0;
+  std::atomic<std::uint64_t> updateTimeoutMs_{kUpdateTimeoutMs};  // of the command, not of IFUpdateDeviceList
   std::atomic<bool> ignoreSubnet_{false};
   std::unique_ptr<Children<Device>> children_;
 };

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <string_view>
 
 #include "modules/failure.h"
 #include "modules/hostility.h"
+#include "modules/module_features.h"
 
 namespace vcam {
 
@@ -44,5 +47,19 @@ class ListUpdate {
   std::condition_variable ended_;
   bool ending_ = false;
 };
+
+// How long the search by a module's own command may take, as a feature of the module.
+constexpr std::uint64_t kUpdateTimeoutMs = 60000;
+inline void describeUpdateTimeout(ModuleFeatures& features, std::string_view name, std::atomic<std::uint64_t>& value) {
+  features.integer(
+      {name, "How long the search may take", "Expert", "ms"}, [&value] { return value.load(); },
+      [&value](std::uint64_t wanted) {
+        if (wanted > kUpdateTimeoutMs) {
+          fail(GC_ERR_INVALID_VALUE, "a search never takes ", wanted, " ms");
+        }
+        value = wanted;
+      },
+      {0, [] { return kUpdateTimeoutMs; }});
+}
 
 }  // namespace vcam

@@ -140,10 +140,14 @@ void System::describe() {
   f.integer({"GenTLSFNCVersionMajor", "Major version of the naming convention", "Expert"}, [] { return 1; });
   f.integer({"GenTLSFNCVersionMinor", "Minor version of the naming convention", "Expert"}, [] { return 2; });
   f.category("InterfaceEnumeration", "The interfaces of the producer");
-  f.command({"InterfaceUpdateList", "Searches for interfaces", "Expert"}, [this] { updateList(GENTL_INFINITE); });
+  f.command({"InterfaceUpdateList", "Searches for interfaces", "Expert"}, [this] { updateList(updateTimeoutMs_); });
+  describeUpdateTimeout(f, "InterfaceUpdateTimeout", updateTimeoutMs_);
   f.integer(
       {"InterfaceSelector", "The interface that the following features are about", "Expert"},
-      [this] { return selected_; },
+      [this] {
+        const std::lock_guard lock(listMutex_);
+        return selected_;
+      },
       [this](std::uint64_t value) {
         const std::lock_guard lock(listMutex_);
         if (value >= session_.interfaces.size()) {

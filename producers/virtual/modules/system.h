@@ -54,6 +54,7 @@ class System final : public Module {
   std::mutex listMutex_;
   bool listed_ = false;  // the interfaces never change, so a list is either empty or complete
   std::uint32_t selected_ = 0;
+  std::atomic<std::uint64_t> updateTimeoutMs_{kUpdateTimeoutMs};  // of the command, not of TLUpdateInterfaceList
   std::atomic<bool> longInterrupts_{true};
   std::unique_ptr<Children<Interface>> children_;
 };
