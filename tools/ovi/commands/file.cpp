@@ -51,7 +51,8 @@ class TransferLine {
 
   bool operator()(const oviFileTransferProgress& progress) {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
-    done_ = progress.bytesDone;
+    if (progress.status != kFailed)  // How far it came, then.
+      done_ = progress.bytesDone;
     seconds_ = elapsed.count();
     std::string text = what_ + " " + bytesText(progress.bytesDone);
     double fraction = -1.0;
@@ -79,6 +80,7 @@ class TransferLine {
  private:
   static constexpr std::uint32_t kRunning = 1;
   static constexpr std::uint32_t kWaiting = 2;
+  static constexpr std::uint32_t kFailed = 4;
 
   std::string what_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
