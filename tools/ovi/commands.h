@@ -30,6 +30,9 @@ void addDiff(CLI::App& app, CommonOptions& common, Action& action);
 void addScan(CLI::App& app, CommonOptions& common, Action& action);
 void addBench(CLI::App& app, CommonOptions& common, Action& action);
 void addDoctor(CLI::App& app, CommonOptions& common, Action& action);
+void addXml(CLI::App& app, CommonOptions& common, Action& action);
+void addCheck(CLI::App& app, CommonOptions& common, Action& action);
+void addComplete(CLI::App& app, CommonOptions& common, Action& action);
 void addProbe(CLI::App& app, CommonOptions& common, Action& action);
 
 /// The option that names the camera, for commands that work on one.

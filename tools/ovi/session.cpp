@@ -117,6 +117,8 @@ std::string accessText(std::uint32_t accessStatus) {
 }
 
 Session::Session(const CommonOptions& options) : options_(options) {
+  if (options.withoutLibrary)
+    return;
   const auto level = options.verbose ? ovi::LogLevel::kDebug : ovi::LogLevel::kWarning;
   library_ = std::make_unique<ovi::Library>(level, [this](ovi::LogLevel l, std::string_view m) { remember(l, m); });
 }

@@ -20,6 +20,7 @@ struct CommonOptions {
   std::string camera;                    ///< which camera is meant; may be empty
   std::vector<std::string> assignments;  ///< FEATURE=VALUE, set on every camera that is opened
   unsigned timeout = 1000;
+  bool withoutLibrary = false;  ///< set by commands that have no use for it; then only options() may be asked
 };
 
 /// One camera that was found, in the tool's own text encoding.
