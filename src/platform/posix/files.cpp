@@ -46,7 +46,8 @@ class File {
 bool readUpTo(const File& file, std::size_t count, std::vector<std::uint8_t>& out) {
   while (out.size() < count) {
     const std::size_t before = out.size();
-    out.resize(before + std::min(kPiece, count - before));
+    const std::size_t room = out.capacity() - before;  // A file of the size that was foreseen moves no memory.
+    out.resize(before + std::min({room != 0 ? room : kPiece, kPiece, count - before}));
     const ssize_t got = ::read(file.descriptor(), out.data() + before, out.size() - before);
     out.resize(before + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
     if (got == 0)

@@ -43,7 +43,8 @@ HANDLE openForReading(const std::string& path) {
 bool readUpTo(const File& file, std::size_t count, std::vector<std::uint8_t>& out) {
   while (out.size() < count) {
     const std::size_t before = out.size();
-    out.resize(before + std::min(kPiece, count - before));
+    const std::size_t room = out.capacity() - before;  // A file of the size that was foreseen moves no memory.
+    out.resize(before + std::min({room != 0 ? room : kPiece, kPiece, count - before}));
     DWORD got = 0;
     const bool read =
         ::ReadFile(file.handle(), out.data() + before, static_cast<DWORD>(out.size() - before), &got, nullptr) != 0;
