@@ -61,8 +61,8 @@ void DataStream::takeFrame(std::unique_lock<std::mutex>& lock) {
       return;
     }
   }
-  ++started_;
   if (Buffer* buffer = bufferForFrame(lock)) {
+    ++started_;
     fill(lock, *buffer, spoiled);
     if (plan_.speedMode && grabbing_ && !stopping_ && !Hostility::armed()) {
       runFast(lock);

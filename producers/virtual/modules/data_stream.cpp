@@ -570,7 +570,7 @@ void DataStream::describe() {
   f.integer({"StreamDeliveredFrameCount", "Frames delivered since the last start", "Expert"},
             count(STREAM_INFO_NUM_DELIVERED));
   f.integer({"StreamLostFrameCount", "Frames lost for want of a buffer", "Expert"}, count(STREAM_INFO_NUM_UNDERRUN));
-  f.integer({"StreamStartedFrameCount", "Frames that began to arrive", "Expert"}, count(STREAM_INFO_NUM_STARTED));
+  f.integer({"StreamStartedFrameCount", "Fills of a buffer that were begun", "Expert"}, count(STREAM_INFO_NUM_STARTED));
   f.integer({"StreamInputBufferCount", "Buffers that wait to be filled", "Expert"}, count(STREAM_INFO_NUM_QUEUED));
   f.integer({"StreamOutputBufferCount", "Buffers that wait to be fetched", "Expert"},
             count(STREAM_INFO_NUM_AWAIT_DELIVERY));
