@@ -39,15 +39,6 @@ TEST_F(ParametersTest, StatisticsDependOnTheProducer) {
   EXPECT_EQ(oviGetAcquisitionStatistics(stream.handle, nullptr), OVI_ERR_INVALID_PARAMETER);
 }
 
-TEST(BitsPerPixel, ComesFromTheFormatsSizeField) {
-  const std::pair<std::uint32_t, std::uint32_t> cases[] = {
-      {0, 0},           {0x010C0047, 12}, {0x02180014, 24}, {0x02200016, 32}, {0x02300018, 48}, {0x02400000, 64},
-      {0x010A0046, 10}, {0x010E0000, 14}, {0x01100007, 16}, {0x01080001, 8},  {0x01060000, 8},  {1, 8}};
-  for (const auto& [format, bits] : cases) {
-    EXPECT_EQ(oviBitsPerPixelFromFormat(format), bits) << std::hex << format;
-  }
-}
-
 TEST_F(ParametersTest, SetTheImageFormatInOneCall) {
   struct Case {
     oviImageInfo image;

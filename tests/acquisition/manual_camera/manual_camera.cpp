@@ -457,16 +457,8 @@ GC_ERROR GCGetPortURLInfo(PORT_HANDLE, uint32_t, URL_INFO_CMD cmd, INFO_DATATYPE
   return text(url.data(), type, buf, size);
 }
 GC_ERROR GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD cmd, INFO_DATATYPE* type, void* buf, size_t* size) {
-  switch (cmd) {
-    case PORT_INFO_PORTNAME:
-      return text("Device", type, buf, size);
-    case PORT_INFO_LITTLE_ENDIAN:
-      return number(bool8_t{1}, INFO_DATATYPE_BOOL8, type, buf, size);
-    case PORT_INFO_BIG_ENDIAN:
-      return number(bool8_t{0}, INFO_DATATYPE_BOOL8, type, buf, size);
-    default:
-      return GC_ERR_NOT_IMPLEMENTED;
-  }
+  return cmd == PORT_INFO_BIG_ENDIAN ? number(bool8_t{0}, INFO_DATATYPE_BOOL8, type, buf, size)
+                                     : text("Device", type, buf, size);
 }
 
 // ---- Events
@@ -606,23 +598,7 @@ GC_ERROR TLClose(TL_HANDLE) {
 GC_ERROR TLGetInfo(TL_HANDLE, TL_INFO_CMD cmd, INFO_DATATYPE* type, void* buf, size_t* size) {
   Producer& p = producer();
   const std::lock_guard lock(p.mutex);
-  switch (cmd) {
-    case TL_INFO_PATHNAME:
-      return text("/somewhere/" + p.fileName, type, buf, size);
-    case TL_INFO_NAME:
-      return text(p.fileName, type, buf, size);
-    case TL_INFO_ID:
-    case TL_INFO_VENDOR:
-    case TL_INFO_MODEL:
-    case TL_INFO_DISPLAYNAME:
-      return text("Manual", type, buf, size);
-    case TL_INFO_VERSION:
-      return text("1.0", type, buf, size);
-    case TL_INFO_TLTYPE:
-      return text("Custom", type, buf, size);
-    default:
-      return GC_ERR_NOT_IMPLEMENTED;
-  }
+  return text(cmd == TL_INFO_PATHNAME ? "/somewhere/" + p.fileName : p.fileName, type, buf, size);
 }
 GC_ERROR TLGetNumInterfaces(TL_HANDLE, uint32_t* count) {
   *count = 1;
@@ -631,9 +607,8 @@ GC_ERROR TLGetNumInterfaces(TL_HANDLE, uint32_t* count) {
 GC_ERROR TLGetInterfaceID(TL_HANDLE, uint32_t, char* id, size_t* size) {
   return text("ManualInterface", nullptr, id, size);
 }
-GC_ERROR TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD cmd, INFO_DATATYPE* type, void* buf,
-                            size_t* size) {
-  return text(cmd == INTERFACE_INFO_TLTYPE ? "Custom" : "ManualInterface", type, buf, size);
+GC_ERROR TLGetInterfaceInfo(TL_HANDLE, const char*, INTERFACE_INFO_CMD, INFO_DATATYPE* type, void* buf, size_t* size) {
+  return text("ManualInterface", type, buf, size);
 }
 GC_ERROR TLOpenInterface(TL_HANDLE, const char*, IF_HANDLE* out) {
   *out = &interfaceHandle;
@@ -662,20 +637,9 @@ GC_ERROR IFUpdateDeviceList(IF_HANDLE, bool8_t* changed, uint64_t) {
   return TLUpdateInterfaceList(nullptr, changed, 0);
 }
 GC_ERROR IFGetDeviceInfo(IF_HANDLE, const char*, DEVICE_INFO_CMD cmd, INFO_DATATYPE* type, void* buf, size_t* size) {
-  switch (cmd) {
-    case DEVICE_INFO_ID:
-      return text(kDeviceId, type, buf, size);
-    case DEVICE_INFO_VENDOR:
-      return text("Kestrova", type, buf, size);
-    case DEVICE_INFO_MODEL:
-    case DEVICE_INFO_DISPLAYNAME:
-    case DEVICE_INFO_SERIAL_NUMBER:
-      return text("Manual", type, buf, size);
-    case DEVICE_INFO_ACCESS_STATUS:
-      return number(std::int32_t{DEVICE_ACCESS_STATUS_READWRITE}, INFO_DATATYPE_INT32, type, buf, size);
-    default:
-      return GC_ERR_NOT_IMPLEMENTED;
-  }
+  return cmd == DEVICE_INFO_ACCESS_STATUS
+             ? number(std::int32_t{DEVICE_ACCESS_STATUS_READWRITE}, INFO_DATATYPE_INT32, type, buf, size)
+             : text(cmd == DEVICE_INFO_VENDOR ? "Kestrova" : kDeviceId, type, buf, size);
 }
 GC_ERROR IFOpenDevice(IF_HANDLE, const char*, DEVICE_ACCESS_FLAGS, DEV_HANDLE* out) {
   return run("IFOpenDevice", [&](Producer& p) -> GC_ERROR {
