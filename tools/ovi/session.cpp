@@ -2,6 +2,8 @@
 #include "session.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 
 #include "paths.h"
@@ -17,12 +19,16 @@ namespace {
 constexpr const char* kVirtualProducer = "VirtualCamera.cti";
 constexpr std::size_t kMaxMessages = 200;
 
-volatile std::sig_atomic_t interruptFlag = 0;
+// Written by the handler, read by the threads that take images.
+std::atomic<bool> interruptFlag{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 // The first one lets the command stop the camera and close everything; a second one ends the process as usual.
 void onInterrupt(int signal) {
-  interruptFlag = 1;
+  const int error = errno;
+  interruptFlag = true;
   std::signal(signal, SIG_DFL);
+  errno = error;
 }
 
 // As a shell would need it.
@@ -85,7 +91,7 @@ std::string cameraLines(const std::vector<const Camera*>& cameras) {
 }  // namespace
 
 bool interrupted() {
-  return interruptFlag != 0;
+  return interruptFlag;
 }
 
 void catchInterrupt() {
