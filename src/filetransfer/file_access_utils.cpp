@@ -2,7 +2,7 @@
 #include "filetransfer/file_access_utils.h"
 
 #include <algorithm>
-#include <cstring>
+#include <limits>
 
 #include "core/bounded_copy.h"
 #include "features/feature_parameter.h"
@@ -154,10 +154,15 @@ oviErr moveChunks(FileAccessContext& context, const char* site, std::int64_t siz
   return OVI_SUCCESS;
 }
 
-oviErr refuseSize(const char* site, const char* feature, std::int64_t size, std::uint64_t limit) {
-  OVI_LOG_ERROR(site) << "The camera's " << feature << " is not usable: " << size << " bytes, 1 to " << limit
-                      << " are possible.";
+oviErr refuseSize(const char* site, const char* feature, std::int64_t size, std::uint64_t smallest,
+                  std::uint64_t largest) {
+  OVI_LOG_ERROR(site) << "The camera's " << feature << " is not usable: " << size << " bytes, " << smallest << " to "
+                      << largest << " are possible.";
   return OVI_ERR_FILE_OPERATION_FAILURE;
+}
+
+oviErr refuseBuffer(const char* site, std::int64_t size) {
+  return refuseSize(site, "FileAccessBuffer", size, 1, std::numeric_limits<std::int64_t>::max());
 }
 
 }  // namespace
@@ -218,14 +223,14 @@ oviErr GetUploadFileSize(FileAccessContext& context, std::int64_t& fileSize, std
             OVI::oviGetFeatureParameter(context.device, "FileAccessBuffer", &buffer, kCamera)))
     return step.code();
   if (buffer.registerLength <= 0)
-    return refuseSize(kSite, "FileAccessBuffer", buffer.registerLength, kLongestReadChunk);
+    return refuseBuffer(kSite, buffer.registerLength);
   chunkSize = std::min(buffer.registerLength, kLongestReadChunk);
   if (!step("Failed to get file size from camera, oviGetParameterInt(\"FileSize\") error: ",
             OVI::oviGetFeatureInt(context.device, "FileSize", &fileSize, kCamera)))
     return step.code();
   const std::uint64_t limit = largestFile();
   if (fileSize < 0 || static_cast<std::uint64_t>(fileSize) > limit)
-    return refuseSize(kSite, "FileSize", fileSize, limit);
+    return refuseSize(kSite, "FileSize", fileSize, 0, limit);
   paddedSize = chunkSize - fileSize % chunkSize + fileSize;
   return OVI_SUCCESS;
 }
@@ -241,7 +246,7 @@ oviErr TransmitChunks(FileAccessContext& context, const std::vector<std::uint8_t
   const auto size = static_cast<std::int64_t>(data.size());
   context.reporter.setTotal(data.size());
   if (chunkSize <= 0 && size > 0)
-    return refuseSize(kSite, "FileAccessBuffer", chunkSize, data.size());
+    return refuseBuffer(kSite, chunkSize);
   const oviErr code = moveChunks(context, kSite, size, chunkSize, "Data transfer in progress...",
                                  [&](std::int64_t offset, std::int64_t count) {
                                    return writeChunk(context, kSite, data.data() + offset, offset, count);
