@@ -117,12 +117,12 @@ class Arguments {
 
   /**
    * An argument of type T. Its role:
-   *   h a handle; E a variable with one     n a name or a value as text; D a device's ID; p a path; A a search path
-   *   o memory of the size that follows in z (or in the variable of Z); B the same to read from
-   *   T a text of 512 bytes; X one of 300; S room for an image; L a list with room for features; P room for images
-   *   e one object to be filled; O the same, never null; R a record with anything in it
-   *   c a callback; x its context; 0 null
-   *   s a module selector; t a time-out; i a number; C, Q number and size of buffers; j, u, m, k arguments of scans
+   *   h a handle; E a variable with one     n a name or a value as text; D a device's ID; p a path; q a producer's; A a
+   * search path w a value as text in memory of at least 512 bytes, which are what a register is written from o memory
+   * of the size that follows in z (or in the variable of Z); B the same to read from T a text of 512 bytes; X one of
+   * 300; S room for an image; L a list with room for features; P room for images e one object to be filled; O the same,
+   * never null; R a record with anything in it c a callback; x its context; 0 null s a module selector; t a time-out; i
+   * a number; C, Q number and size of buffers; j, u, m, k arguments of scans
    */
   template<class T>
   T make(char role) {
@@ -240,7 +240,11 @@ class Arguments {
   T pointer(char role) {
     using Object = std::remove_cv_t<std::remove_pointer_t<T>>;
     if constexpr (std::is_same_v<T, const char*>) {
-      return text(role);
+      if (role != 'w')
+        return text(role);
+      const char* const value = text(role);
+      const std::size_t length = std::strlen(value);
+      return static_cast<T>(std::memcpy(allocate(std::max<std::size_t>(512, length + 1)), value, length));
     } else if constexpr (std::is_same_v<Object, FEATURE_PARAM_LIST_STRUCT>) {
       features_.resize(kFeatureRoom);
       auto* const list = static_cast<T>(allocate(sizeof(Object)));
@@ -325,7 +329,7 @@ enum class Kind {
   Quick,
   Slow,      // Waits, or works for longer: called less often.
   Ours,      // Called by this program alone, at its time.
-  Tolerant,  // Succeeds also with a handle that nobody knows.
+  Tolerant,  // As slow, and succeeds also with a handle that nobody knows.
 };
 
 struct Function {
@@ -415,9 +419,9 @@ std::vector<Function> allFunctions() {
       FUNCTION(oviIterateFeatureTree, "hniozOs", Quick),
       FUNCTION(oviGetFeatureList, "hLi", Tolerant),
       FUNCTION(oviGetFeature, "hnT", Quick),
-      FUNCTION(oviSetFeature, "hnn", Quick),
+      FUNCTION(oviSetFeature, "hnw", Quick),
       FUNCTION(oviGetFeatureOnModule, "hnTs", Quick),
-      FUNCTION(oviSetFeatureOnModule, "hnns", Quick),
+      FUNCTION(oviSetFeatureOnModule, "hnws", Quick),
       FUNCTION(oviReadMemory, "hioz", Quick),
       FUNCTION(oviWriteMemory, "hiBz", Quick),
       FUNCTION(oviGetRegisterValue, "hnTi", Quick),
@@ -449,7 +453,7 @@ std::vector<Function> allFunctions() {
       FUNCTION(oviScanImg, "hcjum", Slow),
       FUNCTION(oviScanImgStop, "h", Tolerant),
       FUNCTION(oviScanImage, "hS", Slow),
-      FUNCTION(oviScanImageCont, "hkEER", Slow),
+      FUNCTION(oviScanImageCont, "hkEER", Tolerant),
       FUNCTION(oviScanStreamImage, "hkPe", Slow),
       FUNCTION(oviGetLastImageInfo, "e", Quick),
       FUNCTION(oviFileDownloadToDevice, "hpntcx", Slow),
@@ -510,7 +514,7 @@ void abuse(const std::vector<Function>& functions, std::size_t thread, std::uint
   Arguments arguments(seed);
   while (!stop) {
     const Function& function = functions[arguments.any(functions.size())];
-    if (function.kind == Kind::Ours || (function.kind == Kind::Slow && arguments.any(25) != 0))
+    if (function.kind == Kind::Ours || (function.kind != Kind::Quick && arguments.any(25) != 0))
       continue;
     Watchdog::doing(thread, function.name.c_str());
     function.call(arguments);
