@@ -16,7 +16,7 @@ namespace {
 constexpr std::array kCommands = {tool::addList,   tool::addInfo, tool::addFeatures, tool::addGet,  tool::addSet,
                                   tool::addWatch,  tool::addGrab, tool::addStream,   tool::addScan, tool::addBench,
                                   tool::addSave,   tool::addLoad, tool::addDiff,     tool::addFile, tool::addMem,
-                                  tool::addDoctor, tool::addXml,  tool::addProbe};
+                                  tool::addDoctor, tool::addXml,  tool::addCheck,    tool::addProbe};
 
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
   const bool terminal = tool::standardErrorIsTerminal();

@@ -1,0 +1,118 @@
+// A stream with buffers, and the camera behind it, for the rules of buffers, events and images.
+#include "check/stream_session.h"
+
+#include <algorithm>
+
+namespace tool::check {
+
+StreamSession::StreamSession(Checker& check)
+    : check_(check),
+      modules_(check, Depth::kStream),
+      camera_(check, modules_.remote) {
+  const ProducerFunctions& gentl = check.gentl();
+  const Info defines = ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
+                               std::size_t* size) { return gentl.DSGetInfo(stream(), command, type, buffer, size); },
+                           STREAM_INFO_DEFINES_PAYLOADSIZE);
+  const std::optional<std::int64_t> size = camera_.integer("PayloadSize");
+  if ((defines.exists() && defines.number() != 0) || !size)
+    payload_ = static_cast<std::size_t>(info(STREAM_INFO_PAYLOAD_SIZE));
+  else
+    payload_ = static_cast<std::size_t>(std::max<std::int64_t>(*size, 0));
+  if (payload_ == 0)
+    throw Broken("neither the stream nor the device's PayloadSize tells how large an image is");
+}
+
+void StreamSession::announce(std::size_t count) {
+  const Info minimum =
+      ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
+              std::size_t* size) { return check_.gentl().DSGetInfo(stream(), command, type, buffer, size); },
+          STREAM_INFO_BUF_ANNOUNCE_MIN);
+  const Info alignment =
+      ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
+              std::size_t* size) { return check_.gentl().DSGetInfo(stream(), command, type, buffer, size); },
+          STREAM_INFO_BUF_ALIGNMENT);
+  const std::uintptr_t step = alignment.exists() ? std::max<std::uintptr_t>(alignment.number(), 1) : 1;
+  if (minimum.exists())
+    count = std::max(count, static_cast<std::size_t>(minimum.number()));
+  for (std::size_t i = 1; i <= count; ++i) {
+    std::vector<std::uint8_t>& memory = memory_.emplace_back(payload_ + step);
+    const auto address = (reinterpret_cast<std::uintptr_t>(memory.data()) + step - 1) / step * step;
+    BUFFER_HANDLE buffer = nullptr;
+    check_.need(check_.gentl().DSAnnounceBuffer, stream(), reinterpret_cast<void*>(address), payload_,
+                reinterpret_cast<void*>(i), &buffer);
+    buffers_.push_back(buffer);
+  }
+}
+
+void StreamSession::queueAll() {
+  for (BUFFER_HANDLE buffer : buffers_)
+    check_.need(check_.gentl().DSQueueBuffer, stream(), buffer);
+}
+
+void StreamSession::revokeAll() {
+  check_.need(check_.gentl().DSFlushQueue, stream(), ACQ_QUEUE_ALL_DISCARD);
+  for (std::size_t i = 0; i < buffers_.size(); ++i) {
+    void* memory = nullptr;
+    void* mine = nullptr;
+    check_.need(check_.gentl().DSRevokeBuffer, stream(), buffers_[i], &memory, &mine);
+    if (reinterpret_cast<std::uintptr_t>(mine) != i + 1)
+      check_.fault("DSRevokeBuffer gave back another private pointer than was announced");
+    const auto* const start = memory_.at(i).data();
+    if (memory < start || memory >= start + memory_.at(i).size())
+      check_.fault("DSRevokeBuffer gave back another memory than was announced");
+  }
+  buffers_.clear();
+  memory_.clear();
+}
+
+EVENT_HANDLE StreamSession::registerEvent() {
+  EVENT_HANDLE event = nullptr;
+  check_.need(check_.gentl().GCRegisterEvent, stream(), EVENT_NEW_BUFFER, &event);
+  return event;
+}
+
+void StreamSession::unregisterEvent() {
+  check_.need(check_.gentl().GCUnregisterEvent, stream(), EVENT_NEW_BUFFER);
+}
+
+std::uint64_t StreamSession::info(STREAM_INFO_CMD command) {
+  const Info value = ask([&](std::int32_t cmd, INFO_DATATYPE* type, void* buffer,
+                             std::size_t* size) { return check_.gentl().DSGetInfo(stream(), cmd, type, buffer, size); },
+                         command);
+  if (!value.exists())
+    throw Broken("DSGetInfo(" + std::to_string(command) + ") returned " + codeText(value.code));
+  return value.number();
+}
+
+Info StreamSession::bufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) {
+  return ask([&](std::int32_t cmd, INFO_DATATYPE* type, void* to,
+                 std::size_t* size) { return check_.gentl().DSGetBufferInfo(stream(), buffer, cmd, type, to, size); },
+             command);
+}
+
+EVENT_NEW_BUFFER_DATA StreamSession::wait(EVENT_HANDLE event, std::uint64_t timeout) {
+  EVENT_NEW_BUFFER_DATA data{};
+  std::size_t size = sizeof data;
+  const GC_ERROR code = check_.gentl().EventGetData(event, &data, &size, timeout);
+  if (code == GC_ERR_TIMEOUT)
+    throw Broken("no buffer came within " + std::to_string(timeout) + " ms");
+  if (code != GC_ERR_SUCCESS)
+    throw Broken("EventGetData returned " + codeText(code));
+  if (size != sizeof data)
+    throw Broken("EventGetData wrote " + std::to_string(size) + " bytes, not " + std::to_string(sizeof data));
+  return data;
+}
+
+void StreamSession::start(std::uint64_t count) {
+  camera_.lock(true);
+  check_.need(check_.gentl().DSStartAcquisition, stream(), ACQ_START_FLAGS_DEFAULT, count);
+  camera_.execute(check_, "AcquisitionStart");
+}
+
+void StreamSession::stop(ACQ_STOP_FLAGS flags) {
+  camera_.execute(check_, "AcquisitionStop");
+  check_.need(check_.gentl().DSStopAcquisition, stream(), flags);
+  camera_.lock(false);
+}
+
+}  // namespace tool::check

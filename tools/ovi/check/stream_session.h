@@ -1,0 +1,46 @@
+// A stream with buffers, and the camera behind it, for the rules of buffers, events and images.
+#pragma once
+
+#include <deque>
+
+#include "check/modules.h"
+
+namespace tool::check {
+
+class StreamSession {
+ public:
+  /// Opens a stream and reads the device's description. Throws Broken.
+  explicit StreamSession(Checker& check);
+
+  Modules& modules() { return modules_; }
+  PortMap& camera() { return camera_; }
+  DS_HANDLE stream() const { return modules_.stream; }
+  std::size_t payload() const { return payload_; }
+
+  /// Announces so many buffers of ours, at least what the stream demands, with their number from 1 as private pointer.
+  void announce(std::size_t count);
+  const std::vector<BUFFER_HANDLE>& buffers() const { return buffers_; }
+  void queueAll();
+  /// Flushes and revokes all of them.
+  void revokeAll();
+  EVENT_HANDLE registerEvent();
+  void unregisterEvent();
+
+  std::uint64_t info(STREAM_INFO_CMD command);
+  Info bufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command);
+  /// The next entry of the event. Throws Broken when none comes in time.
+  EVENT_NEW_BUFFER_DATA wait(EVENT_HANDLE event, std::uint64_t timeout);
+
+  void start(std::uint64_t count = GENTL_INFINITE);
+  void stop(ACQ_STOP_FLAGS flags = ACQ_STOP_FLAGS_DEFAULT);
+
+ private:
+  Checker& check_;
+  Modules modules_;
+  PortMap camera_;
+  std::size_t payload_ = 0;
+  std::deque<std::vector<std::uint8_t>> memory_;
+  std::vector<BUFFER_HANDLE> buffers_;
+};
+
+}  // namespace tool::check

@@ -1,0 +1,207 @@
+// ovi check: whether a producer keeps the rules of GenTL, as far as the library and its users depend on them.
+#include <array>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "check/groups.h"
+#include "commands.h"
+#include "paths.h"
+#include "platform/child_process.h"
+#include "platform/console.h"
+#include "terminal.h"
+#include "text.h"
+#include "tool_error.h"
+
+namespace tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::chrono::seconds kGroupTime{90};
+
+constexpr std::array kGroups = {check::Group{"exports", "Exports", check::checkExports},
+                                check::Group{"life", "Life cycle", check::checkLifeCycle},
+                                check::Group{"system", "System", check::checkSystem},
+                                check::Group{"interfaces", "Interfaces and devices", check::checkInterfaces},
+                                check::Group{"device", "Device", check::checkDevice},
+                                check::Group{"ports", "Ports and descriptions", check::checkPorts},
+                                check::Group{"events", "Events", check::checkEvents},
+                                check::Group{"buffers", "Buffers and flushes", check::checkBuffers},
+                                check::Group{"images", "Images", check::checkImages},
+                                check::Group{"stops", "Stop and restart", check::checkStops},
+                                check::Group{"threads", "Threads", check::checkThreads},
+                                check::Group{"faults", "Fault paths", check::checkFaults}};
+
+constexpr std::array<const char*, 3> kVerdicts = {"pass", "warn", "fail"};
+
+struct CheckOptions {
+  std::string producer;
+  std::string group;  // set in the processes of the groups
+  std::vector<std::string> only;
+};
+
+// In a group's process: a line of JSON for each rule that begins or ends.
+void runGroup(const CheckOptions& options, const std::string& camera) {
+  const auto group = std::find_if(kGroups.begin(), kGroups.end(),
+                                  [&](const check::Group& candidate) { return options.group == candidate.name; });
+  if (group == kGroups.end())
+    throw ToolError("there is no group \"" + options.group + "\"", "ovi check --help", ExitCode::kUsage);
+  const auto print = [](const ordered_json& line) {
+    printData(line.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
+  };
+  std::string current;
+  check::watchCalls([&](const std::string& function) {
+    print({{"rule", current}, {"result", "fail"}, {"seen", function + " did not come back within 8 s"}});
+  });
+  // Never unloaded: a broken producer may have threads that still run.
+  const auto& library = *new DynamicLibrary(pathFromText(options.producer));
+  const check::ProducerFunctions functions(library);
+  check::Checker checker(
+      functions, camera,
+      [&](const std::string& rule) {
+        current = rule;
+        print({{"begin", rule}});
+      },
+      [&](check::Verdict verdict, const std::string& rule, const std::string& seen) {
+        current.clear();
+        print({{"rule", rule}, {"result", kVerdicts.at(static_cast<std::size_t>(verdict))}, {"seen", seen}});
+      });
+  group->run(checker);
+}
+
+// What a group's process printed, with a line for an end that was none.
+std::vector<ordered_json> linesOf(const ChildResult& child) {
+  std::vector<ordered_json> lines;
+  std::string begun;
+  std::istringstream stream(child.output);
+  for (std::string text; std::getline(stream, text);) {
+    ordered_json line = ordered_json::parse(text, nullptr, false);
+    if (line.is_object() && line.contains("begin")) {
+      begun = line["begin"];
+    } else if (line.is_object() && line.contains("rule")) {
+      begun.clear();
+      lines.push_back(std::move(line));
+    }
+  }
+  const auto failed = [&](const std::string& seen) {
+    lines.push_back(
+        {{"rule", begun.empty() ? "The rules can be tried to their end" : begun}, {"result", "fail"}, {"seen", seen}});
+  };
+  const std::size_t where = child.messages.find("crashed in ");
+  if (!child.started)
+    failed("no process could be started");
+  else if (child.timedOut)
+    failed("the process hung");
+  else if (child.crashed)
+    failed("the process crashed: " + child.crash +
+           (where == std::string::npos
+                ? ""
+                : ", in " + child.messages.substr(where + 11, child.messages.find('\n', where) - where - 11)));
+  else if (child.exitCode != 0 && (lines.empty() || lines.back()["result"] != "fail"))
+    failed(child.messages.substr(0, child.messages.find('\n')));
+  return lines;
+}
+
+struct Totals {
+  std::array<std::size_t, 3> counts{};
+  std::size_t& operator[](const std::string& result) {
+    return counts.at(result == "pass" ? 0U : result == "warn" ? 1U : 2U);
+  }
+};
+
+void printLine(const ordered_json& line) {
+  static constexpr std::array<Colour, 3> kColours = {Colour::kGreen, Colour::kYellow, Colour::kRed};
+  const std::string result = line["result"];
+  const std::size_t index = result == "pass" ? 0U : result == "warn" ? 1U : 2U;
+  const std::string seen = line.value("seen", "");
+  printData("  " + coloured(result, kColours.at(index), standardOutputIsTerminal()) + "  " +
+            line["rule"].get<std::string>() +
+            (seen.empty() ? ""
+             : index == 0 ? " (" + seen + ")"
+                          : "\n        " + seen));
+}
+
+void runAll(const Session& session, const CheckOptions& options) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(pathFromText(options.producer), error))
+    throw ToolError("there is no producer " + options.producer, "give the path of a .cti file", ExitCode::kUsage);
+  const bool json = session.options().json;
+  Totals totals;
+  ordered_json all = ordered_json::array();
+  ProgressLine progress;
+  for (const check::Group& group : kGroups) {
+    if (interrupted())
+      throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+    if (!options.only.empty() && std::find(options.only.begin(), options.only.end(), group.name) == options.only.end())
+      continue;
+    progress.show(-1.0, group.title, true);
+    std::vector<std::string> arguments = {"check", options.producer, "--in-group", group.name};
+    if (!session.options().camera.empty())
+      arguments.insert(arguments.end(), {"--camera", session.options().camera});
+    const std::vector<ordered_json> lines = linesOf(runChild(ownProgram(), arguments, kGroupTime));
+    progress.clear();
+    if (!json)
+      printData(coloured(group.title, Colour::kBold, standardOutputIsTerminal()));
+    bool hopeless = false;
+    for (const ordered_json& line : lines) {
+      ++totals[line["result"]];
+      hopeless = hopeless || (line["result"] == "fail" && (group.name == std::string("exports") ||
+                                                           line["rule"] == "GCInitLib initialises the library"));
+      if (json) {
+        ordered_json item{{"group", group.name}};
+        item.update(line);
+        all.push_back(std::move(item));
+      } else {
+        printLine(line);
+      }
+    }
+    if (hopeless)
+      break;
+  }
+  const std::string counts = std::to_string(totals.counts[0]) + " pass, " + std::to_string(totals.counts[1]) +
+                             " warn, " + std::to_string(totals.counts[2]) + " fail";
+  if (json)
+    printData(ordered_json{
+        {"producer", options.producer},
+        {"pass", totals.counts[0]},
+        {"warn", totals.counts[1]},
+        {"fail", totals.counts[2]},
+        {"rules",
+         all}}.dump(2, ' ', false, ordered_json::error_handler_t::replace));
+  else
+    printData(counts);
+  if (totals.counts[2] > 0)
+    throw ToolError("the producer breaks " + std::to_string(totals.counts[2]) +
+                    (totals.counts[2] == 1 ? " rule" : " rules"));
+}
+
+}  // namespace
+
+void addCheck(CLI::App& app, CommonOptions& common, Action& action) {
+  CLI::App* command = app.add_subcommand("check", "Hold a producer against the rules of GenTL");
+  auto options = std::make_shared<CheckOptions>();
+  command->add_option("PRODUCER", options->producer, "The producer's file")->required();
+  std::vector<std::string> names;
+  for (const check::Group& group : kGroups)
+    names.emplace_back(group.name);
+  command->add_option("--only", options->only, "Only these groups: " + join(names, ", "))
+      ->type_name("GROUP")
+      ->check(CLI::IsMember(names))
+      ->allow_extra_args(false);
+  command->add_option("--in-group", options->group)->group("");
+  addCameraOption(*command, common);
+  command->footer(
+      "Examples:\n  ovi check /opt/maker/producer.cti\n  ovi check producer.cti --camera 12345678\n"
+      "  ovi check producer.cti --only images --only stops");
+  command->callback([=, &action, &common] {
+    common.withoutLibrary = true;
+    action = [=](Session& session) {
+      options->group.empty() ? runAll(session, *options) : runGroup(*options, session.options().camera);
+    };
+  });
+}
+
+}  // namespace tool
