@@ -93,7 +93,10 @@ void scan(Session& session, const ScanOptions& options) {
                     session.command("stream --frames 100"));
   }
   if (scan.bad > 0)
-    throw ToolError(std::to_string(scan.bad) + " images did not show the test pattern");
+    throw ToolError(std::to_string(scan.bad) +
+                        " images did not show the test pattern; a scan has one buffer, so images that come faster than "
+                        "they are checked are missed and break the pattern",
+                    session.command("scan --set AcquisitionFrameRate=5 --images 10 --check-pattern"));
 }
 
 }  // namespace
