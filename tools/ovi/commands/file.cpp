@@ -123,12 +123,23 @@ void report(const ModuleView& view, const TransferLine& line, const std::string&
   }
 }
 
+// A transfer that ends early leaves the camera's file open.
+void closeOpenFile(const ModuleView& view) {
+  oviSetFeatureEnum(view.handle(), "FileOperationSelector", "Close", kCamera);
+  oviExecuteCommand(view.handle(), "FileOperationExecute", kCamera);
+}
+
 void readFile(const ModuleView& view, const FileOptions& options, const std::string& name, const std::string& path) {
   TransferLine line("reading " + name);
-  run(view, line, "reading " + name + " into " + path, [&](const ovi::TransferFunction& progress) {
-    view.device().upload(toLibraryText(path), toLibraryText(name), std::chrono::milliseconds(options.silence),
-                         progress);
-  });
+  try {
+    run(view, line, "reading " + name + " into " + path, [&](const ovi::TransferFunction& progress) {
+      view.device().upload(toLibraryText(path), toLibraryText(name), std::chrono::milliseconds(options.silence),
+                           progress);
+    });
+  } catch (const ToolError&) {
+    closeOpenFile(view);
+    throw;
+  }
   report(view, line, "read " + name + " into " + path, name, path);
 }
 
@@ -185,8 +196,7 @@ bool isFirmware(const std::string& name) {
   return false;
 }
 
-// A transfer that ends early leaves the camera's file open, with a part of the data in it. Closed with a checksum that
-// is not theirs, the part is dropped.
+// Closed with a checksum that is not theirs, the part of the data that was written is dropped.
 void dropOpenFile(const ModuleView& view, const std::string& path) {
   std::ifstream stream(pathFromText(path), std::ios::binary);
   std::uint32_t sum = 0;
@@ -194,8 +204,7 @@ void dropOpenFile(const ModuleView& view, const std::string& path) {
   for (std::istreambuf_iterator<char> byte(stream), end; byte != end; ++byte, shift = (shift + 8) % 32)
     sum += static_cast<std::uint32_t>(static_cast<unsigned char>(*byte)) << shift;
   oviSetFeatureInt(view.handle(), "FileChecksum", sum + 1, kCamera);
-  oviSetFeatureEnum(view.handle(), "FileOperationSelector", "Close", kCamera);
-  oviExecuteCommand(view.handle(), "FileOperationExecute", kCamera);
+  closeOpenFile(view);
 }
 
 void put(Session& session, const FileOptions& options) {

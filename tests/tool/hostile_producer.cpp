@@ -1,0 +1,56 @@
+// The virtual camera with an order to misbehave, which the environment gives: one line of words, as in the tests'
+// table. The functions of a producer are found in the library that this one depends on.
+#include <dlfcn.h>
+#include <gentl_interface/GenTL.h>
+#include <ovi_virtual/hostility.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+namespace {
+
+struct Orders {
+  Orders() {
+    const char* const text = std::getenv("OVI_TEST_ORDER");
+    std::istringstream words(text == nullptr ? "" : text);
+    std::string order;
+    std::string function;
+    long number = 0;
+    words >> order;
+    const OviVirtualHostility& hostility = *oviVirtualHostility();
+    if (order == "fail" && words >> function >> number)
+      hostility.fail(function.c_str(), static_cast<std::int32_t>(number), 1, UINT64_MAX);
+    if (order == "block" && words >> function)
+      hostility.block(function.c_str(), 1, UINT64_MAX);
+    if (order == "text" && words >> function >> number)
+      hostility.spoilText(function.c_str(), -1, static_cast<OviVirtualText>(number), UINT64_MAX);
+    if (order == "type" && words >> function >> number)
+      hostility.spoilType(function.c_str(), -1, static_cast<std::int32_t>(number), UINT64_MAX);
+    if (order == "short")
+      hostility.shortReads(1, 1, UINT64_MAX);
+    if (order == "frames" && words >> number)
+      hostility.spoilFrames(nullptr, static_cast<std::uint32_t>(number), 3, 1);
+    if (order == "pause")
+      hostility.pauseFrames(nullptr, 1);
+    if (order == "slow" && words >> number)
+      hostility.slowUpdates(static_cast<std::uint64_t>(number));
+    if (order == "crash")
+      std::raise(SIGSEGV);
+  }
+};
+
+const Orders orders;
+
+}  // namespace
+
+// Cameras, which commands belong to, are there only afterwards.
+GC_ERROR GC_CALLTYPE GCInitLib(void) {
+  const auto real = reinterpret_cast<PGCInitLib>(dlsym(RTLD_NEXT, "GCInitLib"));
+  const GC_ERROR code = real();
+  const char* const text = std::getenv("OVI_TEST_ORDER");
+  if (text != nullptr && std::string(text) == "busy")
+    oviVirtualHostility()->busyCommands(nullptr, 5);
+  return code;
+}
