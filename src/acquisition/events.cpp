@@ -35,6 +35,8 @@ struct EventKind {
 };
 constexpr EventKind kModuleEvents[] = {{OVI_EVENT_ERROR, EVENT_ERROR}, {OVI_EVENT_MODULE, EVENT_MODULE}};
 
+constexpr const char* kNoEvent = "Could not find event object for provided handle!";
+
 // A producer that cannot tell how long its events' data get has this much room, and no producer has more than the most.
 constexpr std::size_t kUnknownDataSize = 4096;
 constexpr std::size_t kLargestDataSize = std::size_t{16} << 20;
@@ -116,7 +118,7 @@ oviErr waitForData(Event& event, std::uint64_t timeout, void** data) {
 oviErr findEvent(const char* site, std::uint64_t handle, std::shared_ptr<Event>& out) {
   const oviErr result = lookupModule(handle, out);
   if (result != OVI_SUCCESS) {
-    OVI_LOG_ERROR(site) << "Could not find event object for provided handle!";
+    OVI_LOG_ERROR(site) << kNoEvent;
   }
   return result;
 }
@@ -160,10 +162,11 @@ oviErr oviWaitForEvent(std::uint64_t eventHandle, std::uint64_t timeout, void** 
   if (eventHandle == 0 || data == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  std::shared_ptr<Event> event;
-  const oviErr found = findEvent(kSite, eventHandle, event);
-  if (found != OVI_SUCCESS) {
-    return found;
+  Hold hold;
+  auto* const event = holdModule<Event>(eventHandle, hold);
+  if (event == nullptr) {
+    OVI_LOG_ERROR(kSite) << kNoEvent;
+    return OVI_ERR_NOT_FOUND;
   }
   if (event->getEventType() != EVENT_NEW_BUFFER) {
     return waitForData(*event, timeout, data);
@@ -181,10 +184,13 @@ oviErr oviGetNextImage(std::uint64_t eventHandle, oviNewBufferEventData* record,
     return OVI_ERR_INVALID_PARAMETER;
   }
   *record = {};
-  std::shared_ptr<Event> event;
-  const oviErr found = lookupModule(eventHandle, event);
-  if (found != OVI_SUCCESS || event->getEventType() != EVENT_NEW_BUFFER) {
-    return found;
+  Hold hold;
+  auto* const event = holdModule<Event>(eventHandle, hold);
+  if (event == nullptr) {
+    return OVI_ERR_NOT_FOUND;
+  }
+  if (event->getEventType() != EVENT_NEW_BUFFER) {
+    return OVI_SUCCESS;
   }
   oviNewBufferEventData* image = nullptr;
   return waitForImage(*event, timeout, image, record);

@@ -215,12 +215,13 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
   if (streamHandle == 0 || record == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  std::shared_ptr<DataStream> stream;
-  if (lookupModule(streamHandle, stream) != OVI_SUCCESS) {
+  Hold hold;
+  auto* const stream = holdModule<DataStream>(streamHandle, hold);
+  if (stream == nullptr) {
     OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown stream.";
   }
   BUFFER_HANDLE buffer = nullptr;
-  const oviErr result = findBuffer(stream.get(), record->bufferHandle, buffer);
+  const oviErr result = findBuffer(stream, record->bufferHandle, buffer);
   if (result != OVI_SUCCESS) {
     OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown buffer.";
   }

@@ -2,41 +2,17 @@
 #include "core/handle_registry.h"
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 namespace OVI {
 
-/** Keeps every reader and every other writer out. */
-class HandleRegistry::WriteGuard {
- public:
-  explicit WriteGuard(const HandleRegistry& registry) : locks_(registry.locks_) {
-    for (ReaderLock& lock : locks_) {
-      lock.mutex.lock();
-    }
-  }
-  WriteGuard(const WriteGuard&) = delete;
-  WriteGuard& operator=(const WriteGuard&) = delete;
-  ~WriteGuard() {
-    for (ReaderLock& lock : locks_) {
-      lock.mutex.unlock();
-    }
-  }
-
- private:
-  std::array<ReaderLock, kReaderLocks>& locks_;
-};
-
-HandleRegistry& HandleRegistry::instance() {
-  static HandleRegistry& registry = *new HandleRegistry;  // Threads that outlive main may still ask it.
-  return registry;
-}
+HandleRegistry* const HandleRegistry::instance_ = new HandleRegistry;
 
 oviErr HandleRegistry::registerModule(const Module& module, ModuleKind kind, Handle& outHandle) {
   if (module == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  const WriteGuard guard(*this);
+  const std::lock_guard lock(mutex_);
   outHandle = issueOrReuse(module, kind);
   return OVI_SUCCESS;
 }
@@ -46,7 +22,7 @@ oviErr HandleRegistry::registerOpenedDevice(const Module& system, const Module& 
   if (system == nullptr || tlInterface == nullptr || device == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  const WriteGuard guard(*this);
+  const std::lock_guard lock(mutex_);
   const Handle last = counter_;
   outHandle = issueOrReuse(device, ModuleKind::Device);
   if (outHandle > last) {  // Not known before.
@@ -61,7 +37,7 @@ oviErr HandleRegistry::registerOwned(Handle owner, const Module& module, ModuleK
   if (module == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  const WriteGuard guard(*this);
+  const std::lock_guard lock(mutex_);
   if (!entries_.contains(owner)) {
     return OVI_ERR_NOT_FOUND;
   }
@@ -74,19 +50,19 @@ oviErr HandleRegistry::registerOwned(Handle owner, const Module& module, ModuleK
 }
 
 HandleRegistry::Module HandleRegistry::find(Handle handle) const {
-  const std::lock_guard lock(readerMutex());
+  const std::lock_guard lock(mutex_);
   const auto entry = entries_.find(handle);
   return entry != entries_.end() ? entry->second.module : nullptr;
 }
 
 HandleRegistry::Handle HandleRegistry::handleOf(const GenTLCpp::BaseModule* module) const {
-  const std::lock_guard lock(readerMutex());
+  const std::lock_guard lock(mutex_);
   const auto known = byModule_.find(module);
   return known != byModule_.end() ? known->second : 0;
 }
 
 oviErr HandleRegistry::listRelated(Handle owner, ModuleKind kind, std::vector<Handle>& outHandles) const {
-  const std::lock_guard lock(readerMutex());
+  const std::lock_guard lock(mutex_);
   const auto relation = relations_.find(owner);
   if (relation == relations_.end()) {
     return OVI_ERR_NOT_FOUND;
@@ -100,7 +76,7 @@ oviErr HandleRegistry::listRelated(Handle owner, ModuleKind kind, std::vector<Ha
 }
 
 std::vector<HandleRegistry::Module> HandleRegistry::modulesOfKind(ModuleKind kind) const {
-  const std::lock_guard lock(readerMutex());
+  const std::lock_guard lock(mutex_);
   std::vector<Module> modules;
   for (const auto& [handle, entry] : entries_) {
     if (entry.kind == kind) {
@@ -111,44 +87,47 @@ std::vector<HandleRegistry::Module> HandleRegistry::modulesOfKind(ModuleKind kin
 }
 
 void HandleRegistry::remove(Handle handle) {
-  std::vector<Module> dropped;
-  const WriteGuard guard(*this);
-  if (auto owned = relations_.extract(handle)) {
-    for (const auto& [kind, handles] : owned.mapped()) {
-      for (const Handle member : handles) {
-        erase(member, dropped);
+  Retired dropped;
+  {
+    const std::lock_guard lock(mutex_);
+    if (auto owned = relations_.extract(handle)) {
+      for (const auto& [kind, handles] : owned.mapped()) {
+        for (const Handle member : handles) {
+          erase(member, dropped);
+        }
       }
     }
-  }
-  erase(handle, dropped);
-  for (auto relation = relations_.begin(); relation != relations_.end();) {
-    KindLists& lists = relation->second;
-    for (auto entry = lists.begin(); entry != lists.end();) {
-      std::erase(entry->second, handle);
-      entry = entry->second.empty() ? lists.erase(entry) : std::next(entry);
+    erase(handle, dropped);
+    for (auto relation = relations_.begin(); relation != relations_.end();) {
+      KindLists& lists = relation->second;
+      for (auto entry = lists.begin(); entry != lists.end();) {
+        std::erase(entry->second, handle);
+        entry = entry->second.empty() ? lists.erase(entry) : std::next(entry);
+      }
+      relation = lists.empty() ? relations_.erase(relation) : std::next(relation);
     }
-    relation = lists.empty() ? relations_.erase(relation) : std::next(relation);
   }
+  retire(std::move(dropped));
 }
 
 void HandleRegistry::clear() {
-  std::unordered_map<Handle, Entry> dropped;
-  const WriteGuard guard(*this);
-  dropped.swap(entries_);
-  byModule_.clear();
-  relations_.clear();
-}
-
-std::mutex& HandleRegistry::readerMutex() const noexcept {
-  static std::atomic<std::size_t> threads{0};
-  thread_local const std::size_t mine = threads.fetch_add(1, std::memory_order_relaxed) % kReaderLocks;
-  return locks_[mine].mutex;
+  Retired dropped;
+  {
+    const std::lock_guard lock(mutex_);
+    while (!entries_.empty()) {
+      erase(entries_.begin()->first, dropped);
+    }
+    byModule_.clear();
+    relations_.clear();
+  }
+  retire(std::move(dropped));
 }
 
 HandleRegistry::Handle HandleRegistry::issue(const Module& module, ModuleKind kind) {
   const Handle handle = ++counter_;
   entries_.emplace(handle, Entry{.module = module, .kind = kind});
   byModule_[module.get()] = handle;
+  byHandle_.insert(handle, *module);
   return handle;
 }
 
@@ -167,7 +146,7 @@ void HandleRegistry::list(Handle owner, ModuleKind kind, Handle handle) {
   ++entries_.at(handle).listed;
 }
 
-void HandleRegistry::erase(Handle handle, std::vector<Module>& dropped) {
+void HandleRegistry::erase(Handle handle, Retired& dropped) {
   const auto found = entries_.find(handle);
   if (found == entries_.end()) {
     return;
@@ -176,6 +155,7 @@ void HandleRegistry::erase(Handle handle, std::vector<Module>& dropped) {
   if (const auto known = byModule_.find(entry.module.get()); known != byModule_.end() && known->second == handle) {
     byModule_.erase(known);
   }
+  byHandle_.erase(handle);
   dropped.push_back(std::move(entry.module));
   entries_.erase(found);
 }

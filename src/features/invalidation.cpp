@@ -16,18 +16,18 @@ oviErr withFeatureList(const char* site, std::uint64_t handle, const char* name,
     return OVI_ERR_NOT_INITIALIZED;
   if (name == nullptr)
     return OVI_ERR_INVALID_PARAMETER;
-  std::shared_ptr<GenTLCpp::FeatureList> features;
-  if (const oviErr code = getFeatureListForModule(handle, selector, features); code != OVI_SUCCESS) {
+  FoundNode found;
+  if (const oviErr code = getFeatureListForModule(handle, selector, found); code != OVI_SUCCESS) {
     OVI_LOG_WARNING(site) << failed << name;
     return code;
   }
-  if (features == nullptr) {
+  if (found.features == nullptr) {
     OVI_LOG_WARNING(site) << missing << " Failed to get featureList for module. Received null ptr.";
     return OVI_ERR_NOT_FOUND;
   }
   return caught(
       [&]() -> oviErr {
-        work(*features);
+        work(*found.features);
         return OVI_SUCCESS;
       },
       [&](const char* text) { OVI_LOG_ERROR(site) << failed << name << " Error: " << text; });
@@ -35,25 +35,17 @@ oviErr withFeatureList(const char* site, std::uint64_t handle, const char* name,
 
 }  // namespace
 
-oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
-                               std::shared_ptr<GenTLCpp::FeatureList>& out) {
+oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector, FoundNode& out) {
   if (handle == 0)
     return OVI_ERR_INVALID_PARAMETER;
-  return caught(
-      [&]() -> oviErr {
-        FoundNode found;
-        const oviErr code = findFeatures(handle, selector, found);
-        out = std::move(found.features);
-        return code;
-      },
-      [](const char* text) {
-        OVI_LOG_ERROR("getFeatureListForModule")
-            << "Exception during request of feature tree from module! Error: " << text;
-      });
+  return caught([&]() -> oviErr { return findFeatures(handle, selector, out); },
+                [](const char* text) {
+                  OVI_LOG_ERROR("getFeatureListForModule")
+                      << "Exception during request of feature tree from module! Error: " << text;
+                });
 }
 
-GenTLCpp::Feature* getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features,
-                                        const GenApi::INode* node) {
+GenTLCpp::Feature* getFeatureFromModule(const GenTLCpp::FeatureList* features, const GenApi::INode* node) {
   if (features != nullptr)
     return features->getFeature(node);
   OVI_LOG_ERROR("getFeatureFromModule") << "Failed to get featureList for the Module";

@@ -67,19 +67,23 @@ oviErr findModule(std::uint64_t handle, std::uint32_t selector, std::shared_ptr<
 }
 
 oviErr findFeatures(std::uint64_t handle, std::uint32_t selector, FoundNode& out) {
-  if (selector != OVI_MODULE_REMOTE_DEVICE) {
-    const oviErr code = findModule(handle, selector, out.module);
-    if (code == OVI_SUCCESS)
-      out.features = out.module->getFeatureList();
-    return code;
+  if (selector == OVI_MODULE_REMOTE_DEVICE) {
+    auto* const device = holdModule<GenTLCpp::Device>(handle, out.moduleHold);
+    if (device == nullptr)
+      return OVI_ERR_NOT_FOUND;
+    out.module = device;
+    out.features = device->getRemoteFeatureList(out.featuresHold);
+    return OVI_SUCCESS;
   }
-  std::shared_ptr<GenTLCpp::Device> device;
-  const oviErr code = lookupModule(handle, device);
-  if (code == OVI_SUCCESS) {
-    out.features = device->getRemoteFeatureList();
-    out.module = std::move(device);
-  }
-  return code;
+  const int wanted = moduleTypeOf(selector);
+  auto* module = wanted < 0 ? nullptr : holdModule<GenTLCpp::BaseModule>(handle, out.moduleHold);
+  while (module != nullptr && module->moduleType() != wanted)
+    module = parentOf(*module).get();
+  if (module == nullptr)
+    return OVI_ERR_NOT_FOUND;
+  out.module = module;
+  out.features = module->getFeatureList(out.featuresHold);
+  return OVI_SUCCESS;
 }
 
 oviErr getBaseNode(std::uint64_t handle, const char* name, FoundNode& out, std::uint32_t selector) {

@@ -20,18 +20,15 @@ const char* moduleTypeName(int moduleType) noexcept {
 BaseModule::~BaseModule() = default;
 
 GC_ERROR BaseModule::close() {
-  std::shared_ptr<FeatureList> list;
-  {
-    const std::lock_guard lock(cacheMutex_);
-    list = std::move(featureList_);
-  }
+  std::shared_ptr<FeatureList> list = takeOut(featureList_);
   std::shared_ptr<ConcretePort> port;
   {
     const std::lock_guard lock(portMutex_);
     port = std::move(port_);
   }
-  stopPolling(list);
-  return closeModule();
+  const GC_ERROR status = closeModule();
+  OVI::retire(std::move(list));
+  return status;
 }
 
 NodeMapPtr BaseModule::createNodeMap(const std::shared_ptr<ConcretePort>& port, const std::string& /*portName*/) {
@@ -55,15 +52,22 @@ std::shared_ptr<ConcretePort> BaseModule::getPort(bool renew) {
 }
 
 std::shared_ptr<FeatureList> BaseModule::getFeatureList() {
-  const std::lock_guard lock(cacheMutex_);
-  if (featureList_ == nullptr) {
+  return featureList_.get([this] {
     const char* typeName = moduleTypeName(moduleType());
-    featureList_ = makeFeatureList(typeName);
-    if (featureList_ == nullptr) {
+    std::shared_ptr<FeatureList> list = makeFeatureList(typeName);
+    if (list == nullptr) {
       traceLine("ERROR:Failed to get XML node map for module", typeName, "! Node map was NULL!");
     }
+    return list;
+  });
+}
+
+FeatureList* BaseModule::getFeatureList(OVI::Hold& hold) {
+  FeatureList* list = featureList_.find(hold);
+  while (list == nullptr && getFeatureList() != nullptr) {  // Somebody may take a new list away at once.
+    list = featureList_.find(hold);
   }
-  return featureList_;
+  return list;
 }
 
 std::shared_ptr<FeatureList> BaseModule::makeFeatureList(const std::string& typeName) {
@@ -74,10 +78,12 @@ std::shared_ptr<FeatureList> BaseModule::createFeatureList(const NodeMapPtr& nod
   return nodeMap != nullptr ? std::make_shared<FeatureList>(typeName, nodeMap) : nullptr;
 }
 
-void BaseModule::stopPolling(const std::shared_ptr<FeatureList>& list) noexcept {
+std::shared_ptr<FeatureList> BaseModule::takeOut(FeatureListPlace& place) noexcept {
+  std::shared_ptr<FeatureList> list = place.exchange(nullptr);
   if (list != nullptr) {
     list->stopPolling();
   }
+  return list;
 }
 
 }  // namespace GenTLCpp

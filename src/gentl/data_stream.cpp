@@ -44,15 +44,14 @@ GC_ERROR DataStream::closeModule() {
   return OpenModule::closeModule();
 }
 
-DataStream::Use::Use(DataStream& stream) : gate_(stream.uses_) {
-  if (!gate_.enter(ticket_)) {
+DataStream::Use::Use(const DataStream& stream) {
+  if (!stream.uses_.enter(inside_)) {
     throw ClosedException(kTexts.closed);
   }
 }
 
 void DataStream::shutUses() noexcept {
-  uses_.shut([] { return true; });
-  uses_.drain(kPatience);
+  uses_.shut(kPatience);
 }
 
 std::shared_ptr<Buffer> DataStream::allocAndAnnounceBuffer(std::size_t size, void* userData) {

@@ -25,18 +25,15 @@ Device::~Device() {
 }
 
 GC_ERROR Device::close() {
-  std::shared_ptr<FeatureList> list;
-  {
-    const std::lock_guard lock(cacheMutex_);
-    list = std::move(remoteFeatureList_);
-  }
+  std::shared_ptr<FeatureList> list = takeOut(remoteFeatureList_);
   std::shared_ptr<ConcretePort> port;
   {
     const std::lock_guard lock(remotePortMutex_);
     port = std::move(remotePort_);
   }
-  stopPolling(list);
-  return OpenModule::close();
+  const GC_ERROR status = OpenModule::close();
+  OVI::retire(std::move(list));
+  return status;
 }
 
 GC_ERROR Device::closeModule() {
@@ -63,14 +60,22 @@ std::shared_ptr<ConcretePort> Device::getRemotePort(bool renew) {
 }
 
 std::shared_ptr<FeatureList> Device::getRemoteFeatureList() {
-  const std::lock_guard lock(cacheMutex_);
-  if (remoteFeatureList_ == nullptr) {
-    remoteFeatureList_ = createFeatureList(createNodeMap(getRemotePort(false)), moduleTypeName(moduleType()));
-    if (remoteFeatureList_ == nullptr) {
+  return remoteFeatureList_.get([this] {
+    std::shared_ptr<FeatureList> list =
+        createFeatureList(createNodeMap(getRemotePort(false)), moduleTypeName(moduleType()));
+    if (list == nullptr) {
       traceLine("ERROR:Failed to get XML node map for local device! Node map was NULL!");
     }
+    return list;
+  });
+}
+
+FeatureList* Device::getRemoteFeatureList(OVI::Hold& hold) {
+  FeatureList* list = remoteFeatureList_.find(hold);
+  while (list == nullptr && getRemoteFeatureList() != nullptr) {  // Somebody may take a new list away at once.
+    list = remoteFeatureList_.find(hold);
   }
-  return remoteFeatureList_;
+  return list;
 }
 
 NodeMapPtr Device::getRemoteNodeMap() {
@@ -84,9 +89,7 @@ void Device::setRemoteDeviceXMLFile(const std::string& path) {
   if (nodeMap == nullptr) {
     checkGenTLError(GC_ERR_ERROR);
   }
-  std::shared_ptr<FeatureList> list = createFeatureList(nodeMap, moduleTypeName(moduleType()));
-  const std::lock_guard lock(cacheMutex_);
-  remoteFeatureList_.swap(list);
+  OVI::retire(remoteFeatureList_.exchange(createFeatureList(nodeMap, moduleTypeName(moduleType()))));
 }
 
 std::vector<std::string> Device::getDataStreamIDs() const {

@@ -1,7 +1,6 @@
 // The table through which every handle that an application holds is resolved.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -10,6 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/hold.h"
+#include "core/key_index.h"
 #include "ovi/ovi.h"
 
 namespace GenTLCpp {
@@ -28,15 +29,15 @@ enum class ModuleKind : std::int32_t { System = 0, Interface = 1, Device = 2, Da
  * against each other. Modules that an operation drops are destroyed after it, without any lock held: their destruction
  * calls producers and may wait for threads that use the registry themselves.
  *
- * Looking up is on the way of every feature and every image: it takes a lock that other threads hardly ever share. The
- * operations that change something are rare and take all of those locks.
+ * Holding is on the way of every feature and every image: it takes no lock and writes nothing that threads share. All
+ * other operations are rarer and take one lock.
  */
 class HandleRegistry {
  public:
   using Handle = std::uint64_t;
   using Module = std::shared_ptr<GenTLCpp::BaseModule>;
 
-  static HandleRegistry& instance();
+  static HandleRegistry& instance() noexcept { return *instance_; }
 
   /** Issues a handle. A module that some owner already lists under that kind keeps the handle it has.
    * @return InvalidParameter for no module, else Success */
@@ -51,6 +52,8 @@ class HandleRegistry {
 
   /** The module, or nothing for an unknown handle. lookupModule (gentl) also checks its class. */
   Module find(Handle handle) const;
+  /** The same for the length of a call: when it is not null, the module lives at least as long as the hold. */
+  GenTLCpp::BaseModule* find(Handle handle, Hold& hold) const noexcept { return byHandle_.find(handle, hold); }
 
   /** The handle of a module, 0 when it has none. */
   Handle handleOf(const GenTLCpp::BaseModule* module) const;
@@ -76,24 +79,19 @@ class HandleRegistry {
   };
   using KindLists = std::map<ModuleKind, std::vector<Handle>>;
 
-  // One lock a cache line; readers take the one of their thread, writers take all.
-  static constexpr std::size_t kReaderLocks = 16;
-  struct alignas(64) ReaderLock {
-    std::mutex mutex;
-  };
-  class WriteGuard;
-
   HandleRegistry() = default;
 
-  std::mutex& readerMutex() const noexcept;
   Handle issue(const Module& module, ModuleKind kind);
   Handle issueOrReuse(const Module& module, ModuleKind kind);
   void list(Handle owner, ModuleKind kind, Handle handle);
-  void erase(Handle handle, std::vector<Module>& dropped);
+  void erase(Handle handle, Retired& dropped);
 
-  mutable std::array<ReaderLock, kReaderLocks> locks_;
+  static HandleRegistry* const instance_;  // Not destroyed: threads that outlive main may still ask it.
+
+  mutable std::mutex mutex_;
   Handle counter_ = 0;
   std::unordered_map<Handle, Entry> entries_;
+  KeyIndex<GenTLCpp::BaseModule> byHandle_;
   std::unordered_map<const GenTLCpp::BaseModule*, Handle> byModule_;
   std::map<Handle, KindLists> relations_;
 };

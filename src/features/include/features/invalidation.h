@@ -2,22 +2,17 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
-#include "gentl/base_module.h"
-#include "gentl/feature.h"
-#include "gentl/feature_list.h"
+#include "features/node_lookup.h"
 #include "ovi/ovi.h"
 
 namespace OVI {
 
-/** The feature list of the module that handle and selector pick. Success with an empty `out` is possible. */
-oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector,
-                               std::shared_ptr<GenTLCpp::FeatureList>& out);
+/** The feature list of the module that handle and selector pick. Success without a list is possible. */
+oviErr getFeatureListForModule(std::uint64_t handle, std::uint32_t selector, FoundNode& out);
 
 /** The feature object of a node; null when it has none, or no list is there. It lives as long as the list. */
-GenTLCpp::Feature* getFeatureFromModule(const std::shared_ptr<GenTLCpp::FeatureList>& features,
-                                        const GenApi::INode* node);
+GenTLCpp::Feature* getFeatureFromModule(const GenTLCpp::FeatureList* features, const GenApi::INode* node);
 
 oviErr oviRegisterInvalidateCB(std::uint64_t handle, const char* name, void* context, oviInvalidateCallback callback,
                                std::uint32_t selector);

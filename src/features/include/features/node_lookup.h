@@ -12,13 +12,15 @@
 namespace OVI {
 
 /**
- * A node and what keeps it alive: the module whose port it reads and the feature list that owns its node map. It is
- * held for the length of one call; closing the device meanwhile makes reads fail, but leaves no pointer dangling.
+ * A node, the module whose port it reads and the feature list that owns its node map. Both are held for the length of
+ * one call; closing the device meanwhile makes reads fail, but leaves no pointer dangling.
  */
 struct FoundNode {
-  std::shared_ptr<GenTLCpp::BaseModule> module;
-  std::shared_ptr<GenTLCpp::FeatureList> features;
+  GenTLCpp::BaseModule* module = nullptr;
+  GenTLCpp::FeatureList* features = nullptr;
   GenApi::INode* node = nullptr;
+  Hold moduleHold;  // Of the module that the handle names, which keeps those above it.
+  Hold featuresHold;
 };
 
 /** A node with the interface that the caller asked for; `value` is null when the look-up failed. */

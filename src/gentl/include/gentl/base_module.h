@@ -7,6 +7,7 @@
 #include <string>
 
 #include "gentl/export_table.h"
+#include "gentl/feature_list_place.h"
 #include "gentl/port.h"
 #include "gentl_interface/GenTL.h"
 
@@ -66,6 +67,8 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   /** The module's features, made on first use; empty when that fails without an exception, and tried again next time.
    */
   virtual std::shared_ptr<FeatureList> getFeatureList();
+  /** The same for the length of a call. */
+  FeatureList* getFeatureList(OVI::Hold& hold);
   virtual std::shared_ptr<FeatureList> makeFeatureList(const std::string& typeName);
   virtual std::shared_ptr<FeatureList> createFeatureList(const NodeMapPtr& nodeMap, const std::string& typeName);
 
@@ -83,12 +86,10 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
 
   void setHandle(void* handle) noexcept { handle_.store(handle, std::memory_order_relaxed); }
 
-  /** Ends the polling of a list that is about to go, from a module whose producer side closes now. */
-  static void stopPolling(const std::shared_ptr<FeatureList>& list) noexcept;
+  /** Takes a list out of its place and ends its polling. @return what to retire once the producer's side is closed */
+  static std::shared_ptr<FeatureList> takeOut(FeatureListPlace& place) noexcept;
 
-  // Guards the caches of this class and of derived classes; held while a list is built, so that it is built once.
-  std::mutex cacheMutex_;
-  std::shared_ptr<FeatureList> featureList_;
+  FeatureListPlace featureList_;
 
   std::mutex portMutex_;
   std::shared_ptr<ConcretePort> port_;

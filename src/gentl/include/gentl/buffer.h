@@ -12,7 +12,7 @@
 namespace GenTLCpp {
 
 /** Made by DataStream::allocAndAnnounceBuffer. Whoever drops the last reference must have revoked it before. */
-class Buffer : public BaseModule {
+class Buffer final : public BaseModule {
  public:
   static constexpr int kModuleType = kBufferModule;
 

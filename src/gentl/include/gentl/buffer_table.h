@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
 #include <mutex>
 #include <vector>
 
+#include "core/key_index.h"
 #include "gentl_interface/GenTL.h"
 
 namespace GenTLCpp {
@@ -37,35 +37,11 @@ class BufferTable {
   AnnouncedBuffer* findHandle(std::uint64_t handle) const noexcept;
 
  private:
-  /** From keys, which are not 0, to buffers. One thread at a time changes it, under the table's lock. */
-  class Index {
-   public:
-    AnnouncedBuffer* find(std::uint64_t key) const noexcept;
-    void insert(std::uint64_t key, AnnouncedBuffer& buffer);
-    void erase(std::uint64_t key) noexcept;
-
-   private:
-    // A cell whose key is 0 was never used and ends a search; one without a buffer is free but does not end it.
-    struct Cell {
-      std::atomic<std::uint64_t> key{0};
-      std::atomic<AnnouncedBuffer*> buffer{nullptr};
-    };
-    using Cells = std::vector<Cell>;  // As many as a power of two.
-
-    static Cell* findCell(Cells& cells, std::uint64_t key) noexcept;
-    static void place(Cells& cells, std::uint64_t key, AnnouncedBuffer& buffer) noexcept;
-    void grow();
-
-    std::atomic<Cells*> current_{nullptr};
-    std::vector<std::unique_ptr<Cells>> all_;  // The outgrown ones too: somebody may be searching them.
-    std::size_t live_ = 0;
-  };
-
   std::mutex mutex_;
   std::deque<AnnouncedBuffer> buffers_;
   std::vector<AnnouncedBuffer*> free_;
-  Index byNative_;
-  Index byHandle_;
+  OVI::KeyIndex<AnnouncedBuffer> byNative_;
+  OVI::KeyIndex<AnnouncedBuffer> byHandle_;
 };
 
 }  // namespace GenTLCpp

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
+#include "core/hold.h"
 #include "gentl/buffer_table.h"
 #include "gentl/device.h"
 #include "gentl/open_module.h"
-#include "gentl/wait_gate.h"
 
 namespace GenTLCpp {
 
@@ -38,7 +38,7 @@ struct DSFunctions {
 };
 
 /** Made by Device::openDataStream. Checked operations throw GenTLException, the others return the producer's status. */
-class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose> {
+class DataStream final : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose> {
  public:
   static constexpr int kModuleType = kDataStreamModule;
 
@@ -58,14 +58,10 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
    */
   class Use {
    public:
-    explicit Use(DataStream& stream);
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
-    ~Use() { gate_.leave(ticket_); }
+    explicit Use(const DataStream& stream);
 
    private:
-    WaitGate& gate_;
-    WaitGate::Ticket ticket_ = 0;
+    OVI::Hold inside_;
   };
   /** No use begins any more, and those that were under way are over. */
   void shutUses() noexcept;
@@ -108,7 +104,7 @@ class DataStream : public OpenModule<Device, DSFunctions, &DSFunctions::DSClose>
   }
 
  private:
-  WaitGate uses_;
+  OVI::UseGate uses_;
   BufferTable buffers_;
 
   template<class T>

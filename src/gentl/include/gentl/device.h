@@ -27,7 +27,7 @@ struct DevFunctions {
 };
 
 /** Made by DeviceInfo::open. All operations throw GenTLException when the producer fails. */
-class Device : public OpenModule<TLInterface, DevFunctions, &DevFunctions::DevClose> {
+class Device final : public OpenModule<TLInterface, DevFunctions, &DevFunctions::DevClose> {
  public:
   static constexpr int kModuleType = kDeviceModule;
 
@@ -45,6 +45,8 @@ class Device : public OpenModule<TLInterface, DevFunctions, &DevFunctions::DevCl
   /** The camera's features, made on first use; empty when that fails without an exception, and tried again next time.
    */
   std::shared_ptr<FeatureList> getRemoteFeatureList();
+  /** The same for the length of a call. */
+  FeatureList* getRemoteFeatureList(OVI::Hold& hold);
   /** The node map of getRemoteFeatureList, or nothing. */
   NodeMapPtr getRemoteNodeMap();
   /** Replaces the camera's description; who holds the old features can go on using them.
@@ -59,7 +61,7 @@ class Device : public OpenModule<TLInterface, DevFunctions, &DevFunctions::DevCl
  private:
   std::mutex remotePortMutex_;
   std::shared_ptr<ConcretePort> remotePort_;
-  std::shared_ptr<FeatureList> remoteFeatureList_;  // Guarded by cacheMutex_.
+  FeatureListPlace remoteFeatureList_;
 };
 
 }  // namespace GenTLCpp

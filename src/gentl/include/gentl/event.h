@@ -117,7 +117,7 @@ class Event : public BaseModule {
 };
 
 /** The event of a filled buffer; its module is a DataStream. */
-class NewBufferEvent : public Event {
+class NewBufferEvent final : public Event {
  public:
   NewBufferEvent(const std::shared_ptr<DataStream>& stream, EVENT_HANDLE handle);
   ~NewBufferEvent() override;

@@ -35,6 +35,17 @@ oviErr lookupModule(std::uint64_t handle, std::shared_ptr<T>& out) {
   return out != nullptr ? OVI_SUCCESS : OVI_ERR_NOT_FOUND;
 }
 
+/** The same without a share: null, or a module that lives as long as the hold. */
+template<class T>
+T* holdModule(std::uint64_t handle, Hold& hold) noexcept {
+  GenTLCpp::BaseModule* const module = HandleRegistry::instance().find(handle, hold);
+  if constexpr (std::is_same_v<T, GenTLCpp::BaseModule>) {
+    return module;
+  } else {
+    return module != nullptr && module->moduleType() == T::kModuleType ? static_cast<T*>(module) : nullptr;
+  }
+}
+
 /** Takes a handle out of the registry, a stale one too, but not one of a module of another class. */
 template<class T>
 void removeModule(std::uint64_t handle) {

@@ -29,7 +29,7 @@ struct IFFunctions {
 };
 
 /** Made by InterfaceInfo::open. All operations throw GenTLException when the producer fails. */
-class TLInterface : public OpenModule<TransportLayer, IFFunctions, &IFFunctions::IFClose> {
+class TLInterface final : public OpenModule<TransportLayer, IFFunctions, &IFFunctions::IFClose> {
  public:
   static constexpr int kModuleType = kInterfaceModule;
 

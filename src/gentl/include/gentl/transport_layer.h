@@ -27,7 +27,7 @@ struct TLFunctions {
 };
 
 /** Made by GenTLProducer::openTransportLayer. All operations throw GenTLException when the producer fails. */
-class TransportLayer : public OpenModule<GenTLProducer, TLFunctions, &TLFunctions::TLClose> {
+class TransportLayer final : public OpenModule<GenTLProducer, TLFunctions, &TLFunctions::TLClose> {
  public:
   static constexpr int kModuleType = kTransportLayerModule;
 
