@@ -2,6 +2,7 @@
 #include "features/node_lookup.h"
 
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "gentl/device.h"
@@ -19,13 +20,6 @@ constexpr int moduleTypeOf(std::uint32_t selector) {
   return selector < kTypes.size() ? kTypes[selector] : -1;
 }
 
-// A name longer than the string type's own buffer would cost an allocation a call; this one is kept by the thread.
-const GenICam::gcstring& nodeName(const char* name) {
-  thread_local GenICam::gcstring kept;
-  kept.assign(name);
-  return kept;
-}
-
 /** Arguments are checked already. */
 oviErr findNode(std::uint64_t handle, const char* name, FoundNode& out, std::uint32_t selector, Reports reports) {
   constexpr const char* kSite = "getBaseNode";
@@ -34,7 +28,7 @@ oviErr findNode(std::uint64_t handle, const char* name, FoundNode& out, std::uin
         if (const oviErr found = findFeatures(handle, selector, out); found != OVI_SUCCESS)
           return found;
         if (out.features != nullptr) {
-          out.node = out.features->getNodeMap()->GetNode(nodeName(name));
+          out.node = out.features->getNodeMap()->FindNode(name, std::strlen(name));
         } else if (selector == OVI_MODULE_REMOTE_DEVICE) {
           if (reports == Reports::Logged)
             OVI_LOG_WARNING(kSite) << "Node map for module was empty, feature node requested: " << name;
@@ -94,7 +88,10 @@ oviErr getBaseNode(std::uint64_t handle, const char* name, FoundNode& out, std::
 
 template<class T>
 oviErr genGetNode(std::uint64_t handle, const char* name, TypedNode<T>& out, std::uint32_t selector) {
-  return castNode(getBaseNode(handle, name, out.found, selector), name, out);
+  if (const oviErr code = getBaseNode(handle, name, out.found, selector); code != OVI_SUCCESS)
+    return code;
+  out.value = castNode<T>(out.found, name);
+  return out.value != nullptr ? OVI_SUCCESS : OVI_ERR_INVALID_PARAMETER;
 }
 
 template oviErr genGetNode(std::uint64_t, const char*, TypedNode<GenApi::IBoolean>&, std::uint32_t);

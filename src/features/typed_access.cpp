@@ -69,7 +69,7 @@ oviErr oviGetFeatureInt(std::uint64_t handle, const char* name, std::int64_t* va
     return withCurrentEntry(*enumeration, "OVI::oviGetFeatureInt", name, "integer",
                             [](GenApi::IEnumEntry& entry) { static_cast<void>(entry.GetValue()); });
   }
-  return readNode(lookup, std::move(found), name, *value);
+  return readNode(lookup, found, name, *value);
 }
 
 oviErr oviGetFeatureFloat(std::uint64_t handle, const char* name, double* value, std::uint32_t selector) {
@@ -93,7 +93,7 @@ oviErr oviGetFeatureString(std::uint64_t handle, const char* name, char* buffer,
     code = withCurrentEntry(*enumeration, "OVI::oviGetFeatureString", name, "string",
                             [&text](GenApi::IEnumEntry& entry) { text = entry.GetSymbolic(); });
   else
-    code = readNode(code, std::move(found), name, text);
+    code = readNode(code, found, name, text);
   if (code != OVI_SUCCESS)
     return code;
   if (*size == 0 || buffer == nullptr)
@@ -124,7 +124,7 @@ oviErr oviSetFeatureString(std::uint64_t handle, const char* name, const char* v
   const oviErr lookup = getBaseNode(handle, name, found, selector);
   if (GenApi::IEnumeration* const enumeration = asEnumeration(found.node))
     return setEntry(*enumeration, "OVI::oviSetFeatureString", name, value);
-  return writeNode(lookup, std::move(found), name, GenICam::gcstring(value));
+  return writeNode(lookup, found, name, GenICam::gcstring(value));
 }
 
 oviErr oviSetFeatureEnum(std::uint64_t handle, const char* name, const char* entryName, std::uint32_t selector) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
 
 #include "core/global_state.h"
 #include "core/log.h"
@@ -60,39 +59,35 @@ inline GenApi::IEnumeration* asEnumeration(GenApi::INode* node) {
   return interfaceOf<GenApi::IEnumeration>(node);
 }
 
-/** The second half of genGetNode: gives the node that a look-up found the interface T. */
+/** The second half of genGetNode: the interface T of the node that a look-up found, or null. */
 template<class T>
-oviErr castNode(oviErr lookup, const char* name, TypedNode<T>& out) {
-  if (lookup != OVI_SUCCESS)
-    return lookup;
-  out.value = interfaceOf<T>(out.found.node);
-  if (out.value != nullptr)
-    return OVI_SUCCESS;
-  OVI_LOG_ERROR("genGetNode") << "Node for parameter was found but of different type than requested! Parameter: "
-                              << name << " - GenApi node type (int): "
-                              << static_cast<int>(out.found.node->GetPrincipalInterfaceType());
-  return OVI_ERR_INVALID_PARAMETER;
+T* castNode(const FoundNode& found, const char* name) {
+  T* const value = interfaceOf<T>(found.node);
+  if (value == nullptr)
+    OVI_LOG_ERROR("genGetNode") << "Node for parameter was found but of different type than requested! Parameter: "
+                                << name << " - GenApi node type (int): "
+                                << static_cast<int>(found.node->GetPrincipalInterfaceType());
+  return value;
 }
 
 /** Reads a node that a look-up found. A node that is missing or of another interface is NotFound (-104). */
 template<class T>
-oviErr readNode(oviErr lookup, FoundNode&& found, const char* name, T& value) {
+oviErr readNode(oviErr lookup, const FoundNode& found, const char* name, T& value) {
   const auto warn = [name](const char* text) {
     OVI_LOG_WARNING("getNodeAndGetValue") << "Failed to get parameter! Parameter: " << name << " Error: " << text;
   };
-  TypedNode<typename InterfaceOf<T>::Type> node{std::move(found)};
-  castNode(lookup, name, node);
-  if (node.value == nullptr) {
+  auto* const node = lookup == OVI_SUCCESS ? castNode<typename InterfaceOf<T>::Type>(found, name) : nullptr;
+  if (node == nullptr) {
     warn("Feature node was not found!");
     return OVI_ERR_NOT_FOUND;
   }
   return caught(
       [&]() -> oviErr {
-        if (!GenApi::IsReadable(node.value->GetAccessMode())) {
+        if (!GenApi::IsReadable(node->GetAccessMode())) {
           warn("Feature node was not readable!");
           return OVI_ERR_NO_ACCESS;
         }
-        value = node.value->GetValue(false, GlobalState::instance().featureCachingDisabled());
+        value = node->GetValue(false, GlobalState::instance().featureCachingDisabled());
         return OVI_SUCCESS;
       },
       warn);
@@ -100,24 +95,23 @@ oviErr readNode(oviErr lookup, FoundNode&& found, const char* name, T& value) {
 
 /** Writes a node that a look-up found, with verification. */
 template<class T>
-oviErr writeNode(oviErr lookup, FoundNode&& found, const char* name, const T& value) {
+oviErr writeNode(oviErr lookup, const FoundNode& found, const char* name, const T& value) {
   const auto report = [&](Severity severity, const char* text) {
     OVI_LOG(severity, "getNodeAndSetValue")
         << "Failed to set parameter! Parameter: " << name << ", Value: " << printable(value) << " Error: " << text;
   };
-  TypedNode<typename InterfaceOf<T>::Type> node{std::move(found)};
-  castNode(lookup, name, node);
-  if (node.value == nullptr) {
+  auto* const node = lookup == OVI_SUCCESS ? castNode<typename InterfaceOf<T>::Type>(found, name) : nullptr;
+  if (node == nullptr) {
     report(Severity::Warning, "Feature node was not found!");
     return OVI_ERR_NOT_FOUND;
   }
   return caught(
       [&]() -> oviErr {
-        if (!GenApi::IsWritable(node.value->GetAccessMode())) {
+        if (!GenApi::IsWritable(node->GetAccessMode())) {
           report(Severity::Warning, "Feature node was not writable!");
           return OVI_ERR_NO_ACCESS;
         }
-        node.value->SetValue(value, true);
+        node->SetValue(value, true);
         return OVI_SUCCESS;
       },
       [&](const char* text) { report(Severity::Error, text); });
@@ -130,7 +124,7 @@ oviErr getNodeAndGetValue(std::uint64_t handle, const char* name, T& value, std:
     return refused;
   FoundNode found;
   const oviErr lookup = getBaseNode(handle, name, found, selector);
-  return readNode(lookup, std::move(found), name, value);
+  return readNode(lookup, found, name, value);
 }
 
 /** Writes a feature; T as for getNodeAndGetValue. */
@@ -140,7 +134,7 @@ oviErr getNodeAndSetValue(std::uint64_t handle, const char* name, const T& value
     return refused;
   FoundNode found;
   const oviErr lookup = getBaseNode(handle, name, found, selector);
-  return writeNode(lookup, std::move(found), name, value);
+  return writeNode(lookup, found, name, value);
 }
 
 }  // namespace OVI

@@ -3,14 +3,6 @@
 
 namespace GenTLCpp {
 
-namespace {
-
-std::uint64_t keyOf(BUFFER_HANDLE native) noexcept {
-  return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(native));
-}
-
-}  // namespace
-
 AnnouncedBuffer& BufferTable::add(BUFFER_HANDLE native, void* userData) {
   const std::lock_guard lock(mutex_);
   if (free_.empty()) {
@@ -41,18 +33,6 @@ void BufferTable::remove(BUFFER_HANDLE native) {
     buffer->handle = 0;
     free_.push_back(buffer);
   }
-}
-
-// While somebody searches, a cell may go to another key, and a buffer's memory to another buffer.
-
-AnnouncedBuffer* BufferTable::findNative(BUFFER_HANDLE native) const noexcept {
-  AnnouncedBuffer* buffer = byNative_.find(keyOf(native));
-  return buffer != nullptr && buffer->native.load(std::memory_order_acquire) == native ? buffer : nullptr;
-}
-
-AnnouncedBuffer* BufferTable::findHandle(std::uint64_t handle) const noexcept {
-  AnnouncedBuffer* buffer = byHandle_.find(handle);
-  return buffer != nullptr && buffer->handle.load(std::memory_order_acquire) == handle ? buffer : nullptr;
 }
 
 }  // namespace GenTLCpp

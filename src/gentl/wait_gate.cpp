@@ -3,24 +3,7 @@
 
 namespace GenTLCpp {
 
-bool WaitGate::enter(Ticket& ticket) noexcept {
-  std::uint64_t state = state_.load(std::memory_order_relaxed);
-  do {
-    if ((state & kShut) != 0) {
-      return false;
-    }
-  } while (!state_.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel, std::memory_order_relaxed));
-  ticket = ticketOf(state);
-  return true;
-}
-
-void WaitGate::leave(Ticket ticket) noexcept {
-  std::uint64_t state = state_.load(std::memory_order_relaxed);
-  while (ticketOf(state) == ticket) {
-    if (state_.compare_exchange_weak(state, state - 1, std::memory_order_acq_rel, std::memory_order_relaxed)) {
-      return;
-    }
-  }
+void WaitGate::leaveEnded() noexcept {
   // Notified under the lock: whoever drains may destroy the gate as soon as it can see that all have left.
   const std::lock_guard lock(mutex_);
   if (--ended_ == 0) {

@@ -33,6 +33,10 @@ struct GENAPI_DECL_ABSTRACT INodeMap {
   virtual CNodeWriteConcatenator* NewNodeWriteConcatenator() const = 0;
   virtual bool ConcatenatedWrite(CNodeWriteConcatenator* pConcatenator, bool featureStreaming = true,
                                  GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr) = 0;
+  /// As GetNode, for a name that lies somewhere else than in a string of this type: nothing is copied.
+  virtual INode* FindNode(const char* Name, size_t Length) const {
+    return GetNode(GENICAM_NAMESPACE::gcstring(Name, Length));
+  }
 
  protected:
   ~INodeMap() = default;

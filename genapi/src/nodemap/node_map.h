@@ -54,6 +54,7 @@ class NodeMap final : public Api::INodeMap, public Api::IDeviceInfo, public Api:
   // INodeMap
   void GetNodes(Api::NodeList_t& nodes) const override;
   Api::INode* GetNode(const gcstring& name) const override;
+  Api::INode* FindNode(const char* name, size_t length) const override { return node(model_->indexOf({name, length})); }
   void InvalidateNodes() const override;
   bool Connect(Api::IPort* port, const gcstring& portName) const override;
   bool Connect(Api::IPort* port) const override;

@@ -33,10 +33,20 @@ class BufferTable {
   void remove(BUFFER_HANDLE native);
 
   /** The buffer, or null. */
-  AnnouncedBuffer* findNative(BUFFER_HANDLE native) const noexcept;
-  AnnouncedBuffer* findHandle(std::uint64_t handle) const noexcept;
+  AnnouncedBuffer* findNative(BUFFER_HANDLE native) const noexcept {
+    AnnouncedBuffer* const buffer = byNative_.find(keyOf(native));
+    return buffer != nullptr && buffer->native.load(std::memory_order_acquire) == native ? buffer : nullptr;
+  }
+  AnnouncedBuffer* findHandle(std::uint64_t handle) const noexcept {
+    AnnouncedBuffer* const buffer = byHandle_.find(handle);
+    return buffer != nullptr && buffer->handle.load(std::memory_order_acquire) == handle ? buffer : nullptr;
+  }
 
  private:
+  static std::uint64_t keyOf(BUFFER_HANDLE native) noexcept {
+    return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(native));
+  }
+
   std::mutex mutex_;
   std::deque<AnnouncedBuffer> buffers_;
   std::vector<AnnouncedBuffer*> free_;

@@ -30,8 +30,25 @@ class WaitGate {
   using Ticket = std::uint64_t;
 
   /** @return whether the gate is open; only then the ticket is to be given back */
-  bool enter(Ticket& ticket) noexcept;
-  void leave(Ticket ticket) noexcept;
+  bool enter(Ticket& ticket) noexcept {
+    std::uint64_t state = state_.load(std::memory_order_relaxed);
+    do {
+      if ((state & kShut) != 0) {
+        return false;
+      }
+    } while (!state_.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel, std::memory_order_relaxed));
+    ticket = ticketOf(state);
+    return true;
+  }
+  void leave(Ticket ticket) noexcept {
+    std::uint64_t state = state_.load(std::memory_order_relaxed);
+    while (ticketOf(state) == ticket) {
+      if (state_.compare_exchange_weak(state, state - 1, std::memory_order_acq_rel, std::memory_order_relaxed)) {
+        return;
+      }
+    }
+    leaveEnded();
+  }
 
   /** Asked by a wait that the producer aborted: whether the abort was meant for it. If not, the wait goes on.
    * @param kill  sends one more kill, for a thread whose kill this wait has met */
@@ -53,6 +70,7 @@ class WaitGate {
   static constexpr std::uint64_t kWaiters = kEnding - 1;
 
   static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kWaiters); }
+  void leaveEnded() noexcept;
   std::uint32_t end(const Kill& kill, std::uint64_t flags);
   void send(const Kill& kill);
 
