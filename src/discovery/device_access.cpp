@@ -25,7 +25,6 @@ namespace {
 
 constexpr const char* kOpenSite = "OVI::oviOpenDevice";
 constexpr const char* kCloseSite = "OVI::oviCloseDevice";
-constexpr std::uint64_t kCachedListTimeout = 5000;
 
 // One opening on its way from the record to the device: each step needs what the one before it found.
 class Opening {

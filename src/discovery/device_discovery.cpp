@@ -10,12 +10,6 @@
 
 namespace OVI {
 
-namespace {
-
-constexpr std::uint64_t kCachedListTimeout = 5000;
-
-}  // namespace
-
 oviErr oviDiscoverDevices(oviDiscoveryInfo* info, std::uint64_t timeout, oviDiscoveryCallback progressCallback,
                           const char* searchPath, std::uint8_t useGivenPathsOnly) {
   if (info == nullptr) {

@@ -17,7 +17,7 @@ namespace OVI {
 
 namespace {
 
-constexpr const char* kSite = "OVI::TLDiscovery::getDeviceList";
+constexpr const char* kListSite = "OVI::TLDiscovery::getDeviceList";
 constexpr std::uint32_t kMaxReported = 16;
 
 // The discovery that is under way on this thread, if any: its progress callback must not start another.
@@ -33,18 +33,18 @@ class DiscoveryMark {
 
 bool refusedWhileDiscovering() {
   if (discovering)
-    OVI_LOG_ERROR(kSite) << "A progress callback must not call back into discovery.";
+    OVI_LOG_ERROR(kListSite) << "A progress callback must not call back into discovery.";
   return discovering;
 }
 
 void logStart(bool update, std::uint64_t timeout) {
-  OVI_LOG_DEBUG(kSite) << "=== Starting device discovery ===";
-  OVI_LOG_VERBOSE(kSite) << "Discovery parameters: update: " << update << "; timeout: " << timeout;
+  OVI_LOG_DEBUG(kListSite) << "=== Starting device discovery ===";
+  OVI_LOG_VERBOSE(kListSite) << "Discovery parameters: update: " << update << "; timeout: " << timeout;
 }
 
 std::string nameOf(const GenTLCpp::TransportLayer& transportLayer) {
   std::string name;
-  guarded(kSite, Severity::Debug, "A producer does not tell its name: ", [&] {
+  guarded(kListSite, Severity::Debug, "A producer does not tell its name: ", [&] {
     name = transportLayer.getProducer()->getName();
     return OVI_SUCCESS;
   });
@@ -54,7 +54,7 @@ std::string nameOf(const GenTLCpp::TransportLayer& transportLayer) {
 // Tells an interface of the S2i producer whether to list cameras of other subnets.
 void applyIgnoreSubnet(GenTLCpp::TLInterface& tlInterface, const std::string& interfaceID) {
   guarded(
-      kSite, Severity::Error,
+      kListSite, Severity::Error,
       [&](LogRecord& record) { record << "Failed to set IgnoreSubnet of interface " << interfaceID << ". Error: "; },
       [&] {
         if (!isS2iTL(*tlInterface.getParent()))
@@ -124,21 +124,21 @@ void TLDiscovery::enumerate(std::uint64_t timeout) {
 void TLDiscovery::enumerateProducer(const TransportLayerPtr& transportLayer, std::size_t index, std::size_t count,
                                     std::uint64_t timeout) {
   const std::string name = nameOf(*transportLayer);
-  OVI_LOG_DEBUG(kSite) << "Discovery on TL [" << name << "]...";
-  OVI_LOG_DEBUG(kSite) << "Updating interface list. TL [" << name << "]...";
+  OVI_LOG_DEBUG(kListSite) << "Discovery on TL [" << name << "]...";
+  OVI_LOG_DEBUG(kListSite) << "Updating interface list. TL [" << name << "]...";
   std::vector<std::string> ids;
   const oviErr code = guarded(
-      kSite, Severity::Error,
+      kListSite, Severity::Error,
       [&](LogRecord& record) { record << "Error updating interface list in TL [" << name << "]. Error: "; },
       [&] {
         transportLayer->updateInterfaceList(timeout);
-        OVI_LOG_DEBUG(kSite) << "Success: Interface list update! TL [" << name << "]";
+        OVI_LOG_DEBUG(kListSite) << "Success: Interface list update! TL [" << name << "]";
         ids = transportLayer->getInterfaceIDs();
         return OVI_SUCCESS;
       });
   if (code != OVI_SUCCESS)
     return;
-  OVI_LOG_DEBUG(kSite) << "Number of interfaces for TL [" << name << "]: " << ids.size();
+  OVI_LOG_DEBUG(kListSite) << "Number of interfaces for TL [" << name << "]: " << ids.size();
 
   // Some producers do not list an interface that is open already.
   {
@@ -156,13 +156,13 @@ void TLDiscovery::enumerateProducer(const TransportLayerPtr& transportLayer, std
 
 TLDiscovery::InterfacePtr TLDiscovery::openForDiscovery(const TransportLayerPtr& transportLayer,
                                                         const std::string& name, const std::string& id) {
-  OVI_LOG_DEBUG(kSite) << ">>> New interface on TL [" << name << "]: " << id;
+  OVI_LOG_DEBUG(kListSite) << ">>> New interface on TL [" << name << "]: " << id;
   if (InterfacePtr kept = keptInterface(*transportLayer, id))
     return kept;
-  OVI_LOG_DEBUG(kSite) << "Open interface on TL [" << name << "]: with id: " << id;
+  OVI_LOG_DEBUG(kListSite) << "Open interface on TL [" << name << "]: with id: " << id;
   InterfacePtr opened;
   guarded(
-      kSite, Severity::Error,
+      kListSite, Severity::Error,
       [&](LogRecord& record) {
         record << "Failed to open interface with ID: " << id << " on TL [" << name << "]. Message: ";
       },
@@ -171,7 +171,7 @@ TLDiscovery::InterfacePtr TLDiscovery::openForDiscovery(const TransportLayerPtr&
         return OVI_SUCCESS;
       });
   if (opened != nullptr) {
-    OVI_LOG_DEBUG(kSite) << "Success: Interface open! TL [" << name << "]";
+    OVI_LOG_DEBUG(kListSite) << "Success: Interface open! TL [" << name << "]";
     keepInterface(*transportLayer, id, opened);
   }
   return opened;
@@ -185,18 +185,18 @@ void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, co
     return;
   applyIgnoreSubnet(*tlInterface, id);
 
-  OVI_LOG_DEBUG(kSite) << "Updating device list in TL [" << name << "]: IF id: " << id;
+  OVI_LOG_DEBUG(kListSite) << "Updating device list in TL [" << name << "]: IF id: " << id;
   std::vector<std::string> devices;
   bool updated = false;
   const oviErr code = guarded(
-      kSite, Severity::Error,
+      kListSite, Severity::Error,
       [&](LogRecord& record) {
         record << "Error updating device list in TL [" << name << "]: IF id: " << id << ". Error: ";
       },
       [&] {
         tlInterface->updateDeviceList(timeout);
         updated = true;
-        OVI_LOG_DEBUG(kSite) << "Success updating device list. TL [" << name << "]";
+        OVI_LOG_DEBUG(kListSite) << "Success updating device list. TL [" << name << "]";
         devices = tlInterface->getDeviceIDs();
         return OVI_SUCCESS;
       });
@@ -204,18 +204,18 @@ void TLDiscovery::enumerateInterface(const TransportLayerPtr& transportLayer, co
     dropInterface(*transportLayer, id);
   if (code != OVI_SUCCESS)
     return;
-  OVI_LOG_DEBUG(kSite) << "Number of acquisition devices: " << devices.size() << ". TL [" << name << "]";
+  OVI_LOG_DEBUG(kListSite) << "Number of acquisition devices: " << devices.size() << ". TL [" << name << "]";
 
   for (std::size_t k = 0; k < devices.size(); ++k) {
-    OVI_LOG_DEBUG(kSite) << "\t\t>>> New acquisition device: [" << devices[k] << "] on TL [" << name
-                         << "] / IF id: " << id;
+    OVI_LOG_DEBUG(kListSite) << "\t\t>>> New acquisition device: [" << devices[k] << "] on TL [" << name
+                             << "] / IF id: " << id;
     oviDeviceInfo record;
     fillDeviceRecord(record, *tlInterface, id, devices[k]);
     report(progressOf(k, 0, devices.size()));
     if (isSupportedDevice(record))
       devices_.push_back(record);
     else
-      OVI_LOG_DEBUG(kSite)
+      OVI_LOG_DEBUG(kListSite)
           << "Found a device that is currently not supported by this consumer! Device will be ignored..";
   }
 }

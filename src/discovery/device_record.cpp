@@ -15,7 +15,7 @@ namespace OVI {
 
 namespace {
 
-constexpr const char* kSite = "OVI::TLDiscovery::getDeviceList";
+constexpr const char* kRecordSite = "OVI::TLDiscovery::getDeviceList";
 
 constexpr std::array<std::string_view, 9> kVendors = {
     "Intel", "Kestrova", "Allied", "SVS", "Tattile", "TATTILE", "Mikrotron", "Net", "Machine Vision Games Ltd."};
@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 9> kVendors = {
 template<std::size_t Size, class Ask>
 void fillField(char (&field)[Size], const std::string& deviceID, const char* query, Ask&& ask) {
   guarded(
-      kSite, Severity::Debug,
+      kRecordSite, Severity::Debug,
       [&](LogRecord& record) { record << query << " of device [" << deviceID << "] is not available: "; },
       [&] {
         boundedCopy(&field[0], Size, ask());
@@ -35,7 +35,7 @@ void fillField(char (&field)[Size], const std::string& deviceID, const char* que
 std::uint32_t accessStatus(const GenTLCpp::TLInterface& tlInterface, const std::string& deviceID) {
   std::int32_t status = 0;
   guarded(
-      kSite, Severity::Debug,
+      kRecordSite, Severity::Debug,
       [&](LogRecord& record) { record << "The access status of device [" << deviceID << "] is not available: "; },
       [&] {
         status = tlInterface.getDeviceAccessStatus(deviceID);

@@ -17,7 +17,7 @@ namespace OVI {
 
 namespace {
 
-constexpr const char* kSite = "OVI::isKitharaEnvironmentSet";
+constexpr const char* kEnvironmentSite = "OVI::isKitharaEnvironmentSet";
 constexpr const char* kProcessorsSite = "OVI::isKitharaProcsAllocated";
 constexpr const char* kOutcomeKey = "KitharaEnvironment";
 constexpr const char* kSkipKey = "EnvironmentSet";
@@ -36,7 +36,8 @@ constexpr std::array kOutcomes = {
 std::optional<std::string> settingsPath() {
   const std::optional<std::string> documents = platform::publicDocuments();
   if (!documents) {
-    OVI_LOG_ERROR(kSite) << "Error in getting the 'Public Documents' path to construct the config file path.";
+    OVI_LOG_ERROR(kEnvironmentSite)
+        << "Error in getting the 'Public Documents' path to construct the config file path.";
     return std::nullopt;
   }
   const char separator = platform::pathSeparator();
@@ -61,7 +62,7 @@ void keepOutcome(SettingsFile& settings, oviErr code) {
     const std::string error = settings.write();
     if (!error.empty()) {
       std::fputs("could not open temp ini file to write settings\n", stdout);
-      OVI_LOG_WARNING(kSite) << "The outcome of the environment check was not stored: " << error;
+      OVI_LOG_WARNING(kEnvironmentSite) << "The outcome of the environment check was not stored: " << error;
     }
   }
 }
@@ -69,7 +70,7 @@ void keepOutcome(SettingsFile& settings, oviErr code) {
 bool hypervisorPresent() {
   std::optional<std::string> answer = platform::runAndRead("powershell (gcim Win32_ComputerSystem).HypervisorPresent");
   if (!answer) {
-    OVI_LOG_ERROR(kSite) << "popen() failed!";
+    OVI_LOG_ERROR(kEnvironmentSite) << "popen() failed!";
     return true;
   }
   return boost::algorithm::trim_copy(*answer) != "False";

@@ -19,7 +19,7 @@ namespace OVI {
 
 namespace {
 
-constexpr const char* kSite = "OVI::TLDiscovery::discoverTransportLayers";
+constexpr const char* kProducersSite = "OVI::TLDiscovery::discoverTransportLayers";
 constexpr const char* kInfoSite = "OVI::TLDiscovery::getTransportLayerInfoByFilePath";
 
 const char* environmentReason(oviErr code) {
@@ -62,7 +62,7 @@ std::vector<std::string> TLDiscovery::getTLLocations() const {
 }
 
 oviErr TLDiscovery::discoverTransportLayers() {
-  OVI_LOG_VERBOSE(kSite) << "Starting TL discovery...";
+  OVI_LOG_VERBOSE(kProducersSite) << "Starting TL discovery...";
   reportProgress(kPhaseStart, 0.0);
   const std::vector<std::string> files = getTLLocations();
   const std::lock_guard lock(producerMutex_);
@@ -75,7 +75,7 @@ oviErr TLDiscovery::discoverTransportLayers() {
       continue;
     if (isKitharaProducer(path) && isKitharaEnvironmentSet() != OVI_SUCCESS)
       continue;
-    OVI_LOG_INFO(kSite) << "Loading TL from " << path << "... ";
+    OVI_LOG_INFO(kProducersSite) << "Loading TL from " << path << "... ";
     reportProgress(kPhaseProducers, static_cast<double>(i) / static_cast<double>(files.size()));
     try {
       producers_.push_back(loadAndOpen(path));
@@ -87,11 +87,11 @@ oviErr TLDiscovery::discoverTransportLayers() {
   reportProgress(kPhaseProducers, 1.0);
 
   if (Log::admits(Severity::Verbose)) {
-    LogRecord record(Severity::Verbose, kSite, __LINE__);
+    LogRecord record(Severity::Verbose, kProducersSite, __LINE__);
     record << "TL discovery finished. Found " << producers_.size() << " transport layers: ";
     for (const TransportLayerPtr& transportLayer : producers_) {
       std::string name;
-      guarded(kSite, Severity::Debug, "A producer does not tell its display name: ", [&] {
+      guarded(kProducersSite, Severity::Debug, "A producer does not tell its display name: ", [&] {
         name = transportLayer->getProducer()->getDisplayName();
         return OVI_SUCCESS;
       });
@@ -107,17 +107,18 @@ TLDiscovery::TransportLayerPtr TLDiscovery::loadAndOpen(const std::string& path)
   try {
     producer = GenTLCpp::GenTLProducer::create(path);
   } catch (const std::exception& exception) {
-    OVI_LOG_ERROR(kSite) << "Failed to load and initialize producer from " << path << ". Error: " << exception.what();
+    OVI_LOG_ERROR(kProducersSite) << "Failed to load and initialize producer from " << path
+                                  << ". Error: " << exception.what();
     throw;
   }
-  OVI_LOG_DEBUG(kSite) << "Success! Loading of TL: " << path;
+  OVI_LOG_DEBUG(kProducersSite) << "Success! Loading of TL: " << path;
   try {
     TransportLayerPtr transportLayer = producer->openTransportLayer();
-    OVI_LOG_DEBUG(kSite) << "Success! Opening TL: " << path;
+    OVI_LOG_DEBUG(kProducersSite) << "Success! Opening TL: " << path;
     return transportLayer;
   } catch (const std::exception& exception) {
-    OVI_LOG_ERROR(kSite) << "Error opening transport layer for producer from location" << path
-                         << ". Error: " << exception.what();
+    OVI_LOG_ERROR(kProducersSite) << "Error opening transport layer for producer from location" << path
+                                  << ". Error: " << exception.what();
     producer->close();
     throw;
   }

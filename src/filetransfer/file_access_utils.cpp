@@ -30,7 +30,6 @@ void ProgressReporter::reportResult(oviErr result) {
 namespace FileAccessUtils {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
 constexpr std::int64_t kLongestReadChunk = 65535;
 
 oviErr selectOperation(const FileAccessContext& context, const char* operation) {

@@ -6,11 +6,10 @@
 
 #include "features/enumerations.h"
 #include "platform/ascii.h"
+#include "steps.h"
 
 namespace OVI {
 namespace {
-
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
 
 // Names of older cameras, which take them although they do not list them.
 constexpr std::array<std::string_view, 6> kAcceptedEverywhere = {"BrefLut1", "ShcLut1",  "User Defined",

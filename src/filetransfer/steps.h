@@ -12,6 +12,9 @@
 
 namespace OVI {
 
+/** The module whose features file access is about. */
+inline constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
+
 /** Logs a failed step: its text, then the code in words. */
 inline void logFailure(const char* site, std::string_view text, oviErr code) {
   OVI_LOG_ERROR(site) << text << (text.ends_with(' ') ? "" : " ") << describeResult(code);

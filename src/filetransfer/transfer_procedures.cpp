@@ -12,7 +12,6 @@
 namespace OVI::FileAccessUtils {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
 constexpr const char* kUpdateSite = "FileAccessUtils::StandardUpdateProcedure";
 constexpr const char* kUploadSite = "FileAccessUtils::StandardUploadProcedure";
 

@@ -14,8 +14,8 @@ namespace GenTLCpp {
 
 namespace {
 
-constexpr ModuleTexts kTexts = {"Device is closed, cannot access DataStream",
-                                "Data stream is closed, cannot return handle"};
+constexpr ModuleTexts kStreamTexts = {"Device is closed, cannot access DataStream",
+                                      "Data stream is closed, cannot return handle"};
 
 std::int64_t signedCounter(std::uint64_t value) {
   constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
@@ -28,7 +28,7 @@ std::int64_t signedCounter(std::uint64_t value) {
 }  // namespace
 
 DataStream::DataStream(const std::shared_ptr<Device>& device, LibraryHandle library, DS_HANDLE handle)
-    : OpenModule(device, library, handle, kTexts) {
+    : OpenModule(device, library, handle, kStreamTexts) {
   traceLine("DataStream()");
 }
 
@@ -46,7 +46,7 @@ GC_ERROR DataStream::closeModule() {
 
 DataStream::Use::Use(const DataStream& stream) {
   if (!stream.uses_.enter(inside_)) {
-    throw ClosedException(kTexts.closed);
+    throw ClosedException(kStreamTexts.closed);
   }
 }
 

@@ -11,11 +11,12 @@
 namespace GenTLCpp {
 
 namespace {
-constexpr ModuleTexts kTexts = {"Interface is closed, cannot access device", "Device is closed, cannot return handle"};
+constexpr ModuleTexts kDeviceTexts = {"Interface is closed, cannot access device",
+                                      "Device is closed, cannot return handle"};
 }
 
 Device::Device(const std::shared_ptr<TLInterface>& tlInterface, LibraryHandle library, DEV_HANDLE handle)
-    : OpenModule(tlInterface, library, handle, kTexts) {
+    : OpenModule(tlInterface, library, handle, kDeviceTexts) {
   traceLine("Device()");
 }
 

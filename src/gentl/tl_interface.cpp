@@ -9,12 +9,12 @@
 namespace GenTLCpp {
 
 namespace {
-constexpr ModuleTexts kTexts = {"TransportLayer is closed, cannot access TLInterface",
-                                "Interface is closed, cannot return handle"};
+constexpr ModuleTexts kInterfaceTexts = {"TransportLayer is closed, cannot access TLInterface",
+                                         "Interface is closed, cannot return handle"};
 }
 
 TLInterface::TLInterface(const std::shared_ptr<TransportLayer>& transportLayer, LibraryHandle library, IF_HANDLE handle)
-    : OpenModule(transportLayer, library, handle, kTexts) {
+    : OpenModule(transportLayer, library, handle, kInterfaceTexts) {
   traceLine("TLInterface()");
 }
 

@@ -9,13 +9,13 @@
 namespace GenTLCpp {
 
 namespace {
-constexpr ModuleTexts kTexts = {
+constexpr ModuleTexts kSystemTexts = {
     "The parent GenTL Producer object has been closed. Cannot access anything the TransportLayer object provides us.",
     "TransportLayer is closed, cannot return handle"};
 }
 
 TransportLayer::TransportLayer(const std::shared_ptr<GenTLProducer>& producer, LibraryHandle library)
-    : OpenModule(producer, library, nullptr, kTexts) {
+    : OpenModule(producer, library, nullptr, kSystemTexts) {
   setHandle(openHandle([&](TL_HANDLE* handle) { return functions().TLOpen(handle); }));
   traceLine("TransportLayer()");
 }

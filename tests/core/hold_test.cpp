@@ -18,11 +18,11 @@ namespace {
 using namespace std::chrono_literals;
 
 /** Says in its memory whether it is alive. */
-struct Probe {
-  explicit Probe(std::atomic<int>& count) : destroyed(count) {}
-  Probe(const Probe&) = delete;
-  Probe& operator=(const Probe&) = delete;
-  ~Probe() {
+struct HeldProbe {
+  explicit HeldProbe(std::atomic<int>& count) : destroyed(count) {}
+  HeldProbe(const HeldProbe&) = delete;
+  HeldProbe& operator=(const HeldProbe&) = delete;
+  ~HeldProbe() {
     alive = 0;
     ++destroyed;
   }
@@ -32,8 +32,8 @@ struct Probe {
 
 TEST(HoldTest, WhatIsRetiredLivesUntilTheLastOneLetsGo) {
   std::atomic<int> destroyed = 0;
-  auto probe = std::make_shared<Probe>(destroyed);
-  std::atomic<Probe*> place = probe.get();
+  auto probe = std::make_shared<HeldProbe>(destroyed);
+  std::atomic<HeldProbe*> place = probe.get();
   std::deque<Hold> nested;  // More than a thread's first block has places for.
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(nested.emplace_back().of(place), probe.get());
@@ -47,7 +47,7 @@ TEST(HoldTest, WhatIsRetiredLivesUntilTheLastOneLetsGo) {
     nested.pop_front();
   }
   EXPECT_EQ(destroyed, 1);
-  retire(std::make_shared<Probe>(destroyed));
+  retire(std::make_shared<HeldProbe>(destroyed));
   EXPECT_EQ(destroyed, 2) << "nobody holds it";
 }
 
@@ -81,7 +81,7 @@ TEST(HoldTest, ShuttingAGateWaitsForThoseInsideButNotForItself) {
 TEST(HoldTest, WhoFindsAnObjectFindsItAlive) {
   constexpr std::uint64_t kKeys = 100;  // Makes the index grow several times.
   constexpr int kRounds = 60;
-  KeyIndex<Probe> index;
+  KeyIndex<HeldProbe> index;
   std::atomic<int> destroyed = 0;
   std::atomic<std::uint64_t> newest = 1;
   std::atomic<bool> isOver{false};
@@ -93,16 +93,16 @@ TEST(HoldTest, WhoFindsAnObjectFindsItAlive) {
         const std::uint64_t last = newest;
         for (std::uint64_t key = last > kKeys ? last - kKeys : 1; key <= last; ++key) {
           Hold hold;
-          const Probe* const probe = index.find(key, hold);
+          const HeldProbe* const probe = index.find(key, hold);
           dead += probe != nullptr && probe->alive != 12345 ? 1 : 0;
         }
       }
     });
   }
   for (std::uint64_t round = 0; round < kRounds; ++round) {
-    std::vector<std::shared_ptr<Probe>> probes;
+    std::vector<std::shared_ptr<HeldProbe>> probes;
     for (std::uint64_t i = 0; i < kKeys; ++i) {
-      probes.push_back(std::make_shared<Probe>(destroyed));
+      probes.push_back(std::make_shared<HeldProbe>(destroyed));
       index.insert(round * kKeys + i + 1, *probes.back());
       newest = round * kKeys + i + 1;
     }

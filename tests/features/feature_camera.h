@@ -8,6 +8,8 @@
 
 namespace scripted {
 
+constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
+
 inline std::string intReg(const std::string& name, const std::string& address, int length,
                           const std::string& access = "RW", const std::string& more = "") {
   return "<IntReg Name=\"" + name + "\">" + more + "<Address>" + address + "</Address><Length>" +

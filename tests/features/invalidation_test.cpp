@@ -10,8 +10,6 @@
 namespace scripted {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
-
 /** What a callback is told. */
 struct Told {
   std::atomic<int> calls{0};

@@ -5,8 +5,6 @@
 namespace scripted {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
-
 using Record = FeatureTest;
 
 oviFeatureParameter named(const char* name, std::uint32_t type, std::uint32_t access, std::uint32_t visibility = 1) {

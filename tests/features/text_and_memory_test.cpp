@@ -4,8 +4,6 @@
 namespace scripted {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
-
 using FeatureText = FeatureTest;
 
 TEST_F(FeatureText, ReadsEveryType) {

@@ -7,8 +7,6 @@
 namespace scripted {
 namespace {
 
-constexpr std::uint32_t kCamera = OVI_MODULE_REMOTE_DEVICE;
-
 using TypedAccess = FeatureTest;
 
 TEST_F(TypedAccess, AnswersWithCodeAndLogLine) {

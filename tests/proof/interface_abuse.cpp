@@ -64,10 +64,10 @@ class Handles {
 
 Handles handles;
 std::atomic<std::size_t> calls{0};
-std::atomic<std::size_t> failures{0};
+std::atomic<std::size_t> failedSteps{0};
 
 void report(const std::string& what) {
-  ++failures;
+  ++failedSteps;
   std::fprintf(results, "FAILED %s\n", what.c_str());
   std::fflush(results);
 }
@@ -610,8 +610,8 @@ int run(double seconds, std::uint32_t seed) {
                "seed %u: %zu functions; %zu calls before the start, %zu by one thread, %zu by %zu threads, %zu around "
                "closings, %zu after the end; %zu failures\n",
                seed, functions.size(), before, alone - before, open - alone, kThreads, closing - open, after - closing,
-               failures.load());
-  return failures == 0 ? 0 : 1;
+               failedSteps.load());
+  return failedSteps == 0 ? 0 : 1;
 }
 
 }  // namespace

@@ -13,17 +13,17 @@ namespace {
 
 using namespace GENAPI_NAMESPACE;
 
-bool isBlank(char c) {
+bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
-  while (!text.empty() && isBlank(text.front()))
+  while (!text.empty() && isSpace(text.front()))
     text.remove_prefix(1);
   return text;
 }
 bool onlyBlanks(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), isBlank);
+  return std::all_of(text.begin(), text.end(), isSpace);
 }
 
 // Takes a sign off the front.
@@ -51,7 +51,7 @@ struct Parsed {
   std::string_view rest;
 };
 
-std::optional<Parsed<std::int64_t>> parseInteger(std::string_view text) {
+std::optional<Parsed<std::int64_t>> parseIntegerPrefix(std::string_view text) {
   text = withoutLeadingBlanks(text);
   const bool negative = takeSign(text);
   const bool hex = takeHexMark(text);
@@ -69,7 +69,7 @@ std::optional<Parsed<double>> parseFloat(std::string_view text) {
   std::string_view unsignedText = text;
   const bool negative = takeSign(unsignedText);
   if (std::string_view digits = unsignedText; takeHexMark(digits)) {
-    const auto integer = parseInteger(text);
+    const auto integer = parseIntegerPrefix(text);
     if (!integer)
       return std::nullopt;
     return Parsed<double>{static_cast<double>(integer->value), integer->rest};
@@ -173,10 +173,10 @@ double halfLastDigit(std::string_view text) {
 }  // namespace
 
 std::optional<std::int64_t> integerPrefix(std::string_view text) {
-  return prefix(parseInteger(text));
+  return prefix(parseIntegerPrefix(text));
 }
 std::optional<std::int64_t> wholeInteger(std::string_view text) {
-  return whole(parseInteger(text));
+  return whole(parseIntegerPrefix(text));
 }
 std::optional<double> floatPrefix(std::string_view text) {
   return prefix(parseFloat(text));

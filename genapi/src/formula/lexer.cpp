@@ -25,7 +25,7 @@ bool isNameStart(char c) {
 bool isNamePart(char c) {
   return isNameStart(c) || isDigit(c) || c == '.';
 }
-bool isBlank(char c) {
+bool isFormulaBlank(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
@@ -104,7 +104,7 @@ void FormulaLexer::skipBlanks() {
   constexpr std::string_view kCommentStart = "<!--";
   constexpr std::string_view kCommentEnd = "-->";
   while (!rest_.empty()) {
-    if (isBlank(rest_.front())) {
+    if (isFormulaBlank(rest_.front())) {
       rest_.remove_prefix(1);
     } else if (rest_.starts_with(kCommentStart)) {
       const std::size_t end = rest_.find(kCommentEnd, kCommentStart.size());

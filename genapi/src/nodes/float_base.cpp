@@ -10,13 +10,13 @@
 namespace GenApiEngine {
 namespace {
 
-constexpr double kEdge = 9223372036854775808.0;  // 2^63
+constexpr double kFloatEdge = 9223372036854775808.0;  // 2^63
 
 std::int64_t clampedToInt(double value) {
-  if (!(value > -kEdge)) {
+  if (!(value > -kFloatEdge)) {
     return std::numeric_limits<std::int64_t>::min();
   }
-  return value >= kEdge ? std::numeric_limits<std::int64_t>::max() : std::llround(value);
+  return value >= kFloatEdge ? std::numeric_limits<std::int64_t>::max() : std::llround(value);
 }
 
 }  // namespace
@@ -94,7 +94,7 @@ void FloatBase::checkRange(double value) {
 
 std::int64_t FloatBase::readInt(ReadFlags flags) {
   const double value = readFloat(flags);
-  if (!(value >= -kEdge && value < kEdge)) {
+  if (!(value >= -kFloatEdge && value < kFloatEdge)) {
     NODE_FAIL(*this, RuntimeException, "Value %f does not fit into an integer.", value);
   }
   return std::llround(value);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
-constexpr double kEdge = 9223372036854775808.0;  // 2^63
+constexpr double kIntegerEdge = 9223372036854775808.0;  // 2^63
 
 }  // namespace
 
@@ -102,7 +102,7 @@ double IntegerBase::readFloat(ReadFlags flags) {
 }
 
 void IntegerBase::writeFloat(double value, bool verify) {
-  if (!(value >= -kEdge && value < kEdge)) {
+  if (!(value >= -kIntegerEdge && value < kIntegerEdge)) {
     NODE_FAIL(*this, OutOfRangeException, "Value %f does not fit into an integer.", value);
   }
   std::int64_t rounded = std::llround(value);

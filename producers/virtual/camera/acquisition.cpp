@@ -10,7 +10,6 @@ namespace {
 
 // Frames that wait for a stream thread at most; later triggers are missed.
 constexpr std::size_t kMaxPending = 256;
-constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
 
 Clock::duration microseconds(double us) {
   return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double, std::micro>(us));

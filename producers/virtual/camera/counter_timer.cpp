@@ -6,8 +6,7 @@
 namespace vcam {
 namespace {
 
-constexpr const char* kCategory = "CounterAndTimerControl";
-constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+constexpr const char* kCounterCategory = "CounterAndTimerControl";
 
 void addSignals(Feature& feature) {
   for (const SignalName& entry : kSignals) {
@@ -31,7 +30,7 @@ Signal nth(Signal first, std::size_t index) {
 }  // namespace
 
 void CounterTimer::declare() {
-  core_.map.category(kCategory, "Counters and timers");
+  core_.map.category(kCounterCategory, "Counters and timers");
   declareCounters();
   declareTimers();
 }
@@ -43,33 +42,33 @@ std::size_t CounterTimer::selected(const char* selector) const {
 void CounterTimer::declareCounters() {
   FeatureMap& map = core_.map;
   const std::vector<std::string> bySelector{"CounterSelector"};
-  map.enumeration("CounterSelector", kCategory, "The counter to look at")
+  map.enumeration("CounterSelector", kCounterCategory, "The counter to look at")
       .entry("Counter0", 0)
       .entry("Counter1", 1)
       .visibility("Expert");
-  counterSource_ = &map.enumeration("CounterEventSource", kCategory, "What is counted")
+  counterSource_ = &map.enumeration("CounterEventSource", kCounterCategory, "What is counted")
                         .selectedBy(bySelector)
                         .stored()
                         .visibility("Expert");
-  counterReset_ = &map.enumeration("CounterResetSource", kCategory, "What sets the counter back")
+  counterReset_ = &map.enumeration("CounterResetSource", kCounterCategory, "What sets the counter back")
                        .selectedBy(bySelector)
                        .stored()
                        .visibility("Expert");
   addSignals(*counterSource_);
   addSignals(*counterReset_);
-  counterDuration_ = &map.integer("CounterDuration", kCategory, "Count at which the counter ends; 0 for never")
+  counterDuration_ = &map.integer("CounterDuration", kCounterCategory, "Count at which the counter ends; 0 for never")
                           .min("0")
                           .max("4294967295")
                           .selectedBy(bySelector)
                           .stored()
                           .visibility("Expert");
-  counterValue_ = &map.integer("CounterValue", kCategory, "Present count")
+  counterValue_ = &map.integer("CounterValue", kCounterCategory, "Present count")
                        .min("0")
                        .max("4294967295")
                        .uncached()
                        .selectedBy(bySelector)
                        .visibility("Expert");
-  map.enumeration("CounterStatus", kCategory, "What the counter does")
+  map.enumeration("CounterStatus", kCounterCategory, "What the counter does")
       .entry("CounterIdle", 0)
       .entry("CounterActive", 1)
       .entry("CounterCompleted", 2)
@@ -80,7 +79,7 @@ void CounterTimer::declareCounters() {
       .computed([this](std::size_t slot) { return counterDone_[slot]         ? 2
                                                   : counterSource_->on(slot) ? 1
                                                                              : 0; });
-  map.command("CounterReset", kCategory, "Sets the counter back")
+  map.command("CounterReset", kCounterCategory, "Sets the counter back")
       .sharedBy(bySelector)
       .visibility("Expert")
       .onWrite([this](std::size_t) {
@@ -93,11 +92,11 @@ void CounterTimer::declareCounters() {
 void CounterTimer::declareTimers() {
   FeatureMap& map = core_.map;
   const std::vector<std::string> bySelector{"TimerSelector"};
-  map.enumeration("TimerSelector", kCategory, "The timer to look at")
+  map.enumeration("TimerSelector", kCounterCategory, "The timer to look at")
       .entry("Timer0", 0)
       .entry("Timer1", 1)
       .visibility("Expert");
-  timerSource_ = &map.enumeration("TimerTriggerSource", kCategory, "What starts the timer")
+  timerSource_ = &map.enumeration("TimerTriggerSource", kCounterCategory, "What starts the timer")
                       .selectedBy(bySelector)
                       .stored()
                       .visibility("Expert")
@@ -106,7 +105,7 @@ void CounterTimer::declareTimers() {
                         return kOk;
                       });
   addSignals(*timerSource_);
-  timerDuration_ = &map.floating("TimerDuration", kCategory, "Time that the timer runs")
+  timerDuration_ = &map.floating("TimerDuration", kCounterCategory, "Time that the timer runs")
                         .unit("us")
                         .min("100")
                         .max("60000000")
@@ -114,14 +113,14 @@ void CounterTimer::declareTimers() {
                         .selectedBy(bySelector)
                         .stored()
                         .visibility("Expert");
-  timerDelay_ = &map.floating("TimerDelay", kCategory, "Time from its trigger to its start")
+  timerDelay_ = &map.floating("TimerDelay", kCounterCategory, "Time from its trigger to its start")
                      .unit("us")
                      .min("0")
                      .max("60000000")
                      .selectedBy(bySelector)
                      .stored()
                      .visibility("Expert");
-  map.floating("TimerValue", kCategory, "Time since the start of the timer")
+  map.floating("TimerValue", kCounterCategory, "Time since the start of the timer")
       .unit("us")
       .readOnly()
       .uncached()
@@ -135,7 +134,7 @@ void CounterTimer::declareTimers() {
         const double elapsed = std::chrono::duration<double, std::micro>(Clock::now() - timer.start).count();
         return std::clamp(elapsed, 0.0, timerDuration_->floating(slot));
       });
-  map.enumeration("TimerStatus", kCategory, "What the timer does")
+  map.enumeration("TimerStatus", kCounterCategory, "What the timer does")
       .entry("TimerIdle", 0)
       .entry("TimerTriggerWait", 1)
       .entry("TimerActive", 2)
@@ -145,7 +144,7 @@ void CounterTimer::declareTimers() {
       .selectedBy(bySelector)
       .visibility("Expert")
       .computed([this](std::size_t slot) { return static_cast<std::int64_t>(timers_[slot].state); });
-  map.command("TimerReset", kCategory, "Stops the timer and starts it anew, without waiting for its trigger")
+  map.command("TimerReset", kCounterCategory, "Stops the timer and starts it anew, without waiting for its trigger")
       .sharedBy(bySelector)
       .visibility("Expert")
       .onWrite([this](std::size_t) {

@@ -8,8 +8,7 @@
 namespace vcam {
 namespace {
 
-constexpr const char* kCategory = "DeviceControl";
-constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+constexpr const char* kDeviceCategory = "DeviceControl";
 constexpr const char* kUserId = "DeviceUserID";
 
 // Fixed places in the register space. A pair of address and value registers reaches every other register, 32 bits wide.
@@ -23,7 +22,7 @@ constexpr std::uint64_t kScratch = 0xA400;
 }  // namespace
 
 void DeviceControl::declare() {
-  core_.map.category(kCategory, "What the camera is and how it is");
+  core_.map.category(kDeviceCategory, "What the camera is and how it is");
   declareIdentity();
   declareTemperature();
   declareLink();
@@ -39,10 +38,10 @@ void DeviceControl::powerOn() {
 void DeviceControl::declareIdentity() {
   FeatureMap& map = core_.map;
   const Identity& identity = core_.model.identity;
-  map.enumeration("DeviceType", kCategory, "Kind of device").entry("Transmitter", 0, "It sends data").readOnly();
-  map.enumeration("DeviceScanType", kCategory, "Kind of sensor").entry("Areascan", 0).readOnly();
+  map.enumeration("DeviceType", kDeviceCategory, "Kind of device").entry("Transmitter", 0, "It sends data").readOnly();
+  map.enumeration("DeviceScanType", kDeviceCategory, "Kind of sensor").entry("Areascan", 0).readOnly();
   const auto text = [&](const char* name, const char* toolTip, const std::string& value) -> Feature& {
-    return map.string(name, kCategory, toolTip).readOnly().value(value);
+    return map.string(name, kDeviceCategory, toolTip).readOnly().value(value);
   };
   text("DeviceVendorName", "Name of the vendor", identity.vendor);
   text("DeviceModelName", "Name of the model", identity.model);
@@ -51,46 +50,46 @@ void DeviceControl::declareIdentity() {
   text("DeviceVersion", "Version of the camera", identity.version);
   firmware_ = &text("DeviceFirmwareVersion", "Version of the firmware", "1.0.0").visibility("Expert").uncached();
   text("DeviceSerialNumber", "Serial number", identity.serialNumber);
-  userId_ = &map.string("DeviceUserID", kCategory, "A name that the user gives", 32)
+  userId_ = &map.string("DeviceUserID", kDeviceCategory, "A name that the user gives", 32)
                  .value(core_.model.userDefinedName)
                  .onWrite([this](std::size_t) {
                    store_.write(kUserId, toContent(userId_->text()));
                    return kOk;
                  });
-  map.integer("DeviceSFNCVersionMajor", kCategory, "Version of the naming convention")
+  map.integer("DeviceSFNCVersionMajor", kDeviceCategory, "Version of the naming convention")
       .readOnly()
       .value(2)
       .visibility("Guru");
-  map.integer("DeviceSFNCVersionMinor", kCategory, "Version of the naming convention")
+  map.integer("DeviceSFNCVersionMinor", kDeviceCategory, "Version of the naming convention")
       .readOnly()
       .value(7)
       .visibility("Guru");
-  map.integer("DeviceManifestXMLMajorVersion", kCategory, "Version of this description")
+  map.integer("DeviceManifestXMLMajorVersion", kDeviceCategory, "Version of this description")
       .readOnly()
       .value(1)
       .visibility("Guru");
-  map.command("DeviceReset", kCategory, "Stops the camera and loads the default user set")
+  map.command("DeviceReset", kDeviceCategory, "Stops the camera and loads the default user set")
       .visibility("Guru")
       .onWrite([this](std::size_t) {
         hooks_.reset();
         return kOk;
       })
       .computed([](std::size_t) { return 0; });
-  map.integer("Timestamp", kCategory, "Time stamp at the last TimestampLatch")
+  map.integer("Timestamp", kDeviceCategory, "Time stamp at the last TimestampLatch")
       .unit("ns")
       .length(8)
       .readOnly()
       .uncached()
       .visibility("Expert")
       .computed([this](std::size_t) { return static_cast<std::int64_t>(latched_); });
-  map.command("TimestampLatch", kCategory, "Takes the present time stamp into Timestamp")
+  map.command("TimestampLatch", kDeviceCategory, "Takes the present time stamp into Timestamp")
       .visibility("Expert")
       .onWrite([this](std::size_t) {
         latched_ = core_.ticks(Clock::now());
         return kOk;
       })
       .computed([](std::size_t) { return 0; });
-  map.command("TimestampReset", kCategory, "Lets time stamps count from 0")
+  map.command("TimestampReset", kDeviceCategory, "Lets time stamps count from 0")
       .visibility("Expert")
       .onWrite([this](std::size_t) {
         core_.resetTicks();
@@ -102,11 +101,11 @@ void DeviceControl::declareIdentity() {
 
 void DeviceControl::declareTemperature() {
   FeatureMap& map = core_.map;
-  map.enumeration("DeviceTemperatureSelector", kCategory, "Where the temperature is taken")
+  map.enumeration("DeviceTemperatureSelector", kDeviceCategory, "Where the temperature is taken")
       .entry("Sensor", 0)
       .entry("Mainboard", 1)
       .visibility("Expert");
-  map.floating("DeviceTemperature", kCategory, "Temperature, which moves by itself")
+  map.floating("DeviceTemperature", kDeviceCategory, "Temperature, which moves by itself")
       .unit("C")
       .readOnly()
       .polled(1000)
@@ -114,7 +113,7 @@ void DeviceControl::declareTemperature() {
       .notation("Fixed", 2)
       .visibility("Expert")
       .computedFloat([this](std::size_t place) { return temperature(place); });
-  temperatureLimit_ = &map.floating("DeviceTemperatureLimit", kCategory,
+  temperatureLimit_ = &map.floating("DeviceTemperatureLimit", kDeviceCategory,
                                     "Sensor temperature at which the event DeviceTemperature is sent")
                            .unit("C")
                            .min("0")
@@ -151,7 +150,7 @@ void DeviceControl::watchTemperature() {
 
 void DeviceControl::declareLink() {
   FeatureMap& map = core_.map;
-  map.floating("DeviceLinkHeartbeatTimeout", kCategory,
+  map.floating("DeviceLinkHeartbeatTimeout", kDeviceCategory,
                "Silence after which the camera takes the control link for lost")
       .unit("us")
       .min("500000")
@@ -159,17 +158,17 @@ void DeviceControl::declareLink() {
       .value(3000000.0)
       .visibility("Guru")
       .notation("Fixed", 0);
-  map.integer("DeviceLinkSpeed", kCategory, "Speed of the link")
+  map.integer("DeviceLinkSpeed", kDeviceCategory, "Speed of the link")
       .unit("Bps")
       .length(8)
       .readOnly()
       .value(1250000000)
       .visibility("Expert");
-  map.integer("DeviceStreamChannelCount", kCategory, "Number of streams")
+  map.integer("DeviceStreamChannelCount", kDeviceCategory, "Number of streams")
       .readOnly()
       .value(static_cast<std::int64_t>(core_.model.streams))
       .visibility("Expert");
-  map.enumeration("DeviceRegistersEndianness", kCategory, "Byte order of the registers")
+  map.enumeration("DeviceRegistersEndianness", kDeviceCategory, "Byte order of the registers")
       .entry("Little", 0)
       .entry("Big", 1)
       .readOnly()
@@ -180,7 +179,7 @@ void DeviceControl::declareLink() {
 void DeviceControl::declareRegisters() {
   FeatureMap& map = core_.map;
   const char* const category = "DeviceMaintenance";
-  map.category(category, "Raw registers for service", kCategory);
+  map.category(category, "Raw registers for service", kDeviceCategory);
   const auto raw = [&](const char* name, const char* toolTip, std::uint64_t address) -> Feature& {
     return map.integer(name, category, toolTip)
         .at(address)

@@ -14,6 +14,9 @@
 
 namespace vcam {
 
+/** What a feature's handlers answer when nothing is wrong. */
+inline constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+
 enum class FeatureKind : std::uint8_t { Integer, Float, Boolean, Enumeration, Command, String, Register };
 enum class Access : std::uint8_t { ReadOnly, WriteOnly, ReadWrite };
 

@@ -8,8 +8,7 @@
 namespace vcam {
 namespace {
 
-constexpr const char* kCategory = "FileAccessControl";
-constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+constexpr const char* kFileCategory = "FileAccessControl";
 
 enum Operation : std::uint8_t { kOpen, kClose, kRead, kWrite, kDelete };
 enum Status : std::uint8_t { kSuccess, kFailure, kFatalError };
@@ -63,18 +62,18 @@ std::uint32_t fileChecksum(const FileContent& content) {
 }
 
 void FileAccess::declare() {
-  core_.map.category(kCategory, "Files inside the camera");
+  core_.map.category(kFileCategory, "Files inside the camera");
   declareOperations();
   declareData();
 }
 
 void FileAccess::declareOperations() {
   FeatureMap& map = core_.map;
-  selector_ = &map.enumeration("FileSelector", kCategory, "The file to work on").visibility("Guru");
+  selector_ = &map.enumeration("FileSelector", kFileCategory, "The file to work on").visibility("Guru");
   for (std::size_t i = 0; i < kFiles.size(); ++i) {
     selector_->entry(kFiles[i].name, static_cast<std::int64_t>(i), kFiles[i].toolTip);
   }
-  operation_ = &map.enumeration("FileOperationSelector", kCategory, "What FileOperationExecute does")
+  operation_ = &map.enumeration("FileOperationSelector", kFileCategory, "What FileOperationExecute does")
                     .sharedBy({"FileSelector"})
                     .visibility("Guru")
                     .entry("Open", kOpen)
@@ -82,18 +81,18 @@ void FileAccess::declareOperations() {
                     .entry("Read", kRead)
                     .entry("Write", kWrite)
                     .entry("Delete", kDelete);
-  map.command("FileOperationExecute", kCategory, "Performs the selected operation; stays active until it is done")
+  map.command("FileOperationExecute", kFileCategory, "Performs the selected operation; stays active until it is done")
       .sharedBy({"FileSelector", "FileOperationSelector"})
       .visibility("Guru")
       .onWrite([this](std::size_t) { return execute(); })
       .computed([this](std::size_t) { return busy_ ? 1 : 0; });
-  openMode_ = &map.enumeration("FileOpenMode", kCategory, "How Open opens the file")
+  openMode_ = &map.enumeration("FileOpenMode", kFileCategory, "How Open opens the file")
                    .sharedBy({"FileSelector"})
                    .visibility("Guru")
                    .entry("Read", 0)
                    .entry("Write", 1, "Begins with an empty file")
                    .entry("ReadWrite", 2, "Keeps what is in the file");
-  map.enumeration("FileOperationStatus", kCategory, "How the last operation ended")
+  map.enumeration("FileOperationStatus", kFileCategory, "How the last operation ended")
       .readOnly()
       .uncached()
       .sharedBy({"FileSelector", "FileOperationSelector"})
@@ -102,7 +101,7 @@ void FileAccess::declareOperations() {
       .entry("Failure", kFailure)
       .entry("FatalError", kFatalError, "The file's memory is exhausted")
       .computed([this](std::size_t) { return status_; });
-  map.integer("FileOperationResult", kCategory, "Bytes that the last operation moved")
+  map.integer("FileOperationResult", kFileCategory, "Bytes that the last operation moved")
       .length(8)
       .readOnly()
       .uncached()
@@ -114,11 +113,11 @@ void FileAccess::declareOperations() {
 void FileAccess::declareData() {
   FeatureMap& map = core_.map;
   const auto bufferLength = static_cast<std::int64_t>(core_.model.fileBuffer);
-  buffer_ = &map.bytes("FileAccessBuffer", kCategory, "Data of the block to read or write", core_.model.fileBuffer)
+  buffer_ = &map.bytes("FileAccessBuffer", kFileCategory, "Data of the block to read or write", core_.model.fileBuffer)
                  .uncached()
                  .sharedBy({"FileSelector", "FileOperationSelector"})
                  .visibility("Guru");
-  offset_ = &map.integer("FileAccessOffset", kCategory, "Place of the block in the file")
+  offset_ = &map.integer("FileAccessOffset", kFileCategory, "Place of the block in the file")
                  .unit("B")
                  .length(8)
                  .min("0")
@@ -126,7 +125,7 @@ void FileAccess::declareData() {
                  .sharedBy({"FileSelector", "FileOperationSelector"})
                  .uncached()
                  .visibility("Guru");
-  length_ = &map.integer("FileAccessLength", kCategory, "Length of the block")
+  length_ = &map.integer("FileAccessLength", kFileCategory, "Length of the block")
                  .unit("B")
                  .length(8)
                  .min("0")
@@ -135,7 +134,7 @@ void FileAccess::declareData() {
                  .sharedBy({"FileSelector", "FileOperationSelector"})
                  .uncached()
                  .visibility("Guru");
-  map.integer("FileSize", kCategory, "Size of the selected file")
+  map.integer("FileSize", kFileCategory, "Size of the selected file")
       .unit("B")
       .length(8)
       .readOnly()
@@ -147,7 +146,7 @@ void FileAccess::declareData() {
         const bool isOpen = mode_ != Mode::Closed && name == openName_;
         return static_cast<std::int64_t>(isOpen ? content_.size() : stored(name).size());
       });
-  checksum_ = &map.integer("FileChecksum", kCategory, "Sum of the file's little-endian 32-bit words")
+  checksum_ = &map.integer("FileChecksum", kFileCategory, "Sum of the file's little-endian 32-bit words")
                    .describe(
                        "Reads as the checksum of the selected file. What is written to it while the file is open for "
                        "writing is compared when it is closed; when it differs, the file is dropped.")

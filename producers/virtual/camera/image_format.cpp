@@ -10,7 +10,7 @@
 namespace vcam {
 namespace {
 
-constexpr const char* kCategory = "ImageFormatControl";
+constexpr const char* kImageFormatCategory = "ImageFormatControl";
 
 struct PatternName {
   const char* name;
@@ -37,7 +37,7 @@ constexpr std::array<PatternName, 13> kPatterns{{
 }  // namespace
 
 void ImageFormat::declare() {
-  core_.map.category(kCategory, "Size, position and format of the image");
+  core_.map.category(kImageFormatCategory, "Size, position and format of the image");
   declareGeometry();
   declareFormat();
   if (core_.model.components) {
@@ -49,12 +49,12 @@ void ImageFormat::declareGeometry() {
   FeatureMap& map = core_.map;
   const std::int64_t sensorWidth = core_.model.sensorWidth;
   const std::int64_t sensorHeight = core_.model.sensorHeight;
-  map.integer("SensorWidth", kCategory, "Columns of the sensor")
+  map.integer("SensorWidth", kImageFormatCategory, "Columns of the sensor")
       .unit("px")
       .readOnly()
       .value(sensorWidth)
       .visibility("Expert");
-  map.integer("SensorHeight", kCategory, "Lines of the sensor")
+  map.integer("SensorHeight", kImageFormatCategory, "Lines of the sensor")
       .unit("px")
       .readOnly()
       .value(sensorHeight)
@@ -71,7 +71,7 @@ void ImageFormat::declareGeometry() {
   };
   for (const Axis& axis : {Axis{"Horizontal", "columns", &binningX_, &decimationX_},
                            Axis{"Vertical", "lines", &binningY_, &decimationY_}}) {
-    *axis.binning = &map.integer(std::string("Binning") + axis.suffix, kCategory,
+    *axis.binning = &map.integer(std::string("Binning") + axis.suffix, kImageFormatCategory,
                                  std::string("Number of ") + axis.what + " that are combined into one")
                          .min("1")
                          .max("4")
@@ -80,7 +80,7 @@ void ImageFormat::declareGeometry() {
                          .stored()
                          .visibility("Expert")
                          .onWrite(shrink);
-    *axis.decimation = &map.integer(std::string("Decimation") + axis.suffix, kCategory,
+    *axis.decimation = &map.integer(std::string("Decimation") + axis.suffix, kImageFormatCategory,
                                     std::string("Of so many ") + axis.what + " one is kept")
                             .min("1")
                             .max("4")
@@ -90,16 +90,16 @@ void ImageFormat::declareGeometry() {
                             .visibility("Expert")
                             .onWrite(shrink);
   }
-  binningMode_ =
-      &map.enumeration("BinningHorizontalMode", kCategory, "How binned pixels are combined, in both directions")
-           .entry("Sum", 0, "Added up; the picture becomes brighter")
-           .entry("Average", 1, "Averaged")
-           .value(1)
-           .lockedWhileStreaming()
-           .stored()
-           .visibility("Expert");
+  binningMode_ = &map.enumeration("BinningHorizontalMode", kImageFormatCategory,
+                                  "How binned pixels are combined, in both directions")
+                      .entry("Sum", 0, "Added up; the picture becomes brighter")
+                      .entry("Average", 1, "Averaged")
+                      .value(1)
+                      .lockedWhileStreaming()
+                      .stored()
+                      .visibility("Expert");
 
-  widthMax_ = &map.integer("WidthMax", kCategory, "Largest width with the present binning and decimation")
+  widthMax_ = &map.integer("WidthMax", kImageFormatCategory, "Largest width with the present binning and decimation")
                    .unit("px")
                    .readOnly()
                    .visibility("Expert")
@@ -107,7 +107,7 @@ void ImageFormat::declareGeometry() {
                    .computed([this](std::size_t) {
                      return core_.model.sensorWidth / (binningX_->integer() * decimationX_->integer()) / 4 * 4;
                    });
-  heightMax_ = &map.integer("HeightMax", kCategory, "Largest height with the present binning and decimation")
+  heightMax_ = &map.integer("HeightMax", kImageFormatCategory, "Largest height with the present binning and decimation")
                     .unit("px")
                     .readOnly()
                     .visibility("Expert")
@@ -115,7 +115,7 @@ void ImageFormat::declareGeometry() {
                     .computed([this](std::size_t) {
                       return core_.model.sensorHeight / (binningY_->integer() * decimationY_->integer()) / 2 * 2;
                     });
-  width_ = &map.integer("Width", kCategory, "Width of the image")
+  width_ = &map.integer("Width", kImageFormatCategory, "Width of the image")
                 .unit("px")
                 .min("16")
                 .max("WidthMax - OffsetX")
@@ -124,7 +124,7 @@ void ImageFormat::declareGeometry() {
                 .lockedWhileStreaming()
                 .stored()
                 .dependsOn({"BinningHorizontal", "DecimationHorizontal"});
-  height_ = &map.integer("Height", kCategory, "Height of the image")
+  height_ = &map.integer("Height", kImageFormatCategory, "Height of the image")
                  .unit("px")
                  .min("2")
                  .max("HeightMax - OffsetY")
@@ -133,31 +133,34 @@ void ImageFormat::declareGeometry() {
                  .lockedWhileStreaming()
                  .stored()
                  .dependsOn({"BinningVertical", "DecimationVertical"});
-  offsetX_ = &map.integer("OffsetX", kCategory, "First column of the image")
+  offsetX_ = &map.integer("OffsetX", kImageFormatCategory, "First column of the image")
                   .unit("px")
                   .min("0")
                   .max("WidthMax - Width")
                   .inc("4")
                   .stored()
                   .dependsOn({"BinningHorizontal", "DecimationHorizontal"});
-  offsetY_ = &map.integer("OffsetY", kCategory, "First line of the image")
+  offsetY_ = &map.integer("OffsetY", kImageFormatCategory, "First line of the image")
                   .unit("px")
                   .min("0")
                   .max("HeightMax - Height")
                   .inc("2")
                   .stored()
                   .dependsOn({"BinningVertical", "DecimationVertical"});
-  reverseX_ = &map.boolean("ReverseX", kCategory, "Mirrors the picture left to right").stored().lockedWhileStreaming();
-  reverseY_ = &map.boolean("ReverseY", kCategory, "Turns the picture upside down").stored().lockedWhileStreaming();
+  reverseX_ = &map.boolean("ReverseX", kImageFormatCategory, "Mirrors the picture left to right")
+                   .stored()
+                   .lockedWhileStreaming();
+  reverseY_ =
+      &map.boolean("ReverseY", kImageFormatCategory, "Turns the picture upside down").stored().lockedWhileStreaming();
 }
 
 void ImageFormat::declareFormat() {
   FeatureMap& map = core_.map;
-  pixelFormat_ = &map.enumeration("PixelFormat", kCategory, "Format of the pixels")
+  pixelFormat_ = &map.enumeration("PixelFormat", kImageFormatCategory, "Format of the pixels")
                       .lockedWhileStreaming()
                       .stored()
                       .value(std::int64_t{findPixelFormat(core_.model.pixelFormats.front())->code});
-  Feature& size = map.enumeration("PixelSize", kCategory, "Bits that a pixel occupies")
+  Feature& size = map.enumeration("PixelSize", kImageFormatCategory, "Bits that a pixel occupies")
                       .readOnly()
                       .visibility("Expert")
                       .dependsOn({"PixelFormat"})
@@ -173,7 +176,8 @@ void ImageFormat::declareFormat() {
       size.entry("Bpp" + std::to_string(format.bits), format.bits);
     }
   }
-  pattern_ = &map.enumeration("TestPattern", kCategory, "What the camera shows instead of what it sees").stored();
+  pattern_ =
+      &map.enumeration("TestPattern", kImageFormatCategory, "What the camera shows instead of what it sees").stored();
   for (const PatternName& entry : kPatterns) {
     pattern_->entry(entry.name, static_cast<std::int64_t>(entry.pattern), entry.toolTip);
   }
@@ -181,13 +185,13 @@ void ImageFormat::declareFormat() {
 
 void ImageFormat::declareComponents() {
   FeatureMap& map = core_.map;
-  map.enumeration("ComponentSelector", kCategory, "The component that ComponentEnable acts on")
+  map.enumeration("ComponentSelector", kImageFormatCategory, "The component that ComponentEnable acts on")
       .entry("Intensity", 0, "The picture")
       .entry("Range", 1, "Distance of each pixel")
       .entry("Confidence", 2, "Trust in each distance")
       .visibility("Expert");
   component_ =
-      &map.boolean("ComponentEnable", kCategory,
+      &map.boolean("ComponentEnable", kImageFormatCategory,
                    "Sends the component; more than the intensity makes a multi-part payload")
            .selectedBy({"ComponentSelector"})
            .lockedWhileStreaming()

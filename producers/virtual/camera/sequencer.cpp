@@ -4,8 +4,7 @@
 namespace vcam {
 namespace {
 
-constexpr const char* kCategory = "SequencerControl";
-constexpr GC_ERROR kOk = GC_ERR_SUCCESS;
+constexpr const char* kSequencerCategory = "SequencerControl";
 
 // The value of SequencerTriggerSource that moves on with every frame.
 constexpr auto kEveryFrame = static_cast<std::int64_t>(Signal::FrameStart);
@@ -14,8 +13,8 @@ constexpr auto kEveryFrame = static_cast<std::int64_t>(Signal::FrameStart);
 
 void Sequencer::declare() {
   FeatureMap& map = core_.map;
-  map.category(kCategory, "Exposure and gain that change from frame to frame");
-  mode_ = &map.enumeration("SequencerMode", kCategory, "Whether the sequencer runs")
+  map.category(kSequencerCategory, "Exposure and gain that change from frame to frame");
+  mode_ = &map.enumeration("SequencerMode", kSequencerCategory, "Whether the sequencer runs")
                .entry("Off", 0)
                .entry("On", 1)
                .lockedIf("TLParamsLocked || SequencerConfigurationMode")
@@ -24,23 +23,25 @@ void Sequencer::declare() {
                  active_ = static_cast<std::size_t>(startSet_->integer());
                  return kOk;
                });
-  map.enumeration("SequencerConfigurationMode", kCategory, "Whether sets may be changed")
+  map.enumeration("SequencerConfigurationMode", kSequencerCategory, "Whether sets may be changed")
       .entry("Off", 0)
       .entry("On", 1)
       .lockedIf("SequencerMode")
       .visibility("Expert");
-  map.enumeration("SequencerFeatureSelector", kCategory, "The feature to look at")
+  map.enumeration("SequencerFeatureSelector", kSequencerCategory, "The feature to look at")
       .entry("ExposureTime", 0)
       .entry("Gain", 1)
       .visibility("Expert");
-  enabled_ = &map.boolean("SequencerFeatureEnable", kCategory, "Lets the sequencer control the feature")
+  enabled_ = &map.boolean("SequencerFeatureEnable", kSequencerCategory, "Lets the sequencer control the feature")
                   .selectedBy({"SequencerFeatureSelector"})
                   .lockedIf("SequencerMode")
                   .value(1)
                   .visibility("Expert");
-  setSelector_ =
-      &map.integer("SequencerSetSelector", kCategory, "The set to look at").min("0").max("7").visibility("Expert");
-  map.command("SequencerSetSave", kCategory, "Takes the present values into the set")
+  setSelector_ = &map.integer("SequencerSetSelector", kSequencerCategory, "The set to look at")
+                      .min("0")
+                      .max("7")
+                      .visibility("Expert");
+  map.command("SequencerSetSave", kSequencerCategory, "Takes the present values into the set")
       .sharedBy({"SequencerSetSelector"})
       .availableIf("SequencerConfigurationMode")
       .visibility("Expert")
@@ -50,7 +51,7 @@ void Sequencer::declare() {
         return kOk;
       })
       .computed([](std::size_t) { return 0; });
-  map.command("SequencerSetLoad", kCategory, "Makes the values of the set the present ones")
+  map.command("SequencerSetLoad", kSequencerCategory, "Makes the values of the set the present ones")
       .sharedBy({"SequencerSetSelector"})
       .availableIf("SequencerConfigurationMode")
       .visibility("Expert")
@@ -61,27 +62,27 @@ void Sequencer::declare() {
         return kOk;
       })
       .computed([](std::size_t) { return 0; });
-  map.integer("SequencerSetActive", kCategory, "The set of the next frame")
+  map.integer("SequencerSetActive", kSequencerCategory, "The set of the next frame")
       .readOnly()
       .uncached()
       .visibility("Expert")
       .computed([this](std::size_t) { return static_cast<std::int64_t>(active_); });
-  startSet_ = &map.integer("SequencerSetStart", kCategory, "The first set")
+  startSet_ = &map.integer("SequencerSetStart", kSequencerCategory, "The first set")
                    .min("0")
                    .max("7")
                    .lockedIf("SequencerMode")
                    .visibility("Expert");
-  map.integer("SequencerPathSelector", kCategory, "The path out of the set to look at")
+  map.integer("SequencerPathSelector", kSequencerCategory, "The path out of the set to look at")
       .min("0")
       .max("1")
       .visibility("Expert");
-  next_ = &map.integer("SequencerSetNext", kCategory, "The set that the path leads to")
+  next_ = &map.integer("SequencerSetNext", kSequencerCategory, "The set that the path leads to")
                .min("0")
                .max("7")
                .selectedBy({"SequencerSetSelector", "SequencerPathSelector"})
                .lockedIf("SequencerMode")
                .visibility("Expert");
-  source_ = &map.enumeration("SequencerTriggerSource", kCategory, "What takes the path")
+  source_ = &map.enumeration("SequencerTriggerSource", kSequencerCategory, "What takes the path")
                  .selectedBy({"SequencerSetSelector", "SequencerPathSelector"})
                  .lockedIf("SequencerMode")
                  .visibility("Expert");

@@ -143,7 +143,7 @@ void readFile(const ModuleView& view, const FileOptions& options, const std::str
   report(view, line, "read " + name + " into " + path, name, path);
 }
 
-void list(Session& session) {
+void listFiles(Session& session) {
   const ModuleView view(session, "device", Use::kControl);
   const std::vector<std::string> names = fileNames(view);
   char before[512] = {};
@@ -244,7 +244,7 @@ void addFile(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* listCommand = command->add_subcommand("list", "Show the camera's files");
   addCameraOption(*listCommand, common);
   listCommand->footer("Examples:\n  ovi file list\n  ovi file list --json");
-  listCommand->callback([&action] { action = list; });
+  listCommand->callback([&action] { action = listFiles; });
 
   CLI::App* getCommand = command->add_subcommand("get", "Read a file of the camera");
   getCommand->add_option("NAME", options->name, "The camera's file")->required();

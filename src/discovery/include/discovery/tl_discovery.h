@@ -18,6 +18,9 @@
 
 namespace OVI {
 
+/** What is passed as the time for updates where the devices of the latest discovery will do; milliseconds. */
+inline constexpr std::uint64_t kCachedListTimeout = 5000;
+
 /** What an application asks a discovery for. */
 struct DiscoveryRequest {
   std::uint64_t timeout = 0;  // Milliseconds, for each update of a list.
