@@ -45,7 +45,8 @@ std::optional<std::string> readFile(const std::string& path, std::uint64_t limit
 /** Time of a clock that never goes back, from an arbitrary start. */
 std::uint64_t monotonicNanoseconds() noexcept;
 
-/** Asked once, before orderAllThreads: whether the system orders the memory accesses of a process's threads on demand. */
+/** Asked once, before orderAllThreads: whether the system orders the memory accesses of a process's threads on demand.
+ */
 bool prepareOrdering() noexcept;
 /** What this thread wrote before is seen by all others from now on, and what they wrote before is seen by this one: the
  * expensive half of a fence whose cheap half, on the other side, costs nothing. */
