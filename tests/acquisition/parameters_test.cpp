@@ -47,12 +47,12 @@ TEST_F(ParametersTest, SetTheImageFormatInOneCall) {
     int skip;
     oviErr result;
   };
-  constexpr std::uint32_t kPixelFormat = 0x01080001;
+  constexpr std::uint32_t kMono8Code = 0x01080001;
   const Case cases[] = {
       {{16, 12, 0, 0, 0x0230001B}, 0x0230001B, 16, 12, "", 0, OVI_SUCCESS},
       {{0, 0, 0, 0, 0x01100007}, 0x02180014, 8, 4, "", 0, OVI_SUCCESS},  // Mono16 becomes RGB8.
-      {{0, 6, 0, 0, 0}, kPixelFormat, 8, 6, "", 0, OVI_SUCCESS},
-      {{0, 0, 0, 0, 0}, kPixelFormat, 8, 4, "", 0, OVI_SUCCESS},
+      {{0, 6, 0, 0, 0}, kMono8Code, 8, 6, "", 0, OVI_SUCCESS},
+      {{0, 0, 0, 0, 0}, kMono8Code, 8, 4, "", 0, OVI_SUCCESS},
       {{16, 12, 0, 0, 0x02180014}, 0x02180014, 8, 4, "GCWritePort", 1, OVI_ERR_IO},  // The width fails.
   };
   for (const Case& each : cases) {
