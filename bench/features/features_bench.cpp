@@ -14,6 +14,7 @@
 
 #include "GenApi/GenApi.h"
 #include "allocations.h"
+#include "machine.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
 #include "scripted_camera.h"
@@ -139,17 +140,21 @@ double secondsToRead(std::span<const std::uint64_t> devices, int reads) {
 
 /** How many times as much four threads read as one does; rounds alternate and the best of each counts. */
 void printScaling() {
-  constexpr int kRounds = 15;
-  constexpr int kReads = 100000;
+  constexpr int kRounds = 30;
+  constexpr int kReads = 20000;
   const std::array devices = openFourCameras();
+  bench::MachineScaling machine(4);
   double one = std::numeric_limits<double>::max();
   double four = one;
   for (int round = 0; round < kRounds; ++round) {
     one = std::min(one, secondsToRead(std::span(devices).first(1), kReads));
     four = std::min(four, secondsToRead(devices, kReads));
+    machine.round();
   }
-  std::printf("four threads on four cameras read %.2f times as much as one, on %u cores (at least 1.8 on two)\n",
-              4 * one / four, std::thread::hardware_concurrency());
+  std::printf(
+      "four threads on four cameras read %.2f times as much as one, on %u cores (at least 1.8 on two);\n"
+      "four threads of arithmetic do %.2f times as much as one\n",
+      4 * one / four, std::thread::hardware_concurrency(), machine.factor());
   for (const std::uint64_t device : devices)
     oviCloseDevice(device);
 }

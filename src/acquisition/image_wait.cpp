@@ -96,21 +96,25 @@ void stampRecord(oviNewBufferEventData& record) noexcept {
   record.timestampMs = record.timestampNs / kNanosecondsPerMillisecond;
 }
 
-/** How a delivery ended; what is to be logged is told after the stay with the event. */
-struct Delivery {
-  oviErr result = OVI_SUCCESS;
-  oviNewBufferEventData* record = nullptr;
-  bool isIncomplete = false;
+/** Why an image is incomplete, and why its buffer could not be filled again, if so. */
+struct Incompleteness {
   std::string infoFailure;
   std::string queueFailure;
 };
 
+/** How a delivery ended; what is to be logged is told after the stay with the event. */
+struct Delivery {
+  oviErr result = OVI_SUCCESS;
+  oviNewBufferEventData* record = nullptr;
+  std::unique_ptr<Incompleteness> incomplete;
+};
+
 /** An image that cannot be described never reaches the application: its buffer is filled again. */
-void queueAgain(DataStream& stream, BUFFER_HANDLE buffer, Delivery& delivery) {
+void queueAgain(DataStream& stream, BUFFER_HANDLE buffer, Incompleteness& incomplete) {
   try {
     GenTLCpp::checkGenTLError(stream.queueBuffer(buffer));
   } catch (const GenTLCpp::GenTLException& error) {
-    delivery.queueFailure = error.what();
+    incomplete.queueFailure = error.what();
   }
 }
 
@@ -142,10 +146,10 @@ void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA
     record->event.kind = OVI_EVENT_NEW_BUFFER;
     delivery.record = record;
   } catch (const GenTLCpp::GenTLException& error) {
-    delivery.isIncomplete = true;
     delivery.result = OVI_ERR_INVALID_BUFFER;
-    delivery.infoFailure = error.what();
-    queueAgain(stream, data.BufferHandle, delivery);
+    delivery.incomplete = std::make_unique<Incompleteness>();
+    delivery.incomplete->infoFailure = error.what();
+    queueAgain(stream, data.BufferHandle, *delivery.incomplete);
   }
 }
 
@@ -164,14 +168,14 @@ oviErr findBuffer(DataStream* stream, std::uint64_t handle, BUFFER_HANDLE& out) 
 }
 
 void logFailure(const Delivery& delivery) {
-  if (!delivery.isIncomplete) {
+  if (delivery.incomplete == nullptr) {
     OVI_LOG_ERROR(kSite) << "Failed to get buffer from native buffer handle!";
     return;
   }
   OVI_LOG_ERROR(kSite) << "Failed to get buffer information! Buffer is not complete and will be queued again. Error: "
-                       << delivery.infoFailure;
-  if (!delivery.queueFailure.empty()) {
-    OVI_LOG_ERROR(kSite) << "Error queueing buffer: " << delivery.queueFailure;
+                       << delivery.incomplete->infoFailure;
+  if (!delivery.incomplete->queueFailure.empty()) {
+    OVI_LOG_ERROR(kSite) << "Error queueing buffer: " << delivery.incomplete->queueFailure;
   }
 }
 

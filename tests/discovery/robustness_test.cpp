@@ -1,8 +1,10 @@
 // Every GenTL function on the way from discovery to closing fails with every code, on its first and on its second call:
 // the library answers as it should, and the next attempt succeeds.
 #include <array>
+#include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "core/result.h"
 #include "discovery_fixture.h"
@@ -181,6 +183,35 @@ TEST_F(Robustness, TextsWithoutAnEndAreCut) {
     }
   }
   expectHealthy(all, "VC-KV130001");
+}
+
+TEST_F(Robustness, ACameraThatIsStuckHoldsUpNoOther) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  ASSERT_GE(info_->deviceCount, 3U);
+  std::array<std::uint64_t, 2> cameras{};
+  for (std::size_t i = 0; i < cameras.size(); ++i)
+    ASSERT_EQ(oviOpenDevice(info_->devices[i].deviceID, &cameras[i], 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+  std::int64_t height = 0;
+  ASSERT_EQ(oviGetFeatureInt(cameras[0], "Height", &height, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
+
+  ASSERT_EQ(orders_->block("GCWritePort", 1, 1), 0);
+  std::atomic<bool> isOver{false};
+  std::thread stuck([&] {
+    EXPECT_EQ(oviSetFeatureInt(cameras[0], "Height", height, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
+    isOver = true;
+  });
+  while (orders_->blocked() == 0 && !isOver)
+    std::this_thread::yield();
+  EXPECT_EQ(oviGetFeatureInt(cameras[1], "Height", &height, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
+  EXPECT_EQ(oviSetFeatureInt(cameras[1], "Height", height, OVI_MODULE_REMOTE_DEVICE), OVI_SUCCESS);
+  std::uint64_t third = 0;
+  EXPECT_EQ(oviOpenDevice(info_->devices[2].deviceID, &third, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+  EXPECT_EQ(oviCloseDevice(third), OVI_SUCCESS);
+  EXPECT_FALSE(isOver);
+  ASSERT_EQ(orders_->release("GCWritePort"), 0);
+  stuck.join();
+  for (const std::uint64_t camera : cameras)
+    EXPECT_EQ(oviCloseDevice(camera), OVI_SUCCESS);
 }
 
 TEST_F(Robustness, APulledCameraComesBack) {
