@@ -57,8 +57,8 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
     print({{"rule", current}, {"result", "fail"}, {"seen", function + " did not come back within 8 s"}});
   });
   // Never unloaded: a broken producer may have threads that still run.
-  const auto& library = *new DynamicLibrary(pathFromText(options.producer));
-  const check::ProducerFunctions functions(library);
+  static const DynamicLibrary* const library = new DynamicLibrary(pathFromText(options.producer));
+  const check::ProducerFunctions functions(*library);
   check::Checker checker(
       functions, camera,
       [&](const std::string& rule) {
