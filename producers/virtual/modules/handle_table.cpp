@@ -1,6 +1,7 @@
 // The slots of all handles, in memory that is never freed.
 #include "modules/handle_table.h"
 
+#include <condition_variable>
 #include <mutex>
 
 namespace vcam {
@@ -11,6 +12,24 @@ namespace {
 std::mutex freeListMutex;
 std::uint32_t firstFree = 0;  // 0 is the end of the list: slot 0 is never used
 std::uint32_t firstUnused = 1;
+
+// What threads wait on until a slot's state is another. Of C++'s own wait on an atomic, one standard library that we
+// build with loses wake-ups. Not destroyed: threads may outlive the library's static objects.
+struct StateChange {
+  std::mutex mutex;
+  std::condition_variable happened;
+};
+StateChange& stateChange() noexcept {
+  static StateChange& change = *new StateChange;
+  return change;
+}
+
+template<class Predicate>
+void waitUntil(Predicate holds) noexcept {
+  StateChange& change = stateChange();
+  std::unique_lock lock(change.mutex);
+  change.happened.wait(lock, holds);
+}
 }  // namespace
 
 void HandleTable::insert(Object& object) {
@@ -50,11 +69,8 @@ Object* HandleTable::claim(void* handle, std::uint32_t kinds) noexcept {
 }
 
 void HandleTable::drain(void* handle) noexcept {
-  Slot& slot = slots[indexOf(handle)];
-  for (std::uint64_t state = slot.state.load(std::memory_order_acquire); (state & kPins) != 0;
-       state = slot.state.load(std::memory_order_acquire)) {
-    slot.state.wait(state, std::memory_order_acquire);
-  }
+  const Slot& slot = slots[indexOf(handle)];
+  waitUntil([&] { return (slot.state.load(std::memory_order_acquire) & kPins) == 0; });
 }
 
 void HandleTable::erase(void* handle) noexcept {
@@ -62,7 +78,7 @@ void HandleTable::erase(void* handle) noexcept {
   Slot& slot = slots[index];
   slot.object.store(nullptr, std::memory_order_relaxed);
   slot.state.fetch_add(kOneGeneration - kOpen - kClosing, std::memory_order_acq_rel);
-  slot.state.notify_all();
+  announceState();
   const std::lock_guard lock(freeListMutex);
   slot.nextFree = firstFree;
   firstFree = index;
@@ -73,10 +89,16 @@ void HandleTable::awaitErased(void* handle) noexcept {
   if (slot == nullptr) {
     return;
   }
-  for (std::uint64_t state = slot->state.load(std::memory_order_acquire);
-       generationOf(state) == generation && (state & kOpen) != 0; state = slot->state.load(std::memory_order_acquire)) {
-    slot->state.wait(state, std::memory_order_acquire);
-  }
+  waitUntil([slot = slot, generation = generation] {
+    const std::uint64_t state = slot->state.load(std::memory_order_acquire);
+    return generationOf(state) != generation || (state & kOpen) == 0;
+  });
+}
+
+void HandleTable::announceState() noexcept {
+  StateChange& change = stateChange();
+  { const std::lock_guard lock(change.mutex); }  // Who is about to wait sees the new state or hears of it.
+  change.happened.notify_all();
 }
 
 }  // namespace vcam

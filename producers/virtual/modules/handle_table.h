@@ -135,10 +135,12 @@ class HandleTable {
   static bool isOpenState(std::uint64_t state, std::uint32_t generation) noexcept {
     return generationOf(state) == generation && (state & (kOpen | kClosing)) == kOpen;
   }
+  // To be called after a state has changed that others may wait for.
+  static void announceState() noexcept;
   static void unpinSlot(Slot& slot) noexcept {
     const std::uint64_t before = slot.state.fetch_sub(1, std::memory_order_acq_rel);
     if ((before & kClosing) != 0 && (before & kPins) == 1) {
-      slot.state.notify_all();
+      announceState();
     }
   }
 
