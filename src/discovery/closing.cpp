@@ -1,7 +1,6 @@
 // The end of the library's use, asked for by the application or by the end of the process.
 #include "discovery/closing.h"
 
-#include <cstdlib>
 #include <vector>
 
 #include "core/global_state.h"
@@ -12,6 +11,7 @@
 #include "exit_handler.h"
 #include "gentl/base_module.h"
 #include "gentl/module_lookup.h"
+#include "platform/platform.h"
 
 namespace OVI {
 
@@ -54,7 +54,7 @@ oviErr oviClose() {
 }
 
 void closeProducersAtExit() {
-  static_cast<void>(std::atexit(closeAtExit));
+  platform::callAtExit(closeAtExit);
 }
 
 }  // namespace OVI

@@ -58,7 +58,8 @@ DiscoveryTest::~DiscoveryTest() {
 }
 
 std::string DiscoveryTest::file() const {
-  return folder_ + folder_.substr(folder_.find_last_of('/')) + ".cti";
+  // As the library names what it finds in a folder.
+  return folder_ + OVI::platform::pathSeparator() + folder_.substr(folder_.find_last_of('/') + 1) + ".cti";
 }
 
 void DiscoveryTest::plantTree() {

@@ -94,6 +94,12 @@ TEST_F(Producers, BadOnesAreLoggedAndPassedOver) {
   fail("", 0);
   ASSERT_EQ(discover(), OVI_SUCCESS);
   EXPECT_EQ(found(), 3U);
+
+  // A folder given from the current one on.
+  oviClose();
+  initialise();
+  ASSERT_EQ(oviDiscoverDevices(info.get(), 10, nullptr, fs::relative(folder()).string().c_str(), 1), OVI_SUCCESS);
+  EXPECT_EQ(info->deviceCount, 3U);
 }
 
 TEST_F(Producers, InfoComesFromALoadedOneOrOneThatIsLoadedForIt) {

@@ -19,6 +19,10 @@ std::string environmentOr(const char* name, const char* fallback) {
 
 }  // namespace
 
+void callAtExit(void (*function)()) noexcept {
+  static_cast<void>(std::atexit(function));
+}
+
 std::optional<std::string> publicDocuments() {
   return environmentOr("XDG_PUBLICSHARE_DIR", "/var/lib");
 }

@@ -44,6 +44,16 @@ class DllFolder {
   bool active_ = false;
 };
 
+// A path from the root. What is relative would be looked for beside the application, no longer in the current folder,
+// while DllFolder is in force. A bare name stays one: the system knows where it searches for those.
+std::string fullPath(const std::string& path) {
+  if (path.find_first_of("\\/") == std::string::npos)
+    return path;
+  std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
+  full.resize(GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return full.empty() ? path : full;
+}
+
 }  // namespace
 
 LibraryHandle loadLibrary(const std::string& path) {
@@ -53,8 +63,9 @@ LibraryHandle loadLibrary(const std::string& path) {
   HMODULE module = nullptr;
   DWORD error = 0;
   {
-    const DllFolder folder(path);
-    module = LoadLibraryA(path.c_str());
+    const std::string full = fullPath(path);
+    const DllFolder folder(full);
+    module = LoadLibraryA(full.c_str());
     error = GetLastError();
   }
   SetThreadErrorMode(previousMode, nullptr);

@@ -1,4 +1,4 @@
-// Shell commands and the monotonic clock.
+// Shell commands, the end of the process and the monotonic clock.
 #include <windows.h>
 
 #include <array>
@@ -8,6 +8,32 @@
 #include "platform/platform.h"
 
 namespace OVI::platform {
+
+// A library's own exit functions run when the system takes the libraries down: then the other threads are gone already,
+// and so is what was loaded after us. The application's run before. They belong to the C runtime that it is linked
+// with, which is one of these two, unless it brings one of its own.
+void callAtExit(void (*function)()) noexcept {
+  using Function = int (*)();
+  struct Runtime {
+    const char* library;
+    const char* registration;
+  };
+  constexpr Runtime kRuntimes[] = {{"ucrtbase.dll", "_crt_atexit"}, {"msvcrt.dll", "_onexit"}};
+  HMODULE own = nullptr;
+  if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                         reinterpret_cast<const char*>(function), &own) == 0)
+    return;
+  for (const Runtime& runtime : kRuntimes) {
+    const HMODULE library = GetModuleHandleA(runtime.library);
+    if (library == nullptr)
+      continue;
+    // The two answer differently; neither answer helps.
+    const auto add =
+        reinterpret_cast<void* (*)(Function)>(reinterpret_cast<void*>(GetProcAddress(library, runtime.registration)));
+    if (add != nullptr)
+      add(reinterpret_cast<Function>(reinterpret_cast<void*>(function)));
+  }
+}
 
 std::optional<std::string> runAndRead(const std::string& command) {
   const auto close = [](std::FILE* pipe) { _pclose(pipe); };

@@ -19,6 +19,13 @@ LibraryHandle loadLibrary(const std::string& path);
 void* resolve(LibraryHandle library, const char* name) noexcept;
 void unload(LibraryHandle library) noexcept;
 
+/**
+ * Has a function called when the process exits, while other threads and all libraries that are loaded now are still
+ * there. What is registered last runs first. The library with the function stays loaded until then; the function may be
+ * called more than once.
+ */
+void callAtExit(void (*function)()) noexcept;
+
 /** The system's words for the calling thread's last failed call of this header, as the system gives them. */
 std::string lastErrorText();
 
