@@ -23,4 +23,18 @@ if [ ! -e "$WINEPREFIX/.filled" ]; then
   fi
   exec 9>&-
 fi
-exec wine "$@"
+
+# The first program of a session also starts Wine's own services, which keep its output open for as long as any program
+# runs. So that whoever reads it need not wait for them, they get files, and the reader a copy.
+[ ! -t 1 ] || exec wine "$@"
+copies=$(mktemp -d)
+trap 'rm -rf "$copies"' EXIT
+touch "$copies/out" "$copies/err"
+wine "$@" <&0 >"$copies/out" 2>"$copies/err" &
+program=$!
+tail -c +1 -q -f -s 0.05 --pid=$program "$copies/out" &
+tail -c +1 -q -f -s 0.05 --pid=$program "$copies/err" >&2 &
+code=0
+wait $program || code=$?
+wait
+exit $code
