@@ -1,5 +1,5 @@
 // The first images in C++: finds a camera and looks at ten images.
-#include <cstdio>
+#include <iostream>
 #include <ovi/ovi.hpp>
 
 int main() {
@@ -7,19 +7,19 @@ int main() {
     const ovi::Library library(ovi::LogLevel::kError);
     const auto cameras = library.discover();
     if (cameras.empty()) {
-      std::fputs("no camera was found: does GENICAM_GENTL64_PATH name the folder of a producer?\n", stderr);
+      std::cerr << "no camera was found: does GENICAM_GENTL64_PATH name the folder of a producer?\n";
       return 1;
     }
-    const ovi::Device device(cameras.front().deviceID);
-    const ovi::Stream stream = device.openStream();
-    device.start();
-    for (ovi::Image& image : stream.images(10))
-      std::printf("frame %llu: %u x %u, %zu bytes\n", static_cast<unsigned long long>(image.frameID()), image.width(),
-                  image.height(), image.size());
-    device.stop();
+    const ovi::Device camera(cameras.front().deviceID);
+    const ovi::Stream stream = camera.openStream();
+    ovi::Acquisition acquisition = camera.acquire();
+    for (const ovi::Image& image : stream.images(10))  // each goes back to the camera when the next one is asked for
+      std::cout << "frame " << image.frameID() << ": " << image.width() << " x " << image.height() << ", "
+                << image.size() << " bytes\n";
+    acquisition.stop();
     return 0;
   } catch (const ovi::Error& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    std::cerr << error.what() << '\n';
     return 1;
   }
 }

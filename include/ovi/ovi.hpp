@@ -1,20 +1,27 @@
 /// The library in C++17: owners that close what they opened, results as exceptions, features with types, images as
 /// ranges.
 ///
-/// A thin layer over ovi.h: every call is one call of the C interface, everything has its native handle at hand, and
-/// nothing here can do what ovi.h cannot. Threads, lifetimes and results are those of the C functions.
+/// A thin layer over ovi.h: calls are those of the C interface, everything has its native handle at hand, and nothing
+/// here can do what ovi.h cannot. Threads, lifetimes and results are those of the C functions.
+///
+/// Failures throw Error. Where a failure is an everyday outcome, as of a wait, there is a second form that reports it
+/// in a std::error_code: `if (error == ovi::Errc::kTimeout)`.
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,8 +29,7 @@
 
 namespace ovi {
 
-// ---- Results
-// ----------------------------------------------------------------------------------------------------------
+// ---- Results ----
 
 /// The category of the library's codes, for std::error_code.
 inline const std::error_category& category() {
@@ -43,6 +49,30 @@ inline std::error_code makeErrorCode(oviErr code) {
   return {code, category()};
 }
 
+/// The codes that programs decide by; a std::error_code compares with them.
+enum class Errc : oviErr {
+  kNotFound = OVI_ERR_NOT_FOUND,
+  kInvalidParameter = OVI_ERR_INVALID_PARAMETER,
+  kTimeout = OVI_ERR_TIMEOUT,
+  kAborted = OVI_ERR_ABORTED,
+  kNoAccess = OVI_ERR_NO_ACCESS,
+  kInvalidBuffer = OVI_ERR_INVALID_BUFFER,
+  kResourceInUse = OVI_ERR_RESOURCE_IN_USE,
+  kNotImplemented = OVI_ERR_NOT_IMPLEMENTED,
+  kIo = OVI_ERR_IO,
+  kBusy = OVI_ERR_BUSY
+};
+inline std::error_code make_error_code(Errc code) {
+  return makeErrorCode(static_cast<oviErr>(code));
+}
+
+}  // namespace ovi
+
+template<>
+struct std::is_error_code_enum<ovi::Errc> : std::true_type {};
+
+namespace ovi {
+
 /// A function of the library failed; code() says how, what() names the function and the thing.
 class Error : public std::system_error {
  public:
@@ -53,7 +83,7 @@ class Error : public std::system_error {
   oviErr result_;
 };
 
-/// Throws Error unless the code is success.
+/// Throws Error unless the code is success. Also for calls of ovi.h that have no counterpart here.
 inline void check(oviErr code, const char* function, std::string_view subject = {}) {
   if (code == OVI_SUCCESS)
     return;
@@ -78,8 +108,7 @@ inline std::uint64_t timeoutValue(Milliseconds timeout) {
 
 }  // namespace detail
 
-// ---- The library
-// ------------------------------------------------------------------------------------------------------
+// ---- The library ----
 
 enum class LogLevel : std::uint32_t { kNone = 0, kError = 1, kWarning = 2, kInfo = 4, kDebug = 8, kVerbose = 16 };
 
@@ -112,15 +141,19 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  /// Finds cameras. The search path is added to the environment's, or replaces it.
+  /// Finds cameras. The search path is added to the environment's, or replaces it. An exception of the progress
+  /// function leaves the call once the discovery is over.
   std::vector<DeviceInfo> discover(Milliseconds timeout = Milliseconds(1000), const DiscoveryFunction& progress = {},
                                    const std::string& searchPath = {}, bool searchPathOnly = false) const {
     const auto info = std::make_unique<oviDiscoveryInfo>();
-    progressFunction() = progress ? &progress : nullptr;
+    Progress context{progress, nullptr};
+    progressContext() = &context;
     const oviErr code = oviDiscoverDevices(
         info.get(), detail::timeoutValue(timeout), progress ? &forwardProgress : nullptr,
         searchPath.empty() && !searchPathOnly ? nullptr : searchPath.c_str(), searchPathOnly ? 1 : 0);
-    progressFunction() = nullptr;
+    progressContext() = nullptr;
+    if (context.exception)
+      std::rethrow_exception(context.exception);
     check(code, "oviDiscoverDevices");
     return devices();
   }
@@ -175,22 +208,28 @@ class Library {
     } catch (...) {  // An exception must not reach the library.
     }
   }
+  struct Progress {
+    const DiscoveryFunction& function;
+    std::exception_ptr exception;
+  };
   // The C callback has no context; it runs on the thread that discovers, so each thread has a place of its own.
-  static const DiscoveryFunction*& progressFunction() {
-    static thread_local const DiscoveryFunction* function = nullptr;
-    return function;
+  static Progress*& progressContext() {
+    static thread_local Progress* context = nullptr;
+    return context;
   }
   static void OVI_CALL forwardProgress(oviDiscoveryInfo* info) {
+    Progress* context = progressContext();
+    if (context == nullptr || context->exception)
+      return;
     try {
-      if (progressFunction() != nullptr)
-        (*progressFunction())(*info);
-    } catch (...) {  // An exception must not reach the library.
+      context->function(*info);
+    } catch (...) {
+      context->exception = std::current_exception();
     }
   }
 };
 
-// ---- Features
-// ---------------------------------------------------------------------------------------------------------
+// ---- Features ----
 
 /// Which module's features are meant.
 enum class Module : std::uint32_t {
@@ -205,7 +244,7 @@ enum class Module : std::uint32_t {
 using FeatureParameter = oviFeatureParameter;
 
 /// One feature by its name: a reference that costs nothing until it is used. Outlives neither its module nor the
-/// library.
+/// library. `device["Width"].get<std::int64_t>()` reads it, `device["Width"].set(640)` writes it.
 class Feature {
  public:
   Feature(std::uint64_t handle, Module module, std::string name)
@@ -215,6 +254,21 @@ class Feature {
 
   const std::string& name() const noexcept { return name_; }
 
+  /// The value as the type that its kind of feature has: bool, an integer, a floating-point number, std::string (of
+  /// enumerations too), or std::vector<std::uint8_t> of a register.
+  template<class T>
+  T get() const {
+    if constexpr (std::is_same_v<T, bool>)
+      return asBool();
+    else if constexpr (std::is_integral_v<T>)
+      return static_cast<T>(asInt());
+    else if constexpr (std::is_floating_point_v<T>)
+      return static_cast<T>(asFloat());
+    else if constexpr (std::is_same_v<T, std::string>)
+      return asString();
+    else
+      return T(asRegister());
+  }
   std::int64_t asInt() const {
     std::int64_t value = 0;
     check(oviGetFeatureInt(handle_, name_.c_str(), &value, selector()), "oviGetFeatureInt", name_);
@@ -254,24 +308,32 @@ class Feature {
     return value;
   }
 
-  void set(std::int64_t value) const {
-    check(oviSetFeatureInt(handle_, name_.c_str(), value, selector()), "oviSetFeatureInt", name_);
-  }
-  void set(int value) const { set(static_cast<std::int64_t>(value)); }
-  void set(double value) const {
-    check(oviSetFeatureFloat(handle_, name_.c_str(), value, selector()), "oviSetFeatureFloat", name_);
-  }
-  void set(bool value) const {
-    check(oviSetFeatureBool(handle_, name_.c_str(), value, selector()), "oviSetFeatureBool", name_);
+  /// Writes a boolean, an integer or a float, as the argument is a bool, an integer or a floating-point number.
+  template<class T, std::enable_if_t<std::is_arithmetic_v<T>, int> = 0>
+  void set(T value) const {
+    if constexpr (std::is_same_v<T, bool>)
+      check(oviSetFeatureBool(handle_, name_.c_str(), value, selector()), "oviSetFeatureBool", name_);
+    else if constexpr (std::is_integral_v<T>)
+      check(oviSetFeatureInt(handle_, name_.c_str(), static_cast<std::int64_t>(value), selector()), "oviSetFeatureInt",
+            name_);
+    else
+      check(oviSetFeatureFloat(handle_, name_.c_str(), static_cast<double>(value), selector()), "oviSetFeatureFloat",
+            name_);
   }
   /// A string's value, or the name of an enumeration's entry.
   void set(const std::string& value) const {
     check(oviSetFeatureString(handle_, name_.c_str(), value.c_str(), selector()), "oviSetFeatureString", name_);
   }
+  void set(std::string_view value) const { set(std::string(value)); }
   void set(const char* value) const { set(std::string(value)); }
   void set(const std::vector<std::uint8_t>& value) const {
     check(oviSetFeatureReg(handle_, name_.c_str(), value.data(), static_cast<std::int64_t>(value.size()), selector()),
           "oviSetFeatureReg", name_);
+  }
+
+  /// Any kind of feature from text.
+  void setText(const std::string& value) const {
+    check(oviSetFeatureOnModule(handle_, name_.c_str(), value.c_str(), selector()), "oviSetFeatureOnModule", name_);
   }
 
   /// Executes a command; does not wait until it is done.
@@ -326,32 +388,109 @@ class Feature {
   std::string name_;
 };
 
+/// A feature and its place in the tree of a module's features.
+struct TreeFeature {
+  Feature feature;
+  std::uint32_t type;   ///< OVI_FEATURE_...
+  std::uint32_t depth;  ///< 0 below "Root"
+};
+
+/// The features of a module in the order of its tree: categories, and after each what it contains. A category that is
+/// in two others is opened once only.
+inline std::vector<TreeFeature> featureTree(std::uint64_t handle, Module module) {
+  struct Level {
+    std::string parent;
+    std::uint32_t next;
+  };
+  std::vector<TreeFeature> list;
+  std::set<std::string> opened;
+  std::vector<Level> levels = {{"Root", 0}};
+  char name[512] = {};
+  std::uint32_t type = 0;
+  while (!levels.empty()) {
+    Level& level = levels.back();
+    if (oviIterateFeatureTree(handle, level.parent.c_str(), level.next++, name, sizeof(name), &type,
+                              static_cast<std::uint32_t>(module)) != OVI_SUCCESS) {
+      levels.pop_back();
+      continue;
+    }
+    list.push_back({{handle, module, name}, type, static_cast<std::uint32_t>(levels.size() - 1)});
+    if (type == OVI_FEATURE_CATEGORY && opened.insert(name).second)
+      levels.push_back({name, 0});
+  }
+  return list;
+}
+
 /// Calls a function whenever a feature's value may have changed, until it is destroyed.
 ///
-/// The function runs on the thread that changed the value or on the module's poller; an exception that leaves it is
-/// dropped.
+/// The function runs on the thread that changed the value or on the module's poller, one call at a time; an exception
+/// that leaves it is dropped. The destructor waits for a call that is under way on another thread. A second watch of
+/// the same feature replaces the first.
 class FeatureWatch {
  public:
-  FeatureWatch(std::uint64_t handle, Module module, std::string name, std::function<void(const char*)> changed)
+  using Function = std::function<void(const char* name)>;
+
+  FeatureWatch(std::uint64_t handle, Module module, std::string name, Function changed)
       : handle_(handle),
         module_(module),
         name_(std::move(name)),
-        changed_(std::make_unique<std::function<void(const char*)>>(std::move(changed))) {
-    check(oviRegisterInvalidateCB(handle_, name_.c_str(), changed_.get(), &FeatureWatch::forward,
-                                  static_cast<std::uint32_t>(module_)),
-          "oviRegisterInvalidateCB", name_);
+        target_(std::make_shared<Target>(std::move(changed))) {
+    Targets& all = targets();
+    {
+      const std::lock_guard<std::mutex> lock(all.mutex);
+      all.byContext[target_.get()] = target_;
+    }
+    const oviErr code = oviRegisterInvalidateCB(handle_, name_.c_str(), target_.get(), &FeatureWatch::forward,
+                                                static_cast<std::uint32_t>(module_));
+    if (code != OVI_SUCCESS)
+      forget();
+    check(code, "oviRegisterInvalidateCB", name_);
   }
   ~FeatureWatch() {
-    if (changed_)
-      oviUnRegisterInvalidateCB(handle_, name_.c_str(), static_cast<std::uint32_t>(module_));
+    if (!target_)
+      return;
+    oviUnRegisterInvalidateCB(handle_, name_.c_str(), static_cast<std::uint32_t>(module_));
+    forget();
+    const std::lock_guard<std::recursive_mutex> lock(target_->mutex);
+    target_->ended = true;
   }
   FeatureWatch(FeatureWatch&&) = default;
   FeatureWatch& operator=(FeatureWatch&&) = delete;
 
  private:
+  struct Target {
+    explicit Target(Function changed) : function(std::move(changed)) {}
+    std::recursive_mutex mutex;  // held while the function runs, which may set features and so be called again
+    bool ended = false;
+    Function function;
+  };
+  // A call may be under way when the registration ends, so the context is a key only.
+  struct Targets {
+    std::mutex mutex;
+    std::map<const void*, std::shared_ptr<Target>> byContext;
+  };
+  static Targets& targets() {
+    static Targets all;
+    return all;
+  }
+  static std::shared_ptr<Target> find(const void* context) {
+    Targets& all = targets();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    const auto found = all.byContext.find(context);
+    return found == all.byContext.end() ? nullptr : found->second;
+  }
+  void forget() const {
+    Targets& all = targets();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    all.byContext.erase(target_.get());
+  }
   static void OVI_CALL forward(const char* name, void* context) {
     try {
-      (*static_cast<std::function<void(const char*)>*>(context))(name);
+      if (const std::shared_ptr<Target> target = find(context)) {
+        const std::lock_guard<std::recursive_mutex> lock(target->mutex);
+        if (!target->ended)
+          target->function(name);
+      }
     } catch (...) {  // An exception must not reach the library.
     }
   }
@@ -359,13 +498,13 @@ class FeatureWatch {
   std::uint64_t handle_;
   Module module_;
   std::string name_;
-  std::unique_ptr<std::function<void(const char*)>> changed_;
+  std::shared_ptr<Target> target_;
 };
 
-// ---- Images
-// -----------------------------------------------------------------------------------------------------------
+// ---- Images ----
 
-/// A filled buffer, lent by the stream; given back when it is destroyed.
+/// A filled buffer, lent by the stream; given back when it is destroyed. Nothing of it may be asked for after release()
+/// or after it was moved from.
 class Image {
  public:
   Image(std::uint64_t stream, oviNewBufferEventData* record) noexcept : stream_(stream), record_(record) {}
@@ -420,13 +559,19 @@ class Event {
 
   std::uint64_t handle() const noexcept { return handle_; }
   /// The record of the next event; null when the time is over or the wait was ended. It belongs to the library.
-  void* wait(Milliseconds timeout) const {
+  const oviEventData* wait(Milliseconds timeout) const {
+    std::error_code error;
+    const oviEventData* data = wait(timeout, error);
+    if (error && error != Errc::kTimeout && error != Errc::kAborted)
+      throw Error(error.value(), "oviWaitForEvent");
+    return data;
+  }
+  /// The record of the next event, or null with the reason in error.
+  const oviEventData* wait(Milliseconds timeout, std::error_code& error) const {
     void* data = nullptr;
     const oviErr code = oviWaitForEvent(handle_, detail::timeoutValue(timeout), &data);
-    if (code == OVI_ERR_TIMEOUT || code == OVI_ERR_ABORTED)
-      return nullptr;
-    check(code, "oviWaitForEvent");
-    return data;
+    error = makeErrorCode(code);
+    return code == OVI_SUCCESS ? static_cast<const oviEventData*>(data) : nullptr;
   }
   /// Ends the waits of other threads.
   void kill() const { check(oviEventKill(handle_), "oviEventKill"); }
@@ -463,6 +608,9 @@ class Stream {
     oviNewBufferEventData* record = wait(timeout, error);
     return error ? nullptr : std::make_unique<Image>(handle_, record);
   }
+  Feature feature(std::string name, Module module = Module::kDataStream) const {
+    return {handle_, module, std::move(name)};
+  }
   oviAcquistionStatistics statistics() const {
     oviAcquistionStatistics counters{};
     check(oviGetAcquisitionStatistics(handle_, &counters), "oviGetAcquisitionStatistics");
@@ -477,17 +625,28 @@ class Stream {
           count_(count),
           timeout_(timeout) {}
     struct End {};
+    /// An input iterator: there is one position, that of the latest image.
     class Iterator {
      public:
+      using iterator_category = std::input_iterator_tag;
+      using value_type = Image;
+      using difference_type = std::ptrdiff_t;
+      using pointer = Image*;
+      using reference = Image&;
+
       explicit Iterator(Images& images) : images_(&images) { ++*this; }
       Image& operator*() const { return *images_->current_; }
+      Image* operator->() const { return images_->current_.get(); }
       Iterator& operator++() {
         images_->advance();
         return *this;
       }
-      bool operator!=(End /*end*/) const { return images_->current_ != nullptr; }
+      void operator++(int) { ++*this; }
+      friend bool operator==(const Iterator& at, End /*end*/) { return at.done(); }
+      friend bool operator!=(const Iterator& at, End end) { return !(at == end); }
 
      private:
+      bool done() const { return images_->current_ == nullptr; }
       Images* images_;
     };
     Iterator begin() { return Iterator(*this); }
@@ -501,7 +660,7 @@ class Stream {
       --count_;
       std::error_code error;
       current_ = stream_->tryNext(timeout_, error);
-      if (error && error.value() != OVI_ERR_ABORTED)
+      if (error && error != Errc::kAborted)
         throw Error(error.value(), "oviWaitForEvent");
     }
 
@@ -548,13 +707,38 @@ class Stream {
   Event event_;
 };
 
-// ---- Devices
-// ----------------------------------------------------------------------------------------------------------
+// ---- Devices ----
 
 enum class Access : std::uint32_t {
   kReadOnly = OVI_DEVICE_ACCESS_READ_ONLY,
   kControl = OVI_DEVICE_ACCESS_CONTROL,
   kExclusive = OVI_DEVICE_ACCESS_EXCLUSIVE
+};
+
+/// A running acquisition, stopped when it is destroyed.
+class Acquisition {
+ public:
+  Acquisition(std::uint64_t deviceHandle, std::uint32_t images) : device_(deviceHandle) {
+    const oviErr code = oviStartAcquisition(device_, images);
+    if (code != OVI_SUCCESS)
+      oviStopAcquisition(device_);  // The streams may run already.
+    check(code, "oviStartAcquisition");
+  }
+  ~Acquisition() {
+    if (device_ != 0)
+      oviStopAcquisition(device_);
+  }
+  Acquisition(Acquisition&& other) noexcept : device_(std::exchange(other.device_, 0)) {}
+  Acquisition& operator=(Acquisition&&) = delete;
+
+  /// Stops now; throws what the destructor would keep to itself.
+  void stop() {
+    if (device_ != 0)
+      check(oviStopAcquisition(std::exchange(device_, 0)), "oviStopAcquisition");
+  }
+
+ private:
+  std::uint64_t device_;
 };
 
 /// Called during a file transfer; returns whether to go on.
@@ -585,8 +769,11 @@ class Device {
     return {handle_, module, std::move(name)};
   }
   Feature operator[](std::string name) const { return feature(std::move(name)); }
-  FeatureWatch watch(std::string name, std::function<void(const char*)> changed,
-                     Module module = Module::kRemoteDevice) const {
+  /// All features of the camera, or of a module above it.
+  std::vector<TreeFeature> features(Module module = Module::kRemoteDevice) const {
+    return featureTree(handle_, module);
+  }
+  FeatureWatch watch(std::string name, FeatureWatch::Function changed, Module module = Module::kRemoteDevice) const {
     return {handle_, module, std::move(name), std::move(changed)};
   }
 
@@ -598,13 +785,24 @@ class Device {
   Stream openStream(std::uint32_t bufferCount = 10, std::uint32_t index = 0, std::uint64_t bufferSize = 0) const {
     return {handle_, index, bufferCount, bufferSize};
   }
+  /// An event of the device or of a module above it; those of streams and buffers are at their own handles.
   Event registerEvent(std::uint32_t kind, Module module) const { return {handle_, kind, module}; }
 
+  /// Starts the acquisition until what it returns is destroyed.
+  [[nodiscard]] Acquisition acquire(std::uint32_t images = OVI_INFINITE_IMAGES) const { return {handle_, images}; }
   void start(std::uint32_t images = OVI_INFINITE_IMAGES) const {
     check(oviStartAcquisition(handle_, images), "oviStartAcquisition");
   }
   void stop() const { check(oviStopAcquisition(handle_), "oviStopAcquisition"); }
   void abort() const { check(oviAbortAcquisition(handle_), "oviAbortAcquisition"); }
+  /// Gives the streams larger buffers when the images have grown.
+  void reallocateBuffers() const { check(oviCheckAndReallocBuffers(handle_), "oviCheckAndReallocBuffers"); }
+  /// Bytes of an image.
+  std::uint64_t imageSize() const {
+    std::int64_t size = 0;
+    check(oviGetImageSize(handle_, &size), "oviGetImageSize");
+    return static_cast<std::uint64_t>(size);
+  }
 
   void readMemory(std::uint64_t address, std::uint8_t* to, std::uint64_t length) const {
     check(oviReadMemory(handle_, address, to, length), "oviReadMemory");
@@ -613,7 +811,14 @@ class Device {
     check(oviWriteMemory(handle_, address, from, length), "oviWriteMemory");
   }
 
-  /// Writes a host file into a camera file.
+  /// Which of the camera's files a host file is meant for; empty when it is of no known type.
+  std::string fileTypeOf(const std::string& path) const {
+    char type[512] = {};
+    check(oviGetUpdateFileType(handle_, path.c_str(), type, sizeof(type)), "oviGetUpdateFileType", path);
+    return type;
+  }
+  /// Writes a host file into a camera file. An exception of the progress function stops the transfer and leaves the
+  /// call.
   void download(const std::string& path, const std::string& fileSelector, Milliseconds timeout,
                 const TransferFunction& progress = {}) const {
     transfer(oviFileDownloadToDevice, "oviFileDownloadToDevice", path, fileSelector, timeout, progress);

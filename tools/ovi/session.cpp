@@ -36,10 +36,10 @@ std::string quoted(const std::string& word) {
   return word.find_first_of(" \t\"'$&|;<>()*?\\") == std::string::npos ? word : "\"" + word + "\"";
 }
 
-// Folders in which the virtual camera may be installed, beside the tool or in the library's own folder.
+// Folders in which the virtual camera may be: beside the tool, or where it is installed.
 std::vector<std::filesystem::path> virtualCameraFolders() {
   const std::filesystem::path own = programFolder();
-  return {own, own / ".." / "lib" / "ovi"};
+  return {own, own / OVI_PRODUCER_DIR};
 }
 
 bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
