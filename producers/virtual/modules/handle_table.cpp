@@ -2,7 +2,9 @@
 #include "modules/handle_table.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <mutex>
+#include <new>
 
 namespace vcam {
 
@@ -14,13 +16,15 @@ std::uint32_t firstFree = 0;  // 0 is the end of the list: slot 0 is never used
 std::uint32_t firstUnused = 1;
 
 // What threads wait on until a slot's state is another. Of C++'s own wait on an atomic, one standard library that we
-// build with loses wake-ups. Not destroyed: threads may outlive the library's static objects.
+// build with loses wake-ups. Never destroyed: threads may outlive the library's static objects. In static memory, which
+// goes with the library.
 struct StateChange {
   std::mutex mutex;
   std::condition_variable happened;
 };
 StateChange& stateChange() noexcept {
-  static StateChange& change = *new StateChange;
+  alignas(StateChange) static std::byte memory[sizeof(StateChange)];
+  static StateChange& change = *new (memory) StateChange;
   return change;
 }
 
