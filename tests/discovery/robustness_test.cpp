@@ -61,6 +61,10 @@ constexpr Row kRows[] = {
 
 std::vector<GC_ERROR> faults() {
   std::vector<GC_ERROR> codes = {-1023, -10000, 1};
+#ifdef __SANITIZE_THREAD__
+  // All of this is one thread's work, of which the other codes tell that build nothing new.
+  return {GC_ERR_ERROR, GC_ERR_BUSY, 1};
+#endif
   for (GC_ERROR code = GC_ERR_ERROR; code >= GC_ERR_BUSY; --code)
     codes.push_back(code);
   return codes;
@@ -114,6 +118,7 @@ TEST_F(Robustness, EveryFaultOfEveryFunction) {
   const std::string id = info_->devices[0].deviceID;
 
   for (const Row& row : kRows) {
+    std::uint64_t happenings = 0;
     for (const GC_ERROR code : faults()) {
       for (const std::uint64_t call : {1U, 2U}) {
         SCOPED_TRACE(std::string(row.function) + " " + std::to_string(code) + " at call " + std::to_string(call) +
@@ -122,9 +127,13 @@ TEST_F(Robustness, EveryFaultOfEveryFunction) {
         if (row.step == Step::Discover) {
           reopenLibrary();
           order(row, code, call);
+          if (row.function == std::string_view("GCGetLastError")) {  // Asked only after something else has failed.
+            ASSERT_EQ(orders_->fail("TLGetInterfaceInfo", GC_ERR_ERROR, 1, UINT64_MAX), 0);
+          }
           orders_->startCounting();
           ASSERT_EQ(discover(), OVI_SUCCESS);
           const bool happened = orders_->calls(row.function) >= call;
+          happenings += happened ? 1 : 0;
           if (row.effect == Effect::Tolerated) {
             EXPECT_EQ(info_->deviceCount, all);
           }
@@ -137,6 +146,7 @@ TEST_F(Robustness, EveryFaultOfEveryFunction) {
           orders_->startCounting();
           const oviErr result = oviOpenDevice(id.c_str(), &handle, 1000, OVI_DEVICE_ACCESS_CONTROL);
           const bool happened = orders_->calls(row.function) >= call;
+          happenings += happened ? 1 : 0;
           if (row.effect == Effect::Returned && known && happened) {
             EXPECT_EQ(result, OVI::mapGenTLError(code));
             EXPECT_TRUE(contains(takeLog(), row.log));
@@ -163,6 +173,9 @@ TEST_F(Robustness, EveryFaultOfEveryFunction) {
         }
         ASSERT_NO_FATAL_FAILURE(expectHealthy(all, id));
       }
+    }
+    if (row.step == Step::Discover || row.step == Step::Open) {
+      EXPECT_GT(happenings, 0U) << row.function << " is not called, so that its row proves nothing";
     }
   }
 }
