@@ -4,7 +4,7 @@
 #   ./test.sh              Linux: format, development build, address and undefined sanitizer build
 #   ./test.sh --quick      the development build and its tests only
 #   ./test.sh --windows    Windows only, under Wine
-#   ./test.sh --all        also the thread sanitizer build, the fuzzers for 20 seconds each, and Windows
+#   ./test.sh --all        also the thread sanitizer build, the fuzzers for 20 seconds each, the reference, and Windows
 set -euo pipefail
 cd "$(dirname "$0")"
 # shellcheck source=scripts/lib/stages.sh
@@ -39,6 +39,7 @@ if [ "$everything" = 1 ]; then
   stage "build (tsan)" build_preset tsan
   stage "test (tsan)" test_preset tsan
   stage "fuzz" ./fuzz.sh 20
+  stage "reference" scripts/make-reference.sh
 fi
 if [ "$windows" = 1 ]; then
   stage "build (mingw)" build_preset mingw

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * The public interface of the library: constants, records, callbacks, and all functions in the order of use.
  *
  * Plain C11, usable from C++17. Strings are NUL-terminated narrow text (UTF-8; the ANSI code page on Windows), sizes
@@ -29,6 +30,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** @cond */
 #if defined(_WIN32)
 #if defined(OVI_BUILDING_LIBRARY)
 #define OVI_API __declspec(dllexport)
@@ -47,14 +49,26 @@ extern "C" {
 #else
 #define OVI_STATIC_ASSERT(condition, text) _Static_assert(condition, text)
 #endif
+/** @endcond */
 
 /* ---- Constants --------------------------------------------------------------------------------------------------- */
 
-/** The result of a function: OVI_SUCCESS or a negative code. Codes of a producer's own pass through unchanged. */
+/**
+ * @defgroup constants Constants
+ * @{
+ */
+
+/**
+ * The result of a function: OVI_SUCCESS or a negative code.
+ *
+ * Codes that the library has no name for pass through unchanged: a producer's own; -10001, a file that cannot be loaded
+ * as a producer; -10002, a module that was closed while it was used.
+ */
 typedef int32_t oviErr;
 
+/** The results. docs/result-codes.md tells the causes of each, and the cures. */
 enum {
-  OVI_SUCCESS = 0,
+  OVI_SUCCESS = 0,                        /**< It worked */
   OVI_ERR_NOT_INITIALIZED = -100,         /**< oviInit was not called, or oviClose was */
   OVI_ERR_INVALID_STATE = -101,           /**< Not possible in this state */
   OVI_ERR_NOT_OPENED = -102,              /**< Something must be opened first */
@@ -85,14 +99,14 @@ enum {
   OVI_ERR_NO_KITHARA_PROCESSORS = -251659241    /**< No processors are set aside for a real-time producer */
 };
 
-/** Levels of the log. */
+/** Levels of the log; each one includes those before it. */
 enum {
-  OVI_LOG_LEVEL_NONE = 0,
-  OVI_LOG_LEVEL_ERROR = 1,
-  OVI_LOG_LEVEL_WARNING = 2,
-  OVI_LOG_LEVEL_INFO = 4,
-  OVI_LOG_LEVEL_DEBUG = 8,
-  OVI_LOG_LEVEL_VERBOSE = 16
+  OVI_LOG_LEVEL_NONE = 0,    /**< Nothing */
+  OVI_LOG_LEVEL_ERROR = 1,   /**< What failed */
+  OVI_LOG_LEVEL_WARNING = 2, /**< What was odd and could be dealt with */
+  OVI_LOG_LEVEL_INFO = 4,    /**< Producers that are loaded, modules that are closed */
+  OVI_LOG_LEVEL_DEBUG = 8,   /**< Every step of discovery, opening and file transfer */
+  OVI_LOG_LEVEL_VERBOSE = 16 /**< All there is */
 };
 
 /**
@@ -170,50 +184,56 @@ enum { OVI_SCAN_IMAGES = 1, OVI_SCAN_MINUTES = 2, OVI_SCAN_CHECK_PATTERN = 4 };
 /** A time-out that never passes. */
 #define OVI_INFINITE_TIMEOUT UINT64_MAX
 
-/* ---- Records ------------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Records ----------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup records Records
  *
  * The application supplies the memory of a record, the library fills it. Reserved fields are zero.
+ * @{
  */
 
 /** What a producer's file says about itself. */
 typedef struct oviTLProducerInfos {
-  char name[512];
-  char displayName[512];
-  char reserved0[512];
-  char pathName[512]; /**< The path as the producer itself reports it */
-  char filePath[512]; /**< The path that the application asked about */
-  uint64_t reserved1;
+  char name[512];        /**< The file's name, as the producer reports it */
+  char displayName[512]; /**< What the producer wants to be called */
+  char reserved0[512];   /**< Zero */
+  char pathName[512];    /**< The path as the producer itself reports it */
+  char filePath[512];    /**< The path that the application asked about */
+  uint64_t reserved1;    /**< Zero */
 } oviTLProducerInfos;
 
 /** One camera of the latest discovery. A text that its producer does not give is empty. */
 typedef struct oviDeviceInfo {
-  char deviceID[512]; /**< What oviOpenDevice takes */
-  char displayName[512];
-  char model[512];
-  char vendor[512];
-  char serialNumber[512];
-  char interfaceDisplayName[512];
-  char interfaceID[512]; /**< The interface that the camera was found on, and is opened through */
-  char userDefinedName[512];
-  char version[512];
-  uint64_t reserved0;
-  char interfaceTLType[512]; /**< The interface's kind of transport layer, "GEV", "U3V", ... */
-  char tlDisplayName[512];   /**< The producer's display name */
-  char tlType[512];          /**< The camera's kind of transport layer */
-  char tlPathName[512];      /**< The producer's file */
-  char tlID[512];            /**< The producer's ID */
-  uint32_t accessStatus;     /**< 1 read-write, 2 read-only, 3 no access, 4 busy, 5 opened for writing, 0 unknown */
-  uint8_t reserved1[20];
+  char deviceID[512];             /**< What oviOpenDevice takes */
+  char displayName[512];          /**< What the producer calls the camera */
+  char model[512];                /**< Its model; never empty */
+  char vendor[512];               /**< Its maker */
+  char serialNumber[512];         /**< Its serial number */
+  char interfaceDisplayName[512]; /**< What the producer calls the interface */
+  char interfaceID[512];          /**< The interface that the camera was found on, and is opened through */
+  char userDefinedName[512];      /**< The name that somebody gave to the camera */
+  char version[512];              /**< The camera's version */
+  uint64_t reserved0;             /**< Zero */
+  char interfaceTLType[512];      /**< The interface's kind of transport layer, "GEV", "U3V", ... */
+  char tlDisplayName[512];        /**< The producer's display name */
+  char tlType[512];               /**< The camera's kind of transport layer */
+  char tlPathName[512];           /**< The producer's file */
+  char tlID[512];                 /**< The producer's ID */
+  uint32_t accessStatus; /**< 1 read-write, 2 read-only, 3 no access, 4 busy, 5 opened for writing, 0 unknown */
+  uint8_t reserved1[20]; /**< Zero */
 } oviDeviceInfo;
 
 /** A report about a discovery that is under way, and its result. */
 typedef struct oviDiscoveryInfo {
-  uint32_t deviceCount; /**< Entries of devices that are filled, at most 16 */
-  uint32_t reserved0;
-  double progress; /**< In reports: percent of the whole discovery, 0 to 100 */
-  uint8_t running; /**< In reports: 1, and 0 in the last one */
-  uint8_t reserved1[7];
-  oviDeviceInfo devices[16];
+  uint32_t deviceCount;      /**< Entries of devices that are filled, at most 16 */
+  uint32_t reserved0;        /**< Zero */
+  double progress;           /**< In reports: percent of the whole discovery, 0 to 100 */
+  uint8_t running;           /**< In reports: 1, and 0 in the last one */
+  uint8_t reserved1[7];      /**< Zero */
+  oviDeviceInfo devices[16]; /**< The first cameras of the list */
 } oviDiscoveryInfo;
 
 /** Everything about one feature. Fields that its kind of feature does not have are zero. */
@@ -224,143 +244,178 @@ typedef struct oviFeatureParameter {
   uint32_t displayNotation; /**< OVI_NOTATION_..., of floats */
   uint32_t representation;  /**< OVI_REPRESENTATION_..., of numbers */
   uint8_t displayPrecision; /**< Digits to show, of floats */
-  uint8_t reserved0[3];
-  int64_t intValue; /**< Of integers, booleans (0 or 1), enumerations and enumeration entries */
-  int64_t intInc;
-  int64_t intMin;
-  int64_t intMax;
-  double floatValue;
-  double floatInc; /**< 0 when the feature has no increment */
-  double floatMin;
-  double floatMax;
-  char stringValue[512];   /**< Of strings; of enumerations the current entry's name, of entries their own */
-  int64_t maxStringLength; /**< Of strings */
-  int64_t treeDepth;       /**< Written by oviGetFeatureList only: 0 below "Root", 1 below that, ... */
-  uint32_t enumEntryCount; /**< Of enumerations: entries that can be used now */
-  uint8_t enumEntryIndex;  /**< Of enumeration entries: their position; 255 when it is not known */
-  char displayName[512];
-  char name[512];
-  char toolTip[512];
-  char unit[512];
-  uint8_t reserved1[3];
-  int64_t registerLength; /**< Of registers, bytes */
-  int64_t registerAddress;
-  bool isFeature;    /**< False for nodes of the description that are no features */
-  bool littleEndian; /**< The byte order of the module that the feature belongs to */
-  uint8_t reserved2[6];
+  uint8_t reserved0[3];     /**< Zero */
+  int64_t intValue;         /**< Of integers, booleans (0 or 1), enumerations and enumeration entries */
+  int64_t intInc;           /**< Of integers: the step between values */
+  int64_t intMin;           /**< Of integers: the smallest value now */
+  int64_t intMax;           /**< Of integers: the largest value now */
+  double floatValue;        /**< Of floats */
+  double floatInc;          /**< Of floats: the step between values, 0 when there is none */
+  double floatMin;          /**< Of floats: the smallest value now */
+  double floatMax;          /**< Of floats: the largest value now */
+  char stringValue[512];    /**< Of strings; of enumerations the current entry's name, of entries their own */
+  int64_t maxStringLength;  /**< Of strings */
+  int64_t treeDepth;        /**< Written by oviGetFeatureList only: 0 below "Root", 1 below that, ... */
+  uint32_t enumEntryCount;  /**< Of enumerations: entries that can be used now */
+  uint8_t enumEntryIndex;   /**< Of enumeration entries: their position; 255 when it is not known */
+  char displayName[512];    /**< What a user should see */
+  char name[512];           /**< What the feature functions take */
+  char toolTip[512];        /**< One sentence for a user */
+  char unit[512];           /**< The unit of the value, "us" or "Hz"; empty when there is none */
+  uint8_t reserved1[3];     /**< Zero */
+  int64_t registerLength;   /**< Of registers, bytes */
+  int64_t registerAddress;  /**< Of registers, in the module's register space */
+  bool isFeature;           /**< False for nodes of the description that are no features */
+  bool littleEndian;        /**< The byte order of the module that the feature belongs to */
+  uint8_t reserved2[6];     /**< Zero */
 } oviFeatureParameter;
 
 /** The feature tree of a camera, in an array that the application supplies. */
 typedef struct FEATURE_PARAM_LIST_STRUCT {
-  uint32_t count;    /**< Records written */
-  uint32_t maxDepth; /**< The deepest treeDepth among them */
-  oviFeatureParameter* features;
+  uint32_t count;                /**< Records written */
+  uint32_t maxDepth;             /**< The deepest treeDepth among them */
+  oviFeatureParameter* features; /**< The application's array, one record a feature */
 } FEATURE_PARAM_LIST_STRUCT;
 
 /** Declared for completeness; no function uses it. */
 typedef struct oviMemTransferInfo {
-  uint64_t address;
-  uint8_t* buffer;
-  uint64_t length;
-  uint64_t transferred;
-  int32_t result;
-  uint32_t reserved;
+  uint64_t address;     /**< In a camera's register space */
+  uint8_t* buffer;      /**< The bytes */
+  uint64_t length;      /**< Bytes wanted */
+  uint64_t transferred; /**< Bytes moved */
+  int32_t result;       /**< A result code */
+  uint32_t reserved;    /**< Zero */
 } oviMemTransferInfo;
 
 /** One data stream of a device. */
 typedef struct oviDataStreamInfo {
-  char id[512];
+  char id[512];   /**< The producer's ID of the stream */
   char name[512]; /**< The ID again: streams have no names of their own */
-  uint32_t index;
+  uint32_t index; /**< What oviCreateDataStream takes */
 } oviDataStreamInfo;
 
 /** An event that happened. The library owns the record and what it points to. */
 typedef struct oviEventData {
-  uint32_t kind; /**< OVI_EVENT_... */
-  uint32_t reserved0;
+  uint32_t kind;           /**< OVI_EVENT_... */
+  uint32_t reserved0;      /**< Zero */
   uint64_t moduleHandle;   /**< Of the module that the event is registered on; the stream of a filled buffer */
   uint32_t moduleSelector; /**< OVI_MODULE_DATA_STREAM for a filled buffer */
-  uint32_t reserved1;
-  void* eventData;        /**< The event's data as the producer gives them */
-  uint64_t eventDataSize; /**< Bytes */
-  void* value;            /**< The event's value as text; the image data of a filled buffer */
-  uint64_t valueSize;     /**< Length of the text without its NUL; bytes that are filled in the buffer */
-  uint64_t eventID;       /**< As the producer reports it, 0 when it does not */
+  uint32_t reserved1;      /**< Zero */
+  void* eventData;         /**< The event's data as the producer gives them */
+  uint64_t eventDataSize;  /**< Bytes */
+  void* value;             /**< The event's value as text; the image data of a filled buffer */
+  uint64_t valueSize;      /**< Length of the text without its NUL; bytes that are filled in the buffer */
+  uint64_t eventID;        /**< As the producer reports it, 0 when it does not */
 } oviEventData;
 
 /** A filled buffer. event.value is the image. */
 typedef struct oviNewBufferEventData {
-  oviEventData event;
+  oviEventData event;    /**< What all events have; its value is the image */
   uint64_t bufferHandle; /**< What oviReleaseImage takes back */
-  uint64_t frameID;
-  void* rawEventData;   /**< The same as event.eventData */
-  uint64_t timestampMs; /**< When the image was received, in milliseconds of a clock that never goes back */
-  uint64_t timestampNs; /**< The same moment in nanoseconds */
+  uint64_t frameID;      /**< The camera's number of the image; a gap means lost images */
+  void* rawEventData;    /**< The same as event.eventData */
+  uint64_t timestampMs;  /**< When the image was received, in milliseconds of a clock that never goes back */
+  uint64_t timestampNs;  /**< The same moment in nanoseconds */
+  uint32_t width;        /**< Pixels */
+  uint32_t height;       /**< Pixels */
+  uint32_t linePitch;    /**< Bytes a line */
+  uint32_t channels;     /**< 1, 3 or 4 */
+  uint32_t pixelFormat;  /**< A code of the Pixel Format Naming Convention */
+  uint32_t reserved;     /**< Zero */
+} oviNewBufferEventData;
+
+/** The geometry of an image; the fields are those of oviNewBufferEventData. */
+typedef struct oviImageInfo {
   uint32_t width;       /**< Pixels */
   uint32_t height;      /**< Pixels */
   uint32_t linePitch;   /**< Bytes a line */
   uint32_t channels;    /**< 1, 3 or 4 */
   uint32_t pixelFormat; /**< A code of the Pixel Format Naming Convention */
-  uint32_t reserved;
-} oviNewBufferEventData;
-
-/** The geometry of an image; the fields are those of oviNewBufferEventData. */
-typedef struct oviImageInfo {
-  uint32_t width;
-  uint32_t height;
-  uint32_t linePitch;
-  uint32_t channels;
-  uint32_t pixelFormat;
 } oviImageInfo;
 
 /** Counters of a stream; -1 where its producer has none. */
 typedef struct oviAcquistionStatistics {
-  uint64_t underruns; /**< Images lost because no buffer was queued */
-  int64_t frameLoss;
-  uint64_t delivered; /**< Images since the start */
-  int64_t packetsReceived;
-  int64_t packetLoss;
+  uint64_t underruns;      /**< Images lost because no buffer was queued */
+  int64_t frameLoss;       /**< Images of which too much was missing */
+  uint64_t delivered;      /**< Images since the start */
+  int64_t packetsReceived; /**< Packets of the network that arrived */
+  int64_t packetLoss;      /**< Packets of the network that did not */
 } oviAcquistionStatistics;
 
 /** A report about a file transfer that is under way. */
 typedef struct oviFileTransferProgress {
-  uint64_t totalBytes;
-  uint64_t bytesDone;
+  uint64_t totalBytes; /**< The file's size */
+  uint64_t bytesDone;  /**< Of them moved */
   uint32_t status;   /**< 0 starting, 1 running, 2 waiting for the device, 3 done, 4 ended with an error, 5 an error */
   int32_t errorCode; /**< Of status 4 and 5 */
-  char message[512];
+  char message[512]; /**< The same in words */
 } oviFileTransferProgress;
 
-/* ---- Callbacks ----------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Callbacks --------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup callbacks Callbacks
  *
  * They run on the thread that called the function which they report about, and should be quick; what they are given is
  * valid until they return. They must not throw.
+ * @{
  */
 
 /**
  * Receives a line of the log. Runs on whatever thread logs, one line at a time, and must not call back into the
  * library.
  *
- * @param level  OVI_LOG_LEVEL_...
+ * @param level     OVI_LOG_LEVEL_...
+ * @param message   one line, without time and place
+ * @param userData  as given to oviInit
  */
 typedef void(OVI_CALL* oviLogCallback)(uint32_t level, const char* message, void* userData);
 
-/** Receives the progress of oviDiscoverDevices, and must not call into discovery, device opening or oviClose. */
+/**
+ * Receives the progress of oviDiscoverDevices, and must not call into discovery, device opening or oviClose.
+ *
+ * @param info  the cameras found so far, and how far the search is
+ */
 typedef void(OVI_CALL* oviDiscoveryCallback)(oviDiscoveryInfo* info);
 
-/** Learns that a feature may have changed. Runs on the thread that changed it or on one of the library's own; may read
- * and write features. */
+/**
+ * Learns that a feature may have changed. Runs on the thread that changed it or on one of the library's own; may read
+ * and write features.
+ *
+ * @param featureName  the feature
+ * @param context      as given to oviRegisterInvalidateCB
+ */
 typedef void(OVI_CALL* oviInvalidateCallback)(const char* featureName, void* context);
 
-/** Receives an image of oviScanImg; `ok` is 0 when the image was checked and is not as it should be. */
+/**
+ * Receives an image of oviScanImg.
+ *
+ * @param imageData  the pixels
+ * @param info       their geometry
+ * @param ok         0 when the image was checked and is not as it should be, else 1
+ */
 typedef void(OVI_CALL* oviScanCallback)(uint8_t* imageData, oviImageInfo* info, uint8_t ok);
 
-/** Receives the progress of a file transfer. @return whether to go on; 0 stops the transfer */
+/**
+ * Receives the progress of a file transfer.
+ *
+ * @param progress  how far it is
+ * @param context   as given to the transfer
+ * @return whether to go on; 0 stops the transfer
+ */
 typedef uint8_t(OVI_CALL* oviFileTransferCallback)(const oviFileTransferProgress* progress, void* context);
 
-/* ---- Results ------------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Results ----------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup results Results
  *
  * These work with and without oviInit.
+ * @{
  */
 
 /**
@@ -389,7 +444,7 @@ OVI_API int32_t OVI_CALL get_error_string(int32_t code, char* text);
  *
  * @param name  "oviFeatureParameter", "oviMemTransferInfo", "oviTLProducerInfos", "oviDeviceInfo", "oviDiscoveryInfo",
  *              "oviDataStreamInfo", "oviImageInfo", "oviEventData", "oviNewBufferEventData" or
- * "oviAcquistionStatistics"
+ *              "oviAcquistionStatistics"
  * @param size  receives the size in bytes, 0xFFFFFFFF for another name; must not be null
  * @return 0, or -1 for another name or none
  * @threads any
@@ -397,8 +452,9 @@ OVI_API int32_t OVI_CALL get_error_string(int32_t code, char* text);
 OVI_API int32_t OVI_CALL oviGetStructSize(const char* name, uint32_t* size);
 
 /**
- * The same as its result.
+ * The same as oviGetStructSize, with the size as the result.
  *
+ * @param name  as in oviGetStructSize
  * @return the size in bytes, or -1
  * @threads any
  */
@@ -416,7 +472,7 @@ OVI_API int32_t OVI_CALL get_struct_size(const char* name);
 OVI_API oviErr OVI_CALL oviGetKitharaErrDescription(int32_t code, char* text, uint64_t size);
 
 /**
- * The same for a family of producers that has no codes of its own: always "ErrorNumber not yet defined".
+ * Names the codes of a family of producers that has none of its own: always "ErrorNumber not yet defined".
  *
  * @param code  any number
  * @param text  receives the text, as in oviGetErrorDescription
@@ -426,7 +482,14 @@ OVI_API oviErr OVI_CALL oviGetKitharaErrDescription(int32_t code, char* text, ui
  */
 OVI_API oviErr OVI_CALL oviGetEuresysErrDescription(int32_t code, char* text, uint64_t size);
 
+/** @} */
+
 /* ---- Lifecycle --------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup lifecycle Lifecycle
+ * @{
+ */
 
 /**
  * Starts the use of the library. A second call before oviClose does nothing.
@@ -492,11 +555,17 @@ OVI_API oviErr OVI_CALL oviSetFeatureCachingDisabled(uint8_t disabled);
  */
 OVI_API oviErr OVI_CALL oviIsFeatureCachingDisabled(uint8_t* disabled);
 
-/* ---- Producers and discovery --------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Producers and discovery ------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup discovery Producers and discovery
  *
  * Producers are libraries with the extension ".cti" in the folders of the environment variable GENICAM_GENTL64_PATH and
  * in those that the application names. A folder is searched itself, not what is below it. A producer that cannot be
  * loaded is logged and passed over.
+ * @{
  */
 
 /**
@@ -538,12 +607,12 @@ OVI_API oviErr OVI_CALL oviGetTLProducerInfobyFilePath(oviTLProducerInfos* info,
  * The list replaces that of the discovery before. It holds all cameras; the record only the first 16. The others are
  * had from oviGetDeviceInfo.
  *
- * @param info              receives the cameras found, with progress and running 0; cleared first
- * @param timeout           milliseconds for each producer's and each interface's search; some use all of it
- * @param progressCallback  told about the progress, on the calling thread; null for nobody
- * @param searchPath        folders to search, separated by ";" (outside Windows by ":" too); null to keep those of the
- *                          call before
- * @param useGivenPathsOnly with a search path: 1 to leave GENICAM_GENTL64_PATH aside
+ * @param info               receives the cameras found, with progress and running 0; cleared first
+ * @param timeout            milliseconds for each producer's and each interface's search; some use all of it
+ * @param progressCallback   told about the progress, on the calling thread; null for nobody
+ * @param searchPath         folders to search, separated by ";" (outside Windows by ":" too); null to keep those of the
+ *                           call before
+ * @param useGivenPathsOnly  with a search path: 1 to leave GENICAM_GENTL64_PATH aside
  * @return Success, also when a producer fails or nothing is found; NotInitialized (-100); InvalidParameter (-105) for a
  *         null record
  * @threads any but that of a progress callback; one discovery at a time, others wait
@@ -562,7 +631,14 @@ OVI_API oviErr OVI_CALL oviDiscoverDevices(oviDiscoveryInfo* info, uint64_t time
  */
 OVI_API oviErr OVI_CALL oviGetDeviceInfo(uint32_t index, oviDeviceInfo* info);
 
+/** @} */
+
 /* ---- Devices ----------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup devices Devices
+ * @{
+ */
 
 /**
  * Opens a camera of the latest discovery.
@@ -590,34 +666,57 @@ OVI_API oviErr OVI_CALL oviCloseDevice(uint64_t deviceHandle);
 /**
  * Tells whether the device is served by the S2i GigE producer.
  *
- * @param out  receives the answer; false after a failure
+ * @param deviceHandle  of oviOpenDevice
+ * @param out           receives the answer; false after a failure
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle; the
  *         producer's error when it does not say what it is
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviIsUsingS2iTL(uint64_t deviceHandle, bool* out);
 
-/** The same for the Kithara real-time GigE producer. */
+/**
+ * Tells whether the device is served by the Kithara real-time GigE producer.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param out           receives the answer; false after a failure
+ * @return as oviIsUsingS2iTL
+ * @threads any
+ */
 OVI_API oviErr OVI_CALL oviIsUsingKitharaTL(uint64_t deviceHandle, bool* out);
 
-/** The same for the producers that can record. */
+/**
+ * Tells whether the device is served by one of the producers that can record.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param out           receives the answer; false after a failure
+ * @return as oviIsUsingS2iTL
+ * @threads any
+ */
 OVI_API oviErr OVI_CALL oviIsUsingNimboTL(uint64_t deviceHandle, bool* out);
 
 /**
  * Takes the camera's features from a description file instead of from the camera.
  *
- * @param path  an XML file, or a ZIP archive with one; used for this device until it is closed
- * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle; or
- *         what went wrong with the file, and the description in use stays
+ * @param deviceHandle  of oviOpenDevice
+ * @param path          an XML file, or a ZIP archive with one; used for this device until it is closed
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or a file that is not there or holds no
+ *         description; NotFound (-104) for an unknown handle; another code when the device does not answer. After a
+ *         failure the description in use stays
  * @threads any; callbacks of oviRegisterInvalidateCB on the old description end
  */
 OVI_API oviErr OVI_CALL oviSetRemoteDeviceXMLFile(uint64_t deviceHandle, const char* path);
 
-/* ---- Features -----------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Features ---------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup features Features
  *
  * A feature is found by the handle of any opened module, the selector of the module whose feature it is
- * (OVI_MODULE_...), seen from there upwards, and its name. The types are not converted into each other; only texts,
- * oviGetFeature and oviSetFeature, suit them all.
+ * (OVI_MODULE_...), seen from there upwards, and its name. The camera's own features, OVI_MODULE_REMOTE_DEVICE, are
+ * found from the device's handle alone. The types are not converted into each other; only texts, oviGetFeature and
+ * oviSetFeature, suit them all.
  *
  * All functions here share these results, beside those that they name:
  *  - NotInitialized (-100).
@@ -630,65 +729,118 @@ OVI_API oviErr OVI_CALL oviSetRemoteDeviceXMLFile(uint64_t deviceHandle, const c
  *  - the producer's error, such as IoError (-118), when the device does not answer.
  *
  * @threads any, at the same time too: calls on one module's features run one after the other
+ * @{
  */
 
 /**
  * Reads an integer feature.
  *
- * @param value  receives it. Of an enumeration, the call succeeds but leaves this as it is: use oviGetFeatureEnum
+ * @param handle,name,selector  which feature, see above
+ * @param value                 receives it. Of an enumeration, the call succeeds but leaves this as it is: use
+ *                              oviGetFeatureEnum
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureInt(uint64_t handle, const char* name, int64_t* value, uint32_t selector);
 
-/** Reads a float feature. @param value  receives it */
+/**
+ * Reads a float feature.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 receives it
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviGetFeatureFloat(uint64_t handle, const char* name, double* value, uint32_t selector);
 
-/** Reads a boolean feature. @param value  receives it */
+/**
+ * Reads a boolean feature.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 receives it
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviGetFeatureBool(uint64_t handle, const char* name, bool* value, uint32_t selector);
 
 /**
  * Reads a string feature, or the name of an enumeration's current entry.
  *
- * @param buffer  receives the text, cut when it does not fit; null to ask for the size
- * @param size    in: bytes at `buffer`, 0 to ask for the size; out: when asked, the bytes needed with the NUL
+ * @param handle,name,selector  which feature, see above
+ * @param buffer                receives the text, cut when it does not fit; null to ask for the size
+ * @param size                  in: bytes at `buffer`, 0 to ask for the size; out: when asked, the bytes needed with the
+ *                              NUL
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureString(uint64_t handle, const char* name, char* buffer, size_t* size,
                                             uint32_t selector);
 
-/** Writes an integer feature, if the value is within its limits and on its increment. */
+/**
+ * Writes an integer feature, if the value is within its limits and on its increment.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 the value, in the feature's unit
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviSetFeatureInt(uint64_t handle, const char* name, int64_t value, uint32_t selector);
 
-/** Writes a float feature, if the value is within its limits. */
+/**
+ * Writes a float feature, if the value is within its limits.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 the value, in the feature's unit
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviSetFeatureFloat(uint64_t handle, const char* name, double value, uint32_t selector);
 
-/** Writes a boolean feature. */
+/**
+ * Writes a boolean feature.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 the value
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviSetFeatureBool(uint64_t handle, const char* name, bool value, uint32_t selector);
 
-/** Writes a string feature, or sets an enumeration as oviSetFeatureEnum does. @param value  the text; not null */
+/**
+ * Writes a string feature, or sets an enumeration as oviSetFeatureEnum does.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param value                 the text; not null
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviSetFeatureString(uint64_t handle, const char* name, const char* value, uint32_t selector);
 
 /**
  * Sets an enumeration feature.
  *
- * @param entryName  the entry's name, exactly; NotFound (-104) when the enumeration has no such entry
+ * @param handle,name,selector  which feature, see above
+ * @param entryName             the entry's name, exactly; NotFound (-104) when the enumeration has no such entry
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviSetFeatureEnum(uint64_t handle, const char* name, const char* entryName, uint32_t selector);
 
 /**
  * Describes the current entry of an enumeration feature.
  *
- * @param entry  receives the entry: intValue, stringValue (its name) and displayName; enumEntryIndex counts all
- * entries, those too that cannot be used now
+ * @param handle,name,selector  which feature, see above
+ * @param entry                 receives the entry: intValue, stringValue (its name) and displayName; enumEntryIndex
+ *                              counts all entries, those too that cannot be used now
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureEnum(uint64_t handle, const char* name, oviFeatureParameter* entry,
                                           uint32_t selector);
 
-/** Starts a command feature, and does not wait until it is done. */
+/**
+ * Starts a command feature, and does not wait until it is done.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviExecuteCommand(uint64_t handle, const char* name, uint32_t selector);
 
 /**
  * Tells whether a command is still being executed.
  *
- * @param active  receives the answer
+ * @param handle,name,selector  which feature, see above
+ * @param active                receives the answer
  * @return as above, but InvalidParameter (-105) for a feature that is no command
  */
 OVI_API oviErr OVI_CALL oviIsCommandActive(uint64_t handle, const char* name, bool* active, uint32_t selector);
@@ -696,8 +848,10 @@ OVI_API oviErr OVI_CALL oviIsCommandActive(uint64_t handle, const char* name, bo
 /**
  * Reads a register feature, byte by byte.
  *
- * @param buffer  receives the bytes; null to ask for the length
- * @param length  in: bytes to read, 0 to ask for the length; out: when asked, the register's length in bytes
+ * @param handle,name,selector  which feature, see above
+ * @param buffer                receives the bytes; null to ask for the length
+ * @param length                in: bytes to read, 0 to ask for the length; out: when asked, the register's length in
+ *                              bytes
  * @return as above, but InvalidParameter (-105) for a feature that is no register
  */
 OVI_API oviErr OVI_CALL oviGetFeatureReg(uint64_t handle, const char* name, uint8_t* buffer, int64_t* length,
@@ -706,8 +860,9 @@ OVI_API oviErr OVI_CALL oviGetFeatureReg(uint64_t handle, const char* name, uint
 /**
  * Writes a register feature, byte by byte.
  *
- * @param buffer  the bytes
- * @param length  their number, not 0
+ * @param handle,name,selector  which feature, see above
+ * @param buffer                the bytes
+ * @param length                their number, not 0
  * @return as above, but InvalidParameter (-105) for a feature that is no register
  */
 OVI_API oviErr OVI_CALL oviSetFeatureReg(uint64_t handle, const char* name, const uint8_t* buffer, int64_t length,
@@ -716,8 +871,9 @@ OVI_API oviErr OVI_CALL oviSetFeatureReg(uint64_t handle, const char* name, cons
 /**
  * Describes a feature: its kind, names, access, value and limits.
  *
- * @param record  receives the description; cleared first. A failure leaves what could be read in it; a feature that
- *                cannot be used now is described by its names and kind, with Success
+ * @param handle,name,selector  which feature, see above
+ * @param record                receives the description; cleared first. A failure leaves what could be read in it; a
+ *                              feature that cannot be used now is described by its names and kind, with Success
  * @return as above; InvalidParameter (-105) also for an enumeration whose value fits no entry, with the rest filled
  */
 OVI_API oviErr OVI_CALL oviGetFeatureParameter(uint64_t handle, const char* name, oviFeatureParameter* record,
@@ -726,30 +882,41 @@ OVI_API oviErr OVI_CALL oviGetFeatureParameter(uint64_t handle, const char* name
 /**
  * Tells how a feature can be accessed now.
  *
- * @param accessMode  receives OVI_ACCESS_...
+ * @param handle,name,selector  which feature, see above
+ * @param accessMode            receives OVI_ACCESS_...
  * @return as above, but Unknown (-200) for a name that the module does not have
  */
 OVI_API oviErr OVI_CALL oviGetFeatureAccessMode(uint64_t handle, const char* name, uint32_t* accessMode,
                                                 uint32_t selector);
 
-/** Counts the entries of an enumeration that can be used now. @param count  receives the number; 0 after a failure */
+/**
+ * Counts the entries of an enumeration that can be used now.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param count                 receives the number; 0 after a failure
+ * @return as above
+ */
 OVI_API oviErr OVI_CALL oviGetFeatureEnumEntryCount(uint64_t handle, const char* name, uint32_t* count,
                                                     uint32_t selector);
 
 /**
  * Describes an entry of an enumeration.
  *
- * @param index   0 up to the count of oviGetFeatureEnumEntryCount; InvalidParameter (-105) beyond it
- * @param record  receives the entry, cleared first
+ * @param handle,name,selector  which feature, see above
+ * @param index                 0 up to the count of oviGetFeatureEnumEntryCount; InvalidParameter (-105) beyond it
+ * @param record                receives the entry, cleared first
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureEnumEntryByIndex(uint64_t handle, const char* name, int32_t index,
                                                       oviFeatureParameter* record, uint32_t selector);
 
 /**
- * The same by the entry's name.
+ * Describes an entry of an enumeration that is found by its name.
  *
- * @param entryName  the name, exactly; NotFound (-104) when there is no such entry or it cannot be used now
- * @param record     receives the entry, cleared first
+ * @param handle,name,selector  which feature, see above
+ * @param entryName             the name, exactly; NotFound (-104) when there is no such entry or it cannot be used now
+ * @param record                receives the entry, cleared first
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureEnumEntryByName(uint64_t handle, const char* name, const char* entryName,
                                                      oviFeatureParameter* record, uint32_t selector);
@@ -758,9 +925,11 @@ OVI_API oviErr OVI_CALL oviGetFeatureEnumEntryByName(uint64_t handle, const char
  * Lists the entries of an enumeration of the camera in one text, separated by blanks.
  *
  * @param handle           a device
+ * @param name             the enumeration's name
  * @param text             receives the list. It is not bounded: there must be room for all names, their separators and
  *                         the NUL
  * @param useDisplayNames  1: display names, each in angle brackets; 0: names
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetFeatureAllEnums(uint64_t handle, const char* name, char* text, uint32_t useDisplayNames);
 
@@ -768,11 +937,13 @@ OVI_API oviErr OVI_CALL oviGetFeatureAllEnums(uint64_t handle, const char* name,
  * Steps through the children of a feature: what a category contains, what a selector selects, an enumeration's entries.
  * "Root" is the topmost category. Call it with index 0, 1, 2, ... until it does not succeed.
  *
- * @param parentName     the feature whose children are asked for
- * @param index          the child's position, from 0; NotFound (-104) beyond the last
- * @param childName      receives the child's name, cut when it does not fit
- * @param childNameSize  bytes at `childName`
- * @param childType      receives OVI_FEATURE_...; must not be null
+ * @param handle,selector  which module, see above
+ * @param parentName       the feature whose children are asked for
+ * @param index            the child's position, from 0; NotFound (-104) beyond the last
+ * @param childName        receives the child's name, cut when it does not fit
+ * @param childNameSize    bytes at `childName`
+ * @param childType        receives OVI_FEATURE_...; must not be null
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviIterateFeatureTree(uint64_t handle, const char* parentName, uint32_t index, char* childName,
                                               size_t childNameSize, uint32_t* childType, uint32_t selector);
@@ -795,7 +966,8 @@ OVI_API oviErr OVI_CALL oviGetFeatureList(uint64_t handle, FEATURE_PARAM_LIST_ST
  * booleans as 0 and 1, enumerations by the current entry's name, a command as 1 while it runs, else 0, a register's
  * bytes up to the first zero.
  *
- * @param text  receives the text; room for 512 bytes; empty after a failure
+ * @param handle,name  which feature, see above
+ * @param text         receives the text; room for 512 bytes; empty after a failure
  * @return as above; InvalidParameter (-105) also for a category, an entry, or a register of more than 512 bytes
  */
 OVI_API oviErr OVI_CALL oviGetFeature(uint64_t handle, const char* name, char* text);
@@ -803,17 +975,30 @@ OVI_API oviErr OVI_CALL oviGetFeature(uint64_t handle, const char* name, char* t
 /**
  * Writes any feature of the camera from text.
  *
- * @param text  booleans: "0" or "1". Integers: decimal, or hexadecimal after an "x". Floats: digits, "-" and ".",
- * without exponent. Enumerations: an entry's name. Commands: anything, the command is executed, up to five times while
- * that fails. Registers: 512 bytes, whatever they hold
+ * @param handle,name  which feature, see above
+ * @param text         booleans: "0" or "1". Integers: decimal, or hexadecimal after an "x". Floats: digits, "-" and
+ *                     ".", without exponent. Enumerations: an entry's name. Commands: anything, the command is
+ *                     executed, up to five times while that fails. Registers: 512 bytes, whatever they hold
  * @return as above; InvalidParameter (-105) also for a text that does not suit the feature
  */
 OVI_API oviErr OVI_CALL oviSetFeature(uint64_t handle, const char* name, const char* text);
 
-/** As oviGetFeature, on any module. @param text  receives the text; room for 512 bytes; empty after a failure */
+/**
+ * As oviGetFeature, on any module.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param text                  receives the text; room for 512 bytes; empty after a failure
+ * @return as oviGetFeature
+ */
 OVI_API oviErr OVI_CALL oviGetFeatureOnModule(uint64_t handle, const char* name, char* text, uint32_t selector);
 
-/** As oviSetFeature, on any module. */
+/**
+ * As oviSetFeature, on any module.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @param text                  as for oviSetFeature
+ * @return as oviSetFeature
+ */
 OVI_API oviErr OVI_CALL oviSetFeatureOnModule(uint64_t handle, const char* name, const char* text, uint32_t selector);
 
 /**
@@ -824,10 +1009,19 @@ OVI_API oviErr OVI_CALL oviSetFeatureOnModule(uint64_t handle, const char* name,
  * @param buffer   receives the bytes; those of a big-endian camera in reverse order, so that a number of that size is
  *                 right on a little-endian machine
  * @param length   bytes, not 0
+ * @return as above; NotFound (-104) for a handle that is no device's
  */
 OVI_API oviErr OVI_CALL oviReadMemory(uint64_t handle, uint64_t address, uint8_t* buffer, uint64_t length);
 
-/** The other way round: writes memory of a camera. */
+/**
+ * Writes memory of a camera.
+ *
+ * @param handle   a device
+ * @param address  in the camera's register space
+ * @param buffer   the bytes, in the order in which oviReadMemory gives them
+ * @param length   bytes, not 0
+ * @return as oviReadMemory
+ */
 OVI_API oviErr OVI_CALL oviWriteMemory(uint64_t handle, uint64_t address, const uint8_t* buffer, uint64_t length);
 
 /**
@@ -837,6 +1031,7 @@ OVI_API oviErr OVI_CALL oviWriteMemory(uint64_t handle, uint64_t address, const 
  * @param address  decimal, or hexadecimal after an "x"; InvalidParameter (-105) for another text
  * @param value    receives the number in hexadecimal with 0x; room for 11 bytes
  * @param direct   not 0: the register at the address itself; 0: through the camera's indirect register pair
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviGetRegisterValue(uint64_t handle, const char* address, char* value, uint32_t direct);
 
@@ -847,6 +1042,7 @@ OVI_API oviErr OVI_CALL oviGetRegisterValue(uint64_t handle, const char* address
  * @param address  as above
  * @param value    decimal, or hexadecimal after an "x"; InvalidParameter (-105) for another text
  * @param direct   as above
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviSetRegisterValue(uint64_t handle, const char* address, const char* value, uint32_t direct);
 
@@ -856,6 +1052,7 @@ OVI_API oviErr OVI_CALL oviSetRegisterValue(uint64_t handle, const char* address
  * @param handle        a device for OVI_MODULE_REMOTE_DEVICE; else the module itself
  * @param selector      OVI_MODULE_REMOTE_DEVICE asks the camera; any other one the module of the handle, not one above
  * @param littleEndian  receives the answer
+ * @return as above
  */
 OVI_API oviErr OVI_CALL oviIsModuleLittleEndian(uint64_t handle, int32_t selector, bool* littleEndian);
 
@@ -863,27 +1060,41 @@ OVI_API oviErr OVI_CALL oviIsModuleLittleEndian(uint64_t handle, int32_t selecto
  * Has a callback called when a feature may have changed: because it or one that it depends on was written, or because a
  * polled value was read anew. One callback a feature; a later registration replaces the earlier.
  *
- * @param context   handed to the callback; with null it is not called
- * @param callback  called on the thread that changed the feature or on one of the library's own, until
- *                  oviUnRegisterInvalidateCB or the module's closing
+ * @param handle,name,selector  which feature, see above
+ * @param context               handed to the callback; with null it is not called
+ * @param callback              called on the thread that changed the feature or on one of the library's own, until
+ *                              oviUnRegisterInvalidateCB or the module's closing
  * @return as above, but Success also for a name that no category of the module leads to: it is never called then
  */
 OVI_API oviErr OVI_CALL oviRegisterInvalidateCB(uint64_t handle, const char* name, void* context,
                                                 oviInvalidateCallback callback, uint32_t selector);
 
-/** Ends the calls. @return as above, but Success also for a feature without a callback */
+/**
+ * Ends the calls of a callback of oviRegisterInvalidateCB. One that is under way on another thread may still be running
+ * when this returns.
+ *
+ * @param handle,name,selector  which feature, see above
+ * @return as above, but Success also for a feature without a callback
+ */
 OVI_API oviErr OVI_CALL oviUnRegisterInvalidateCB(uint64_t handle, const char* name, uint32_t selector);
 
-/* ---- Acquisition --------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Acquisition ------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup acquisition Acquisition
  *
  * A stream has a pool of buffers. A buffer is filled by the producer, handed to the application, and used again when
  * the application gives it back. Pixels are never copied.
+ * @{
  */
 
 /**
  * Counts the data streams of a device.
  *
- * @param count  receives the number
+ * @param deviceHandle  of oviOpenDevice
+ * @param count         receives the number
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle
  * @threads any
  */
@@ -892,8 +1103,9 @@ OVI_API oviErr OVI_CALL oviGetNumberOfDataStreams(uint64_t deviceHandle, uint32_
 /**
  * Describes a data stream of a device.
  *
- * @param streamIndex  0 up to the number of oviGetNumberOfDataStreams
- * @param info         receives the record; cleared first
+ * @param deviceHandle  of oviOpenDevice
+ * @param streamIndex   0 up to the number of oviGetNumberOfDataStreams
+ * @param info          receives the record; cleared first
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle or an
  *         index too large
  * @threads any
@@ -903,6 +1115,7 @@ OVI_API oviErr OVI_CALL oviGetDataStreamInfo(uint64_t deviceHandle, uint32_t str
 /**
  * Opens a data stream and gives it its buffers, all queued.
  *
+ * @param deviceHandle  of oviOpenDevice
  * @param streamIndex   0 up to the number of oviGetNumberOfDataStreams
  * @param streamHandle  receives the stream's handle. It is given out also when the buffers fail; the application closes
  *                      it with oviCloseDataStream
@@ -910,7 +1123,7 @@ OVI_API oviErr OVI_CALL oviGetDataStreamInfo(uint64_t deviceHandle, uint32_t str
  * @param bufferSize    bytes of each; 0 for what an image needs now
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown device;
  *         OutOfMemory (-122) or ResourceExhausted (-121) when not all buffers could be had; other errors of the
- * producer
+ *         producer
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviCreateDataStream(uint64_t deviceHandle, uint32_t streamIndex, uint64_t* streamHandle,
@@ -930,7 +1143,9 @@ OVI_API oviErr OVI_CALL oviCloseDataStream(uint64_t streamHandle);
  * Gives all streams of a device new buffers when theirs are too small for the images that the camera sends now. To be
  * called after a change of the image's size or format. Records keep their addresses, buffers get new handles.
  *
- * @return Success, also when there was nothing to do; NotInitialized (-100); the producer's last error
+ * @param deviceHandle  of oviOpenDevice
+ * @return Success, also when there was nothing to do; NotInitialized (-100); NotFound (-104) for an unknown handle; the
+ *         producer's last error
  * @threads any; not while the acquisition is running, nor while images are with the application
  */
 OVI_API oviErr OVI_CALL oviCheckAndReallocBuffers(uint64_t deviceHandle);
@@ -938,8 +1153,10 @@ OVI_API oviErr OVI_CALL oviCheckAndReallocBuffers(uint64_t deviceHandle);
 /**
  * Starts the acquisition: the streams first, then, with the transport layer's features locked, the camera.
  *
- * @param imageCount  images to acquire on each stream; OVI_INFINITE_IMAGES for no end
- * @return the result of the camera's "AcquisitionStart". A stream that does not start is logged
+ * @param deviceHandle  of oviOpenDevice
+ * @param imageCount    images to acquire on each stream; OVI_INFINITE_IMAGES for no end
+ * @return the result of the camera's "AcquisitionStart". A stream that does not start is logged. NotInitialized (-100);
+ *         NotFound (-104) for an unknown handle
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviStartAcquisition(uint64_t deviceHandle, uint32_t imageCount);
@@ -948,18 +1165,28 @@ OVI_API oviErr OVI_CALL oviStartAcquisition(uint64_t deviceHandle, uint32_t imag
  * Stops the acquisition: the camera first, then the streams. All buffers are queued for the next start, those that were
  * filled and not fetched too. Waits for images end with Aborted (-109).
  *
- * @return Success, or the code of the last step that failed; all steps are done in any case
+ * @param deviceHandle  of oviOpenDevice
+ * @return Success, or the code of the last step that failed: all steps are done in any case. NotInitialized (-100);
+ *         NotFound (-104) for an unknown handle
  * @threads any, also while others wait for images
  */
 OVI_API oviErr OVI_CALL oviStopAcquisition(uint64_t deviceHandle);
 
-/** The same without waiting for the image that is being transferred, and with the camera's "AcquisitionAbort". */
+/**
+ * Stops the acquisition without waiting for the image that is being transferred, and with the camera's
+ * "AcquisitionAbort".
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return as oviStopAcquisition
+ * @threads any, also while others wait for images
+ */
 OVI_API oviErr OVI_CALL oviAbortAcquisition(uint64_t deviceHandle);
 
 /**
  * Tells the number of bytes of an image, from the camera's "PayloadSize".
  *
- * @param size  receives the bytes
+ * @param deviceHandle  of oviOpenDevice
+ * @param size          receives the bytes
  * @return as the feature functions
  * @threads any
  */
@@ -985,22 +1212,25 @@ OVI_API oviErr OVI_CALL oviRegisterEvent(uint64_t moduleHandle, uint32_t kind, u
  *
  * Allocates nothing and holds no lock while it waits for an image.
  *
- * @param timeout  milliseconds; OVI_INFINITE_TIMEOUT waits for ever, 0 does not wait
- * @param data     receives the record: an oviNewBufferEventData for OVI_EVENT_NEW_BUFFER, else an oviEventData. It
- *                 belongs to the library. That of an image stays as it is until the buffer is released; that of another
- *                 event until the next wait for it. Untouched unless an image arrived
+ * @param eventHandle  of oviRegisterEvent
+ * @param timeout      milliseconds; OVI_INFINITE_TIMEOUT waits for ever, 0 does not wait
+ * @param data         receives the record: an oviNewBufferEventData for OVI_EVENT_NEW_BUFFER, else an oviEventData. It
+ *                     belongs to the library. That of an image stays as it is until the buffer is released, and the
+ *                     pointer is untouched unless an image arrived; that of another event stays until the next wait for
+ *                     it
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0 or null; NotFound (-104) for an unknown handle;
  *         Timeout (-108), a normal outcome; Aborted (-109) after oviEventKill, a stop or a closing; InvalidBuffer
- * (-114) when an image arrived incomplete, and its buffer is queued again already; the producer's error
+ *         (-114) when an image arrived incomplete, and its buffer is queued again already; the producer's error
  * @threads any; one waiter an event gets an image, several share them out
  */
 OVI_API oviErr OVI_CALL oviWaitForEvent(uint64_t eventHandle, uint64_t timeout, void** data);
 
 /**
- * The same for images, into a record of the application's own.
+ * Waits for an image as oviWaitForEvent does, and copies its record into one of the application's own.
  *
- * @param record   receives a copy of the record; cleared first. oviReleaseImage takes the copy
- * @param timeout  milliseconds, as above
+ * @param eventHandle  of oviRegisterEvent
+ * @param record       receives a copy of the record; cleared first. oviReleaseImage takes the copy
+ * @param timeout      milliseconds, as above
  * @return as oviWaitForEvent; Success with an empty record for an event of another kind
  * @threads as oviWaitForEvent
  */
@@ -1013,7 +1243,7 @@ OVI_API oviErr OVI_CALL oviGetNextImage(uint64_t eventHandle, oviNewBufferEventD
  * @param record        the record of the image, or a copy of it; read only
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0 or null; NotFound (-104) for a buffer that is
  *         unknown, as after the stream's closing; the producer's error for a buffer that is queued already. A stream
- * that is unknown is logged only
+ *         that is unknown is logged only
  * @threads any; nobody may use the image any more
  */
 OVI_API oviErr OVI_CALL oviReleaseImage(uint64_t streamHandle, oviNewBufferEventData* record);
@@ -1021,6 +1251,7 @@ OVI_API oviErr OVI_CALL oviReleaseImage(uint64_t streamHandle, oviNewBufferEvent
 /**
  * Ends the waits for an event that are under way on other threads, with Aborted (-109), and drops what is queued.
  *
+ * @param eventHandle  of oviRegisterEvent
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0; NotFound (-104); the producer's error
  * @threads any
  */
@@ -1038,7 +1269,8 @@ OVI_API oviErr OVI_CALL oviUnregisterEvent(uint64_t eventHandle);
 /**
  * Tells how a stream is doing.
  *
- * @param statistics  receives the counters; cleared first; -1 where the producer does not count
+ * @param streamHandle  of oviCreateDataStream
+ * @param statistics    receives the counters; cleared first; -1 where the producer does not count
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104); the producer's error
  * @threads any
  */
@@ -1054,10 +1286,11 @@ OVI_API oviErr OVI_CALL oviGetAcquisitionStatistics(uint64_t streamHandle, oviAc
 OVI_API uint32_t OVI_CALL oviBitsPerPixelFromFormat(uint32_t pixelFormat);
 
 /**
- * Sets the format and size of a camera's images, and what the scan functions below do.
+ * Sets the format and size of a camera's images and, for the whole process, what the scan functions below do.
  *
+ * @param deviceHandle  of oviOpenDevice
  * @param image         pixelFormat, width and height, each set unless 0; a pixel format that the library has no name
- * for is set to "RGB8". The other fields do not matter
+ *                      for is set to "RGB8". The other fields do not matter
  * @param timeout       milliseconds that a scan waits for an image; 0 to keep the one set before, at first 3000
  * @param filterDriver  whether a scan has the S2i producer use its filter driver; at first 1
  * @param scanFlag      whether a scan takes another image when one is not as high as the camera's "Height"; at first 0
@@ -1070,6 +1303,7 @@ OVI_API oviErr OVI_CALL oviSetImageParameter(uint64_t deviceHandle, oviImageInfo
 /**
  * Raises a GigE camera's packet size to its maximum.
  *
+ * @param deviceHandle  of oviOpenDevice
  * @return Success, also when it is there already; else as the feature functions
  * @threads any
  */
@@ -1078,7 +1312,8 @@ OVI_API oviErr OVI_CALL oviSetDeviceMaxPacketSize(uint64_t deviceHandle);
 /**
  * Tells whether a camera is in its maintenance mode.
  *
- * @param enabled  receives 0 or 1
+ * @param deviceHandle  of oviOpenDevice
+ * @param enabled       receives 0 or 1
  * @return as oviReadMemory
  * @threads any
  */
@@ -1087,28 +1322,36 @@ OVI_API oviErr OVI_CALL oviGetMaintenanceMode(uint64_t deviceHandle, uint8_t* en
 /**
  * Switches a camera's maintenance mode. Tries up to three times, half a second apart.
  *
- * @param enable   0 or 1
- * @param address  of the mode's register; all ones for the usual one
- * @param value    what switches it on; all ones for the usual one
+ * @param deviceHandle  of oviOpenDevice
+ * @param enable        0 or 1
+ * @param address       of the mode's register; all ones for the usual one
+ * @param value         what switches it on; all ones for the usual one
  * @return as oviReadMemory and oviWriteMemory
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviSetMaintenanceMode(uint64_t deviceHandle, uint8_t enable, uint64_t address, uint32_t value);
 
-/* ---- Scan helpers -------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Scan helpers ------------------------------------------------------------------------------------------------ */
+
+/**
+ * @defgroup scan Scan helpers
  *
  * Images without streams and events: each call opens a stream, takes its images and closes it. They block the calling
  * thread and report what goes wrong on standard output too.
+ * @{
  */
 
 /**
  * Takes images until there are enough of them, the time is over, or oviScanImgStop is called.
  *
- * @param callback     receives each image, on the calling thread; the image is given back when it returns
- * @param imageNumber  with OVI_SCAN_IMAGES: how many
- * @param mode         OVI_SCAN_IMAGES or OVI_SCAN_MINUTES; either with OVI_SCAN_CHECK_PATTERN to compare every image
- *                     with the camera's test pattern
- * @param minutes      with OVI_SCAN_MINUTES: how long
+ * @param deviceHandle  of oviOpenDevice
+ * @param callback      receives each image, on the calling thread; the image is given back when it returns
+ * @param imageNumber   with OVI_SCAN_IMAGES: how many
+ * @param mode          OVI_SCAN_IMAGES or OVI_SCAN_MINUTES; either with OVI_SCAN_CHECK_PATTERN to compare every image
+ *                      with the camera's test pattern
+ * @param minutes       with OVI_SCAN_MINUTES: how long
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for an impossible argument; InvalidValue (-120) for a
  *         pixel format that cannot be compared; ResourceExhausted (-121) when images were lost that should have been
  *         compared; Timeout (-108) when no image comes or the camera does not stop; the code of the step that failed
@@ -1121,6 +1364,7 @@ OVI_API oviErr OVI_CALL oviScanImg(uint64_t deviceHandle, oviScanCallback callba
  * Ends the scan that is running on a device, after the image that it is at. One that has not started yet is not
  * touched.
  *
+ * @param deviceHandle  of oviOpenDevice
  * @return Success; NotInitialized (-100)
  * @threads any
  */
@@ -1129,8 +1373,9 @@ OVI_API oviErr OVI_CALL oviScanImgStop(uint64_t deviceHandle);
 /**
  * Takes one image.
  *
- * @param destination  receives the pixels; room for the whole image, see oviGetImageSize
- * @return Success; NotInitialized (-100); the code of the step that failed
+ * @param deviceHandle  of oviOpenDevice
+ * @param destination   receives the pixels; room for the whole image, see oviGetImageSize
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; the code of the step that failed
  * @threads any; one scan at a time, since oviGetLastImageInfo is one for the process
  */
 OVI_API oviErr OVI_CALL oviScanImage(uint64_t deviceHandle, uint8_t* destination);
@@ -1138,11 +1383,12 @@ OVI_API oviErr OVI_CALL oviScanImage(uint64_t deviceHandle, uint8_t* destination
 /**
  * Takes images one at a time, and keeps the stream open between them.
  *
- * @param phase   0 opens stream and event; 1 takes one image and releases the one before; 2 releases and closes
- * @param stream  the application's variable for the stream's handle, the same in all phases
- * @param event   the application's variable for the event's handle, the same in all phases
- * @param record  the application's record of the image, the same in all phases; zeros at first
- * @return Success; NotInitialized (-100); the first failure. Other phases do nothing
+ * @param deviceHandle  of oviOpenDevice
+ * @param phase         0 opens stream and event; 1 takes one image and releases the one before; 2 releases and closes
+ * @param stream        the application's variable for the stream's handle, the same in all phases
+ * @param event         the application's variable for the event's handle, the same in all phases
+ * @param record        the application's record of the image, the same in all phases; zeros at first
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; the first failure. Other phases do nothing
  * @threads any; one scan at a time
  */
 OVI_API oviErr OVI_CALL oviScanImageCont(uint64_t deviceHandle, uint32_t phase, uint64_t* stream, uint64_t* event,
@@ -1151,11 +1397,12 @@ OVI_API oviErr OVI_CALL oviScanImageCont(uint64_t deviceHandle, uint32_t phase, 
 /**
  * Takes one image from each of a device's first streams.
  *
- * @param streamCount   number of streams
+ * @param deviceHandle  of oviOpenDevice
+ * @param streamCount   number of streams, not 0
  * @param destinations  for each stream, where its pixels go, with room for the whole image; null for none
  * @param infos         for each stream, receives the image's geometry; null for none at all
- * @return Success; NotInitialized (-100); NoImageDataAvailable (-103) when a stream delivered nothing in time, with the
- *         images of the others copied; the code of the step that failed
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for no streams; NoImageDataAvailable (-103) when a
+ *         stream delivered nothing in time, with the images of the others copied; the code of the step that failed
  * @threads any; one scan a device
  */
 OVI_API oviErr OVI_CALL oviScanStreamImage(uint64_t deviceHandle, uint32_t streamCount, uint8_t* const* destinations,
@@ -1170,21 +1417,28 @@ OVI_API oviErr OVI_CALL oviScanStreamImage(uint64_t deviceHandle, uint32_t strea
  */
 OVI_API oviErr OVI_CALL oviGetLastImageInfo(oviImageInfo* info);
 
-/* ---- File transfer ------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- File transfer ----------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup transfer File transfer
  *
  * A camera has files, each with a name that its feature "FileSelector" lists. Feature caching is off during a transfer.
+ * @{
  */
 
 /**
  * Writes a file of this machine into a camera's file: firmware, tables, settings.
  *
+ * @param deviceHandle      of oviOpenDevice
  * @param filePath          the file to read
  * @param fileSelector      the camera's file; oviGetUpdateFileType knows which one suits
  * @param timeout           milliseconds that the camera may be silent
  * @param progressFunction  told about the progress on the calling thread, and may stop the transfer; null for nobody
  * @param progressContext   handed to the function
  * @return Success: the camera said so. NotInitialized (-100); InvalidParameter (-105) for null or a file that the
- * camera does not have; NotFound (-104) for an unknown device; Aborted (-109) when the function stopped it;
+ *         camera does not have; NotFound (-104) for an unknown device; Aborted (-109) when the function stopped it;
  *         FileOperationFailure (-110) when the file cannot be read or the camera refuses it; the code of the feature
  *         that failed
  * @threads any; one transfer a device, and nobody else at its file features
@@ -1196,10 +1450,11 @@ OVI_API oviErr OVI_CALL oviFileDownloadToDevice(uint64_t deviceHandle, const cha
 /**
  * Reads a camera's file into a file of this machine, which appears only when it is complete and its checksum is right.
  *
+ * @param deviceHandle      of oviOpenDevice
  * @param filePath          the file to write; one that exists is replaced
  * @param fileSelector      the camera's file
  * @param timeout           milliseconds that the camera may be silent
- * @param progressFunction  as above
+ * @param progressFunction  told about the progress, as in oviFileDownloadToDevice; null for nobody
  * @param progressContext   handed to the function
  * @return as oviFileDownloadToDevice
  * @threads as oviFileDownloadToDevice
@@ -1211,9 +1466,10 @@ OVI_API oviErr OVI_CALL oviFileUploadFromDevice(uint64_t deviceHandle, const cha
 /**
  * Tells from a file's first bytes which of the camera's files it is meant for.
  *
- * @param filePath  the file to look at
- * @param type      receives the name, cut when it does not fit; untouched when the file is of no known type
- * @param typeSize  bytes at `type`
+ * @param deviceHandle  of oviOpenDevice
+ * @param filePath      the file to look at
+ * @param type          receives the name, cut when it does not fit; untouched when the file is of no known type
+ * @param typeSize      bytes at `type`
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or size 0; NotFound (-104) for an unknown
  *         device
  * @threads any
@@ -1221,7 +1477,12 @@ OVI_API oviErr OVI_CALL oviFileUploadFromDevice(uint64_t deviceHandle, const cha
 OVI_API oviErr OVI_CALL oviGetUpdateFileType(uint64_t deviceHandle, const char* filePath, char* type,
                                              uint64_t typeSize);
 
-/* ---- Recording ----------------------------------------------------------------------------------------------------
+/** @} */
+
+/* ---- Recording --------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup recording Recording
  *
  * Some producers can record images and play them back. What the pointers point to is theirs: see their documentation.
  * The functions share these results:
@@ -1233,53 +1494,130 @@ OVI_API oviErr OVI_CALL oviGetUpdateFileType(uint64_t deviceHandle, const char* 
  * catch it, so ask oviNimboIsRecordingAvailable first.
  *
  * @threads as the producer allows
+ * @{
  */
 
-/** Tells whether the device can record. Throws nothing. @return false also without oviInit or a device */
+/**
+ * Tells whether the device can record. Throws nothing.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return whether it can; false also without oviInit or a device
+ */
 OVI_API bool OVI_CALL oviNimboIsRecordingAvailable(uint64_t deviceHandle);
 
-/** Starts recording. */
+/**
+ * Starts recording.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboStartRecording(uint64_t deviceHandle);
 
-/** Ends recording. */
+/**
+ * Ends recording.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboStopRecording(uint64_t deviceHandle);
 
-/** Sets the rate of recording. @param frameRate  images a second; opening a device sets 30 */
+/**
+ * Sets the rate of recording.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param frameRate     images a second; opening a device sets 30
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboSetFrameRate(uint64_t deviceHandle, uint32_t frameRate);
 
-/** Decides whether recorded images are converted to RGB. */
+/**
+ * Decides whether recorded images are converted to RGB.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param enabled       whether they are
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboSetRGBConversionEnabled(uint64_t deviceHandle, bool enabled);
 
-/** Opens what was recorded. @param argument  handed to the producer */
+/**
+ * Opens what was recorded.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param argument      handed to the producer
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboOpenRecordings(uint64_t deviceHandle, void* argument);
 
-/** Tells what was recorded. @param info  a record of the producer's */
+/**
+ * Tells what was recorded.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param info          a record of the producer's
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboGetRecordsInfo(uint64_t deviceHandle, void* info);
 
-/** Selects a recording. @param index  its position, from 0 */
+/**
+ * Selects a recording.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param index         its position, from 0
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboSelectRecording(uint64_t deviceHandle, uint32_t index);
 
-/** Describes a recording. @param index  its position, from 0  @param data  a record of the producer's */
+/**
+ * Describes a recording.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param index         its position, from 0
+ * @param data          a record of the producer's
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboGetRecordingData(uint64_t deviceHandle, uint32_t index, void* data);
 
 /**
  * Reads the next image of the selected recording.
  *
- * @param argument  handed to the producer
+ * @param deviceHandle  of oviOpenDevice
+ * @param argument      handed to the producer
  * @return the producer's reference to the image, given back with oviNimboFreeRecordImage; 0 without oviInit or a device
  */
 OVI_API uint64_t OVI_CALL oviNimboReadRecording(uint64_t deviceHandle, void* argument);
 
-/** Gives an image back. @param image  the reference of oviNimboReadRecording */
+/**
+ * Gives an image back.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @param image         the reference of oviNimboReadRecording
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboFreeRecordImage(uint64_t deviceHandle, void* image);
 
-/** Closes what was recorded. */
+/**
+ * Closes what was recorded.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboCloseRecordings(uint64_t deviceHandle);
 
-/** Deletes what was recorded. */
+/**
+ * Deletes what was recorded.
+ *
+ * @param deviceHandle  of oviOpenDevice
+ * @return as above
+ */
 OVI_API int32_t OVI_CALL oviNimboClearAllRecordings(uint64_t deviceHandle);
 
+/** @} */
+
 /* ---- Diagnostics ------------------------------------------------------------------------------------------------- */
+
+/**
+ * @defgroup diagnostics Diagnostics
+ * @{
+ */
 
 /**
  * Has a report written into the folder for temporary files when the process crashes: a mini-dump on Windows, where a
@@ -1291,6 +1629,9 @@ OVI_API int32_t OVI_CALL oviNimboClearAllRecordings(uint64_t deviceHandle);
  */
 OVI_API int32_t OVI_CALL oviRegisterDebugExceptionHandler(void);
 
+/** @} */
+
+/** @cond */
 /* ---- Layout -------------------------------------------------------------------------------------------------------
  *
  * Applications in other languages rebuild the records from these numbers.
@@ -1433,5 +1774,6 @@ OVI_ASSERT_AT(oviFileTransferProgress, message, 24);
 #if defined(__cplusplus)
 }
 #endif
+/** @endcond */
 
 #endif

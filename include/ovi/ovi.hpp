@@ -1,3 +1,4 @@
+/// @file
 /// The library in C++17: owners that close what they opened, results as exceptions, features with types, images as
 /// ranges.
 ///
@@ -27,6 +28,7 @@
 
 #include "ovi/ovi.h"
 
+/// Everything of this layer.
 namespace ovi {
 
 // ---- Results ----
@@ -45,6 +47,7 @@ inline const std::error_category& category() {
   return instance;
 }
 
+/// A result of the C interface as a std::error_code.
 inline std::error_code makeErrorCode(oviErr code) {
   return {code, category()};
 }
@@ -62,21 +65,26 @@ enum class Errc : oviErr {
   kIo = OVI_ERR_IO,
   kBusy = OVI_ERR_BUSY
 };
+/// What makes `error == ovi::Errc::kTimeout` work.
 inline std::error_code make_error_code(Errc code) {
   return makeErrorCode(static_cast<oviErr>(code));
 }
 
 }  // namespace ovi
 
+/// @cond
 template<>
 struct std::is_error_code_enum<ovi::Errc> : std::true_type {};
+/// @endcond
 
 namespace ovi {
 
 /// A function of the library failed; code() says how, what() names the function and the thing.
 class Error : public std::system_error {
  public:
+  /// The result, and the function with its subject.
   Error(oviErr code, const std::string& what) : std::system_error(makeErrorCode(code), what), result_(code) {}
+  /// The result as the C interface gave it.
   oviErr result() const noexcept { return result_; }
 
  private:
@@ -93,11 +101,13 @@ inline void check(oviErr code, const char* function, std::string_view subject = 
   throw Error(code, text);
 }
 
+/// Time-outs.
 using Milliseconds = std::chrono::milliseconds;
 
 /// A time-out that never passes.
 inline constexpr Milliseconds kForever = Milliseconds::max();
 
+/// @cond
 namespace detail {
 
 inline std::uint64_t timeoutValue(Milliseconds timeout) {
@@ -107,13 +117,18 @@ inline std::uint64_t timeoutValue(Milliseconds timeout) {
 }
 
 }  // namespace detail
+/// @endcond
 
 // ---- The library ----
 
+/// Levels of the log; each one includes those before it.
 enum class LogLevel : std::uint32_t { kNone = 0, kError = 1, kWarning = 2, kInfo = 4, kDebug = 8, kVerbose = 16 };
 
+/// A camera of the latest discovery.
 using DeviceInfo = oviDeviceInfo;
+/// Receives a line of the log.
 using LogFunction = std::function<void(LogLevel, std::string_view)>;
+/// Receives the progress of a discovery.
 using DiscoveryFunction = std::function<void(const oviDiscoveryInfo&)>;
 
 /// Initialises the library and closes it again. One at a time in a process.
@@ -122,6 +137,7 @@ using DiscoveryFunction = std::function<void(const oviDiscoveryInfo&)>;
 /// whatever thread logs, one call at a time; an exception that leaves it is dropped.
 class Library {
  public:
+  /// Initialises the library.
   explicit Library(LogLevel level = LogLevel::kWarning, LogFunction log = {}) {
     LogSlot& slot = logSlot();
     {
@@ -180,6 +196,7 @@ class Library {
     return paths;
   }
 
+  /// The library's version, "1.2.3".
   static std::string version() {
     std::uint32_t major = 0;
     std::uint32_t minor = 0;
@@ -241,17 +258,20 @@ enum class Module : std::uint32_t {
   kBuffer = OVI_MODULE_BUFFER
 };
 
+/// Everything about one feature.
 using FeatureParameter = oviFeatureParameter;
 
 /// One feature by its name: a reference that costs nothing until it is used. Outlives neither its module nor the
 /// library. `device["Width"].get<std::int64_t>()` reads it, `device["Width"].set(640)` writes it.
 class Feature {
  public:
+  /// The feature of that name of a module that is found from the handle.
   Feature(std::uint64_t handle, Module module, std::string name)
       : handle_(handle),
         module_(module),
         name_(std::move(name)) {}
 
+  /// Its name.
   const std::string& name() const noexcept { return name_; }
 
   /// The value as the type that its kind of feature has: bool, an integer, a floating-point number, std::string (of
@@ -269,16 +289,19 @@ class Feature {
     else
       return T(asRegister());
   }
+  /// An integer's value.
   std::int64_t asInt() const {
     std::int64_t value = 0;
     check(oviGetFeatureInt(handle_, name_.c_str(), &value, selector()), "oviGetFeatureInt", name_);
     return value;
   }
+  /// A float's value.
   double asFloat() const {
     double value = 0;
     check(oviGetFeatureFloat(handle_, name_.c_str(), &value, selector()), "oviGetFeatureFloat", name_);
     return value;
   }
+  /// A boolean's value.
   bool asBool() const {
     bool value = false;
     check(oviGetFeatureBool(handle_, name_.c_str(), &value, selector()), "oviGetFeatureBool", name_);
@@ -299,6 +322,7 @@ class Feature {
     check(oviGetFeatureOnModule(handle_, name_.c_str(), value, selector()), "oviGetFeatureOnModule", name_);
     return value;
   }
+  /// A register's bytes.
   std::vector<std::uint8_t> asRegister() const {
     std::int64_t length = 0;
     check(oviGetFeatureReg(handle_, name_.c_str(), nullptr, &length, selector()), "oviGetFeatureReg", name_);
@@ -324,8 +348,11 @@ class Feature {
   void set(const std::string& value) const {
     check(oviSetFeatureString(handle_, name_.c_str(), value.c_str(), selector()), "oviSetFeatureString", name_);
   }
+  /// The same.
   void set(std::string_view value) const { set(std::string(value)); }
+  /// The same.
   void set(const char* value) const { set(std::string(value)); }
+  /// A register's bytes.
   void set(const std::vector<std::uint8_t>& value) const {
     check(oviSetFeatureReg(handle_, name_.c_str(), value.data(), static_cast<std::int64_t>(value.size()), selector()),
           "oviSetFeatureReg", name_);
@@ -351,6 +378,7 @@ class Feature {
     check(oviGetFeatureParameter(handle_, name_.c_str(), &record, selector()), "oviGetFeatureParameter", name_);
     return record;
   }
+  /// Whether the module has a feature of that name.
   bool exists() const {
     FeatureParameter record{};
     return oviGetFeatureParameter(handle_, name_.c_str(), &record, selector()) != OVI_ERR_NOT_FOUND;
@@ -390,7 +418,7 @@ class Feature {
 
 /// A feature and its place in the tree of a module's features.
 struct TreeFeature {
-  Feature feature;
+  Feature feature;      ///< The feature
   std::uint32_t type;   ///< OVI_FEATURE_...
   std::uint32_t depth;  ///< 0 below "Root"
 };
@@ -428,8 +456,10 @@ inline std::vector<TreeFeature> featureTree(std::uint64_t handle, Module module)
 /// the same feature replaces the first.
 class FeatureWatch {
  public:
+  /// What is called, with the feature's name.
   using Function = std::function<void(const char* name)>;
 
+  /// Watches the feature of that name from now on.
   FeatureWatch(std::uint64_t handle, Module module, std::string name, Function changed)
       : handle_(handle),
         module_(module),
@@ -454,6 +484,7 @@ class FeatureWatch {
     const std::lock_guard<std::recursive_mutex> lock(target_->mutex);
     target_->ended = true;
   }
+  /// The watch goes on from here.
   FeatureWatch(FeatureWatch&&) = default;
   FeatureWatch& operator=(FeatureWatch&&) = delete;
 
@@ -507,9 +538,12 @@ class FeatureWatch {
 /// or after it was moved from.
 class Image {
  public:
+  /// Takes over a record of oviWaitForEvent.
   Image(std::uint64_t stream, oviNewBufferEventData* record) noexcept : stream_(stream), record_(record) {}
   ~Image() { release(); }
+  /// The other one has nothing to give back any more.
   Image(Image&& other) noexcept : stream_(other.stream_), record_(std::exchange(other.record_, nullptr)) {}
+  /// Gives back what was there before.
   Image& operator=(Image&& other) noexcept {
     if (this != &other) {
       release();
@@ -519,18 +553,22 @@ class Image {
     return *this;
   }
 
+  /// The pixels.
   const std::uint8_t* data() const noexcept { return static_cast<const std::uint8_t*>(record_->event.value); }
+  /// Bytes that are filled.
   std::size_t size() const noexcept { return static_cast<std::size_t>(record_->event.valueSize); }
-  std::uint32_t width() const noexcept { return record_->width; }
-  std::uint32_t height() const noexcept { return record_->height; }
-  std::uint32_t linePitch() const noexcept { return record_->linePitch; }
-  std::uint32_t channels() const noexcept { return record_->channels; }
+  std::uint32_t width() const noexcept { return record_->width; }          ///< Pixels
+  std::uint32_t height() const noexcept { return record_->height; }        ///< Pixels
+  std::uint32_t linePitch() const noexcept { return record_->linePitch; }  ///< Bytes a line
+  std::uint32_t channels() const noexcept { return record_->channels; }    ///< 1, 3 or 4
+  /// A code of the Pixel Format Naming Convention.
   std::uint32_t pixelFormat() const noexcept { return record_->pixelFormat; }
-  std::uint64_t frameID() const noexcept { return record_->frameID; }
+  std::uint64_t frameID() const noexcept { return record_->frameID; }  ///< A gap means lost images
   /// When it was delivered, on the library's monotonic clock.
   std::chrono::nanoseconds timestamp() const noexcept {
     return std::chrono::nanoseconds(static_cast<std::int64_t>(record_->timestampNs));
   }
+  /// The record of the C interface.
   const oviNewBufferEventData& record() const noexcept { return *record_; }
 
   /// Gives the buffer back now.
@@ -547,6 +585,7 @@ class Image {
 /// A registered event.
 class Event {
  public:
+  /// Registers the event; the kind is OVI_EVENT_...
   Event(std::uint64_t moduleHandle, std::uint32_t kind, Module module) {
     check(oviRegisterEvent(moduleHandle, kind, &handle_, static_cast<std::uint32_t>(module)), "oviRegisterEvent");
   }
@@ -554,10 +593,11 @@ class Event {
     if (handle_ != 0)
       oviUnregisterEvent(handle_);
   }
+  /// The other one is not registered any more.
   Event(Event&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
   Event& operator=(Event&&) = delete;
 
-  std::uint64_t handle() const noexcept { return handle_; }
+  std::uint64_t handle() const noexcept { return handle_; }  ///< For calls of the C interface
   /// The record of the next event; null when the time is over or the wait was ended. It belongs to the library.
   const oviEventData* wait(Milliseconds timeout) const {
     std::error_code error;
@@ -583,16 +623,17 @@ class Event {
 /// An open data stream with its buffers and its new-buffer event.
 class Stream {
  public:
-  /// @param bufferSize  bytes; 0 lets the library ask the camera
+  /// Opens the stream; a buffer size of 0 lets the library ask the camera.
   Stream(std::uint64_t deviceHandle, std::uint32_t index, std::uint32_t bufferCount, std::uint64_t bufferSize = 0)
       : handle_(open(deviceHandle, index, bufferCount, bufferSize)),
         guard_{handle_},
         event_(handle_, OVI_EVENT_NEW_BUFFER, Module::kDataStream) {}
+  /// The other one is not open any more.
   Stream(Stream&&) = default;
   Stream& operator=(Stream&&) = delete;
 
-  std::uint64_t handle() const noexcept { return handle_; }
-  const Event& event() const noexcept { return event_; }
+  std::uint64_t handle() const noexcept { return handle_; }  ///< For calls of the C interface
+  const Event& event() const noexcept { return event_; }     ///< That a buffer was filled
 
   /// The next image. Throws Error with OVI_ERR_TIMEOUT, OVI_ERR_ABORTED, or OVI_ERR_INVALID_BUFFER for an incomplete
   /// one.
@@ -608,9 +649,11 @@ class Stream {
     oviNewBufferEventData* record = wait(timeout, error);
     return error ? nullptr : std::make_unique<Image>(handle_, record);
   }
+  /// A feature of the stream, or of a module above it other than the camera.
   Feature feature(std::string name, Module module = Module::kDataStream) const {
     return {handle_, module, std::move(name)};
   }
+  /// Counters of images and packets; -1 where the producer has none.
   oviAcquistionStatistics statistics() const {
     oviAcquistionStatistics counters{};
     check(oviGetAcquisitionStatistics(handle_, &counters), "oviGetAcquisitionStatistics");
@@ -620,14 +663,16 @@ class Stream {
   /// Images one after the other: `for (ovi::Image& image : stream.images(100))`. Ends early when a wait is ended.
   class Images {
    public:
+    /// So many images, each within the time.
     Images(const Stream& stream, std::uint64_t count, Milliseconds timeout)
         : stream_(&stream),
           count_(count),
           timeout_(timeout) {}
-    struct End {};
+    struct End {};  ///< Behind the last image
     /// An input iterator: there is one position, that of the latest image.
     class Iterator {
      public:
+      /// @cond
       using iterator_category = std::input_iterator_tag;
       using value_type = Image;
       using difference_type = std::ptrdiff_t;
@@ -644,13 +689,14 @@ class Stream {
       void operator++(int) { ++*this; }
       friend bool operator==(const Iterator& at, End /*end*/) { return at.done(); }
       friend bool operator!=(const Iterator& at, End end) { return !(at == end); }
+      /// @endcond
 
      private:
       bool done() const { return images_->current_ == nullptr; }
       Images* images_;
     };
-    Iterator begin() { return Iterator(*this); }
-    End end() const { return {}; }
+    Iterator begin() { return Iterator(*this); }  ///< Waits for the first image
+    End end() const { return {}; }                ///< Behind the last one
 
    private:
     void advance() {
@@ -669,6 +715,7 @@ class Stream {
     Milliseconds timeout_;
     std::unique_ptr<Image> current_;
   };
+  /// So many images, each of which must come within the time.
   Images images(std::uint64_t count, Milliseconds timeout = Milliseconds(3000)) const {
     return {*this, count, timeout};
   }
@@ -709,6 +756,7 @@ class Stream {
 
 // ---- Devices ----
 
+/// What others may do with the camera meanwhile.
 enum class Access : std::uint32_t {
   kReadOnly = OVI_DEVICE_ACCESS_READ_ONLY,
   kControl = OVI_DEVICE_ACCESS_CONTROL,
@@ -718,6 +766,7 @@ enum class Access : std::uint32_t {
 /// A running acquisition, stopped when it is destroyed.
 class Acquisition {
  public:
+  /// Starts the acquisition.
   Acquisition(std::uint64_t deviceHandle, std::uint32_t images) : device_(deviceHandle) {
     const oviErr code = oviStartAcquisition(device_, images);
     if (code != OVI_SUCCESS)
@@ -728,6 +777,7 @@ class Acquisition {
     if (device_ != 0)
       oviStopAcquisition(device_);
   }
+  /// The other one stops nothing any more.
   Acquisition(Acquisition&& other) noexcept : device_(std::exchange(other.device_, 0)) {}
   Acquisition& operator=(Acquisition&&) = delete;
 
@@ -747,7 +797,7 @@ using TransferFunction = std::function<bool(const oviFileTransferProgress&)>;
 /// An open camera. Streams and features of it must not be used after it is gone.
 class Device {
  public:
-  /// @param id  the deviceID of a camera of the latest discovery
+  /// Opens a camera of the latest discovery by its deviceID. The time is for each update of the producer's lists.
   explicit Device(const std::string& id, Access access = Access::kExclusive,
                   Milliseconds timeout = Milliseconds(1000)) {
     check(oviOpenDevice(id.c_str(), &handle_, detail::timeoutValue(timeout), static_cast<std::uint32_t>(access)),
@@ -757,31 +807,38 @@ class Device {
     if (handle_ != 0)
       oviCloseDevice(handle_);
   }
+  /// The other one is not open any more.
   Device(Device&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}
+  /// The other one closes what was open here.
   Device& operator=(Device&& other) noexcept {
     std::swap(handle_, other.handle_);
     return *this;
   }
 
-  std::uint64_t handle() const noexcept { return handle_; }
+  std::uint64_t handle() const noexcept { return handle_; }  ///< For calls of the C interface
 
+  /// A feature of the camera, or of a module above it.
   Feature feature(std::string name, Module module = Module::kRemoteDevice) const {
     return {handle_, module, std::move(name)};
   }
+  /// A feature of the camera.
   Feature operator[](std::string name) const { return feature(std::move(name)); }
   /// All features of the camera, or of a module above it.
   std::vector<TreeFeature> features(Module module = Module::kRemoteDevice) const {
     return featureTree(handle_, module);
   }
+  /// Calls a function whenever the feature may have changed, until what it returns is destroyed.
   FeatureWatch watch(std::string name, FeatureWatch::Function changed, Module module = Module::kRemoteDevice) const {
     return {handle_, module, std::move(name), std::move(changed)};
   }
 
+  /// Number of data streams.
   std::uint32_t streamCount() const {
     std::uint32_t count = 0;
     check(oviGetNumberOfDataStreams(handle_, &count), "oviGetNumberOfDataStreams");
     return count;
   }
+  /// Opens a data stream; a buffer size of 0 lets the library ask the camera.
   Stream openStream(std::uint32_t bufferCount = 10, std::uint32_t index = 0, std::uint64_t bufferSize = 0) const {
     return {handle_, index, bufferCount, bufferSize};
   }
@@ -790,10 +847,13 @@ class Device {
 
   /// Starts the acquisition until what it returns is destroyed.
   [[nodiscard]] Acquisition acquire(std::uint32_t images = OVI_INFINITE_IMAGES) const { return {handle_, images}; }
+  /// Starts the acquisition.
   void start(std::uint32_t images = OVI_INFINITE_IMAGES) const {
     check(oviStartAcquisition(handle_, images), "oviStartAcquisition");
   }
+  /// Stops it. Waits for images end.
   void stop() const { check(oviStopAcquisition(handle_), "oviStopAcquisition"); }
+  /// Stops it without waiting for the image that is being transferred.
   void abort() const { check(oviAbortAcquisition(handle_), "oviAbortAcquisition"); }
   /// Gives the streams larger buffers when the images have grown.
   void reallocateBuffers() const { check(oviCheckAndReallocBuffers(handle_), "oviCheckAndReallocBuffers"); }
@@ -804,9 +864,11 @@ class Device {
     return static_cast<std::uint64_t>(size);
   }
 
+  /// Reads bytes of the camera's register space.
   void readMemory(std::uint64_t address, std::uint8_t* to, std::uint64_t length) const {
     check(oviReadMemory(handle_, address, to, length), "oviReadMemory");
   }
+  /// Writes bytes of the camera's register space.
   void writeMemory(std::uint64_t address, const std::uint8_t* from, std::uint64_t length) const {
     check(oviWriteMemory(handle_, address, from, length), "oviWriteMemory");
   }
