@@ -17,8 +17,9 @@
  *  - It may be called from any thread, and from several at once; none but the waits, list updates and transfers blocks
  *    for long. oviClose is the exception: nobody else may be inside the library then.
  *  - A handle that is unknown, was closed or belongs to another kind of module gives NotFound (-104).
- *  - An error of a producer comes as the result code that fits it, or, when the library knows no such code, as the
- *    producer's own; the log has a line that names the thing, what was tried and what the producer answered.
+ *  - An error of a producer comes as the result code that fits it; the log has a line that names the thing, what was
+ *    tried and what the producer answered. A status that is none of GenTL's counts as a success, except when a buffer
+ *    is queued and when a stream is stopped or flushed: there it is the result.
  *  - When a function fails, what it was to write is as it was before; handles are then not given out. Nothing is rolled
  *    back: a failure in the middle leaves the earlier steps done.
  *  - No C++ exception leaves the library, except from the recording functions, which say so.
@@ -61,8 +62,8 @@ extern "C" {
 /**
  * The result of a function: OVI_SUCCESS or a negative code.
  *
- * Codes that the library has no name for pass through unchanged: a producer's own; -10001, a file that cannot be loaded
- * as a producer; -10002, a module that was closed while it was used.
+ * Three kinds have no constant: -10001, a file that cannot be loaded as a producer; -10002, a module that was closed
+ * while it was used; and a producer's own.
  */
 typedef int32_t oviErr;
 
@@ -596,7 +597,8 @@ OVI_API oviErr OVI_CALL oviGetTLProducerPathByIndex(char* path, uint64_t pathSiz
  * @param filePath  the file, as oviGetTLProducerPathByIndex names it
  * @return Success, also when the producer does not tell one thing or another; NotInitialized (-100); InvalidParameter
  *         (-105) for null; OVI_ERR_HYPERVISOR_NOT_DISABLED or OVI_ERR_NO_KITHARA_PROCESSORS for a real-time producer on
- *         a machine that is not prepared for it; the producer's error when it cannot be loaded or opened
+ *         a machine that is not prepared for it; -10001 when the file cannot be loaded; the producer's error when it
+ *         cannot be opened
  * @threads any; waits while another thread uses the producers
  */
 OVI_API oviErr OVI_CALL oviGetTLProducerInfobyFilePath(oviTLProducerInfos* info, const char* filePath);
@@ -723,9 +725,9 @@ OVI_API oviErr OVI_CALL oviSetRemoteDeviceXMLFile(uint64_t deviceHandle, const c
  *  - InvalidParameter (-105) for handle 0, a null name or a null output.
  *  - NotFound (-104): the handle is unknown, there is no such module above it, the module has no features, it has no
  *    feature of that name, or the feature is of another type.
- *  - NoAccess (-112): the feature cannot be read, or written, now.
- *  - Unknown (-200): the description forbids it or is broken: a value out of range or off its increment, a dependency
- *    that cannot be read. The log tells.
+ *  - NoAccess (-112): an integer, float, boolean or string cannot be read, or written, now.
+ *  - Unknown (-200): the description forbids it or is broken: an enumeration, command or register that cannot be used
+ *    now, a value out of range or off its increment, a dependency that cannot be read. The log tells.
  *  - the producer's error, such as IoError (-118), when the device does not answer.
  *
  * @threads any, at the same time too: calls on one module's features run one after the other
@@ -1121,9 +1123,9 @@ OVI_API oviErr OVI_CALL oviGetDataStreamInfo(uint64_t deviceHandle, uint32_t str
  *                      it with oviCloseDataStream
  * @param bufferCount   number of buffers; a handful lets the application fall behind for as many images
  * @param bufferSize    bytes of each; 0 for what an image needs now
- * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown device;
- *         OutOfMemory (-122) or ResourceExhausted (-121) when not all buffers could be had; other errors of the
- *         producer
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or an index too large; NotFound (-104) for
+ *         an unknown device; ResourceInUse (-115) for a stream that is open already; OutOfMemory (-122) or
+ *         ResourceExhausted (-121) when not all buffers could be had; other errors of the producer
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviCreateDataStream(uint64_t deviceHandle, uint32_t streamIndex, uint64_t* streamHandle,
@@ -1438,9 +1440,9 @@ OVI_API oviErr OVI_CALL oviGetLastImageInfo(oviImageInfo* info);
  * @param progressFunction  told about the progress on the calling thread, and may stop the transfer; null for nobody
  * @param progressContext   handed to the function
  * @return Success: the camera said so. NotInitialized (-100); InvalidParameter (-105) for null or a file that the
- *         camera does not have; NotFound (-104) for an unknown device; Aborted (-109) when the function stopped it;
- *         FileOperationFailure (-110) when the file cannot be read or the camera refuses it; the code of the feature
- *         that failed
+ *         camera does not have; NotFound (-104) for an unknown device, or a file of this machine that cannot be read or
+ *         is empty; Aborted (-109) when the function stopped it; FileOperationFailure (-110) when the camera refuses
+ *         the file; Unknown (-200) when it reports an error for a part of it; the code of the feature that failed
  * @threads any; one transfer a device, and nobody else at its file features
  */
 OVI_API oviErr OVI_CALL oviFileDownloadToDevice(uint64_t deviceHandle, const char* filePath, const char* fileSelector,
@@ -1456,7 +1458,10 @@ OVI_API oviErr OVI_CALL oviFileDownloadToDevice(uint64_t deviceHandle, const cha
  * @param timeout           milliseconds that the camera may be silent
  * @param progressFunction  told about the progress, as in oviFileDownloadToDevice; null for nobody
  * @param progressContext   handed to the function
- * @return as oviFileDownloadToDevice
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or a file that the camera does not have;
+ *         NotFound (-104) for an unknown device; Aborted (-109) when the function stopped it; FileOperationFailure
+ *         (-110) when the camera reports a failure, a size or checksum is wrong, or the file cannot be written here;
+ *         FileOperationFatal (-111) when the camera reports a fatal error; the code of the feature that failed
  * @threads as oviFileDownloadToDevice
  */
 OVI_API oviErr OVI_CALL oviFileUploadFromDevice(uint64_t deviceHandle, const char* filePath, const char* fileSelector,
