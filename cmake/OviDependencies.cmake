@@ -24,7 +24,12 @@ endfunction()
 
 if(MSVC)
   set(Boost_USE_STATIC_LIBS ON)
-  find_package(Boost REQUIRED COMPONENTS filesystem system)
+  find_package(Boost REQUIRED COMPONENTS filesystem)
+  if(NOT TARGET Boost::system)
+    # It is headers only, and in the newest releases no component any more.
+    add_library(Boost::system INTERFACE IMPORTED GLOBAL)
+    target_link_libraries(Boost::system INTERFACE Boost::headers)
+  endif()
 else()
   # The set-up script builds Boost.Filesystem so that it fits into a shared library; Boost.System is headers only.
   find_library(OVI_BOOST_FILESYSTEM ovi_boost_filesystem REQUIRED)
