@@ -42,6 +42,14 @@ if(OVI_SANITIZE)
 endif()
 target_link_libraries(ovi_options INTERFACE Threads::Threads)
 
+# ovi_add_version(TARGET FILE_NAME TYPE DESCRIPTION): the version resource of a file on Windows; TYPE is VFT_DLL or VFT_APP.
+function(ovi_add_version target file_name resource_type description)
+  if(WIN32)
+    configure_file("${CMAKE_SOURCE_DIR}/cmake/version.rc.in" "${CMAKE_BINARY_DIR}/version/${target}.rc" @ONLY)
+    target_sources(${target} PRIVATE "${CMAKE_BINARY_DIR}/version/${target}.rc")
+  endif()
+endfunction()
+
 # ovi_add_layer(NAME [PUBLIC targets...] [PRIVATE targets...])
 #
 # A layer of the house: the static library of all .cpp files in this folder. Headers that other layers may see lie in
