@@ -28,6 +28,8 @@ function(ovi_install)
   install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
   install(FILES README.md CHANGELOG.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
+  # Their licences ask for it wherever the binaries go; a package of Debian has it in its copyright file as well.
+  install(FILES packaging/third-party.txt DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)
   if(WIN32)
     # For linkers that want an import library of their own making.
     install(FILES src/api/ovi.def DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT dev)
