@@ -11,7 +11,8 @@ pictures="build/pictures"
 ovi() { printf '\n$ ovi %s\n' "$*"; "$out/ovi" "$@"; }
 
 stage "install dependencies" scripts/install-deps.sh
-stage "build (release)" build_preset release ovi-tool ovi_virtual_camera
+# All that cmake --install asks for.
+stage "build (release)" build_preset release ovi-tool ovi_virtual_camera ovi_virtual_recorder
 
 rm -rf "$pictures"
 mkdir -p "$pictures"
