@@ -16,11 +16,19 @@ namespace {
 using namespace GenTLCpp;
 
 TEST(Loading, WhatIsNoLibraryIsRefusedWithTheSystemsWords) {
-  std::ofstream("text.cti") << "not a library";
-  for (const std::string& path : {std::string("./missing.cti"), std::string("./text.cti")}) {
+  const std::string whole = OVI::platform::readFile(producerPath("NoProducer.cti")).value_or("");
+  ASSERT_FALSE(whole.empty());
+  std::vector<std::string> contents = {"not a library"};
+  for (const std::size_t size : {std::size_t{0}, std::size_t{20}, std::size_t{64}, std::size_t{1000}, whole.size() / 2})
+    contents.push_back(whole.substr(0, size));  // A copy that broke off.
+  for (std::size_t i = 0; i <= contents.size(); ++i) {
+    SCOPED_TRACE(i);
+    const std::string path = i < contents.size() ? "./broken.cti" : "./missing.cti";
+    if (i < contents.size())
+      std::ofstream(path, std::ios::binary) << contents[i];
     try {
       GenTLProducer::create(path);
-      FAIL() << path;
+      FAIL();
     } catch (const LoadLibraryException& error) {
       const std::string text = error.what();
       EXPECT_EQ(error.code(), -10001);
@@ -29,7 +37,7 @@ TEST(Loading, WhatIsNoLibraryIsRefusedWithTheSystemsWords) {
       EXPECT_EQ(text.substr(text.size() - 13), " (ID: -10001)");
     }
   }
-  std::remove("text.cti");
+  std::remove("broken.cti");
 }
 
 TEST(Loading, ALibraryWithoutEntryPointsIsNotAvailable) {

@@ -1,10 +1,15 @@
 // Loading of shared libraries.
 #include <dlfcn.h>
+#include <link.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
+#include "platform/files.h"
 #include "platform/platform.h"
 
 namespace OVI::platform {
@@ -12,6 +17,7 @@ namespace OVI::platform {
 namespace {
 
 constexpr int kMaxDependencies = 64;
+constexpr std::size_t kStartSize = 64 * 1024;  // Holds the table of a library's parts.
 
 std::string& errorText() {
   thread_local std::string text;
@@ -22,6 +28,43 @@ std::string& errorText() {
 std::string missingLibrary(const std::string& message) {
   const std::string name = message.substr(0, message.find(':'));
   return name.find('/') == std::string::npos ? name : std::string();
+}
+
+/**
+ * What keeps a file from being handed to the loader; empty when nothing does. The loader itself tells what is no
+ * library. But it waits for whoever writes into a pipe, and it maps a file that was copied in part as if it were whole
+ * and dies when it touches what is missing.
+ */
+std::string obstacle(const std::string& path) {
+  constexpr const char* kIncomplete = "the file is incomplete";
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
+    return {};
+  }
+  if (!S_ISREG(status.st_mode)) {
+    return "not a regular file";
+  }
+  const auto size = static_cast<std::uint64_t>(status.st_size);
+  std::vector<std::uint8_t> start;
+  ElfW(Ehdr) header{};
+  if (!readFileStart(path, kStartSize, start).empty() || start.size() < sizeof(header)) {
+    return {};
+  }
+  std::memcpy(&header, start.data(), sizeof(header));
+  if (std::memcmp(&header.e_ident[0], ELFMAG, SELFMAG) != 0 || header.e_phentsize != sizeof(ElfW(Phdr))) {
+    return {};
+  }
+  for (unsigned i = 0; i < header.e_phnum; ++i) {
+    ElfW(Phdr) part{};
+    if (header.e_phoff > start.size() || start.size() - header.e_phoff < (i + 1) * sizeof(part)) {
+      return start.size() < kStartSize ? kIncomplete : "";
+    }
+    std::memcpy(&part, start.data() + header.e_phoff + i * sizeof(part), sizeof(part));
+    if (part.p_type == PT_LOAD && (part.p_filesz > size || part.p_offset > size - part.p_filesz)) {
+      return kIncomplete;
+    }
+  }
+  return {};
 }
 
 }  // namespace
@@ -35,6 +78,10 @@ LibraryHandle loadLibrary(const std::string& path) {
   LibraryHandle library = nullptr;
   std::vector<std::string> wanted = {file};
   for (int attempt = 0; !wanted.empty() && attempt < kMaxDependencies; ++attempt) {
+    if (const std::string reason = obstacle(wanted.back()); !reason.empty()) {
+      errorText() = wanted.back() + ": " + reason;
+      break;
+    }
     LibraryHandle loaded = dlopen(wanted.back().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (loaded != nullptr) {
       wanted.pop_back();
