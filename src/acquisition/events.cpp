@@ -14,6 +14,7 @@
 #include "features/node_lookup.h"
 #include "features/typed_access.h"
 #include "gentl/data_stream.h"
+#include "gentl/device.h"
 #include "gentl/event.h"
 #include "gentl/guard.h"
 #include "gentl/module_lookup.h"
@@ -87,6 +88,24 @@ oviErr findTarget(const char* site, std::uint64_t moduleHandle, const std::share
   return OVI_SUCCESS;
 }
 
+/**
+ * The handle of the module that an event is registered on. A system or an interface that devices share goes with the
+ * first of them that is closed; for the others it is entered again.
+ */
+std::uint64_t handleOfTarget(const std::shared_ptr<BaseModule>& module, const std::shared_ptr<BaseModule>& target) {
+  HandleRegistry& registry = HandleRegistry::instance();
+  std::uint64_t handle = registry.handleOf(target.get());
+  std::shared_ptr<BaseModule> device = module;
+  while (handle == 0 && device != nullptr && device->moduleType() != GenTLCpp::Device::kModuleType) {
+    device = parentOf(*device);
+  }
+  if (handle == 0) {
+    registry.registerOwned(registry.handleOf(device.get()), target, static_cast<ModuleKind>(target->moduleType()),
+                           handle);
+  }
+  return handle;
+}
+
 std::shared_ptr<Event> registerAt(const Registration& registration) {
   if (registration.type == EVENT_NEW_BUFFER) {
     return std::static_pointer_cast<DataStream>(registration.target)->registerNewBufferEvent();
@@ -151,7 +170,7 @@ oviErr oviRegisterEvent(std::uint64_t moduleHandle, std::uint32_t kind, std::uin
                            << "] Error: Event object was NULL";
       return OVI_ERR_UNKNOWN;
     }
-    const std::uint64_t targetHandle = HandleRegistry::instance().handleOf(registration.target.get());
+    const std::uint64_t targetHandle = handleOfTarget(module, registration.target);
     event->attach(std::make_shared<EventRecord>(kind, targetHandle, registration.selector, dataSizeOf(*event)));
     return HandleRegistry::instance().registerOwned(targetHandle, event, ModuleKind::Event, *eventHandle);
   });

@@ -194,7 +194,18 @@ oviErr findRecord(std::string_view deviceId, oviDeviceInfo& record) {
       return OVI_SUCCESS;
     }
   }
+  OVI_LOG_ERROR(kOpenSite) << "The latest discovery lists no device with ID: [" << deviceId << "]";
   return OVI_ERR_NOT_FOUND;
+}
+
+// A device lists its streams, and these list their buffers and events: all of them go with it.
+void forgetDevice(std::uint64_t deviceHandle) {
+  HandleRegistry& registry = HandleRegistry::instance();
+  std::vector<HandleRegistry::Handle> streams;
+  static_cast<void>(registry.listRelated(deviceHandle, ModuleKind::DataStream, streams));
+  for (const HandleRegistry::Handle stream : streams)
+    registry.remove(stream);
+  registry.remove(deviceHandle);
 }
 
 }  // namespace
@@ -206,8 +217,10 @@ oviErr oviOpenDevice(const char* deviceId, std::uint64_t* handle, std::uint64_t 
   if (const oviErr code = findRecord(deviceId, *record); code != OVI_SUCCESS)
     return code;
   const TLDiscovery::TransportLayerPtr transportLayer = TLDiscovery::instance().findTransportLayer(record->tlID);
-  if (transportLayer == nullptr)
+  if (transportLayer == nullptr) {
+    OVI_LOG_ERROR(kOpenSite) << "No producer with ID: [" << record->tlID << "] is loaded for device: " << deviceId;
     return OVI_ERR_NOT_FOUND;
+  }
   beforeDeviceOpen(*record, *transportLayer);
   std::uint64_t opened = 0;
   const oviErr code = Opening(*record, transportLayer, timeout).run(accessFlags, opened);
@@ -230,7 +243,7 @@ oviErr oviCloseDevice(std::uint64_t deviceHandle) {
     GenTLCpp::checkGenTLError(device->close());
     return OVI_SUCCESS;
   });
-  HandleRegistry::instance().remove(deviceHandle);
+  forgetDevice(deviceHandle);
   return code;
 }
 

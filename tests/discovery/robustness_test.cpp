@@ -227,6 +227,33 @@ TEST_F(Robustness, ACameraThatIsStuckHoldsUpNoOther) {
     EXPECT_EQ(oviCloseDevice(camera), OVI_SUCCESS);
 }
 
+TEST_F(Robustness, AClosedDeviceTakesWhatIsItsOwnAndNoMore) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  std::array<std::uint64_t, 2> cameras{};
+  for (std::size_t i = 0; i < cameras.size(); ++i)
+    ASSERT_EQ(oviOpenDevice(info_->devices[i].deviceID, &cameras[i], 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+  std::uint64_t stream = 0;
+  std::uint64_t images = 0;
+  std::uint64_t errors = 0;
+  ASSERT_EQ(oviCreateDataStream(cameras[0], 0, &stream, 2, 0), OVI_SUCCESS);
+  ASSERT_EQ(oviRegisterEvent(stream, OVI_EVENT_NEW_BUFFER, &images, OVI_MODULE_DATA_STREAM), OVI_SUCCESS);
+  ASSERT_EQ(oviRegisterEvent(cameras[0], OVI_EVENT_ERROR, &errors, OVI_MODULE_LOCAL_DEVICE), OVI_SUCCESS);
+  ASSERT_EQ(oviCloseDevice(cameras[0]), OVI_SUCCESS);
+  void* data = nullptr;
+  for (const std::uint64_t event : {images, errors})
+    EXPECT_EQ(oviWaitForEvent(event, 0, &data), OVI_ERR_NOT_FOUND);
+  EXPECT_EQ(oviCloseDataStream(stream), OVI_ERR_NOT_FOUND);
+
+  // The system and the interface were shared with the other camera.
+  for (const std::uint32_t selector : {OVI_MODULE_SYSTEM, OVI_MODULE_INTERFACE}) {
+    std::uint64_t event = 0;
+    EXPECT_EQ(oviRegisterEvent(cameras[1], OVI_EVENT_MODULE, &event, selector), OVI_SUCCESS) << selector;
+    EXPECT_EQ(oviWaitForEvent(event, 0, &data), OVI_ERR_TIMEOUT);
+    EXPECT_EQ(oviUnregisterEvent(event), OVI_SUCCESS);
+  }
+  EXPECT_EQ(oviCloseDevice(cameras[1]), OVI_SUCCESS);
+}
+
 TEST_F(Robustness, APulledCameraComesBack) {
   ASSERT_EQ(discover(), OVI_SUCCESS);
   const std::uint32_t all = info_->deviceCount;
