@@ -1,6 +1,8 @@
 // A description file of the caller's choice for a remote device.
 #include "features/description_file.h"
 
+#include <stdexcept>
+
 #include "Base/GCException.h"
 #include "core/global_state.h"
 #include "core/log.h"
@@ -29,6 +31,9 @@ oviErr oviSetRemoteDeviceXMLFile(std::uint64_t deviceHandle, const char* path) {
     return mapGenTLError(error.code());
   } catch (const GenICam::GenericException& error) {
     OVI_LOG_ERROR(kSite) << "Failed to set remote device XML: " << error.GetDescription();
+    return OVI_ERR_INVALID_PARAMETER;
+  } catch (const std::runtime_error& error) {  // A broken archive.
+    OVI_LOG_ERROR(kSite) << "Failed to set remote device XML: " << error.what();
     return OVI_ERR_INVALID_PARAMETER;
   }
   return OVI_SUCCESS;

@@ -86,6 +86,9 @@ NodeMapPtr Device::getRemoteNodeMap() {
 
 void Device::setRemoteDeviceXMLFile(const std::string& path) {
   const GenICam::gcstring xml = readDescriptionFile(path);
+  if (xml.empty()) {
+    throw INVALID_ARGUMENT_EXCEPTION("The file %s is empty or cannot be read", path.c_str());
+  }
   const NodeMapPtr nodeMap = makeNodeMap(xml, getRemotePort(false));
   if (nodeMap == nullptr) {
     checkGenTLError(GC_ERR_ERROR);

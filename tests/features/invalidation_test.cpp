@@ -172,9 +172,11 @@ TEST_F(Invalidation, DescriptionFileReplacesTheCamerasOwn) {
   write("broken.xml", "<RegisterDescription");
   std::int64_t value = 0;
   takeLog();
-  EXPECT_EQ(oviSetRemoteDeviceXMLFile(device(), "missing.xml"), OVI_ERR_INVALID_PARAMETER);
-  EXPECT_EQ(oviSetRemoteDeviceXMLFile(device(), "broken.xml"), OVI_ERR_INVALID_PARAMETER);
-  EXPECT_NE(findInLog(takeLog(1), "Failed to set remote device XML: "), "");
+  write("broken.zip", "no archive");
+  for (const char* path : {"missing.xml", "broken.xml", "broken.zip"}) {
+    EXPECT_EQ(oviSetRemoteDeviceXMLFile(device(), path), OVI_ERR_INVALID_PARAMETER);
+    EXPECT_NE(findInLog(takeLog(1), "Failed to set remote device XML: "), "") << path;
+  }
   EXPECT_EQ(oviGetFeatureInt(device(), "Int", &value, kCamera), OVI_SUCCESS);
   EXPECT_EQ(oviSetRemoteDeviceXMLFile(999999, "other.xml"), OVI_ERR_NOT_FOUND);
   EXPECT_EQ(oviSetRemoteDeviceXMLFile(device(), "other.xml"), OVI_SUCCESS);
