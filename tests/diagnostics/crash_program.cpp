@@ -1,9 +1,11 @@
 // Installs the crash handler and crashes as its first argument says; reports go to the folder of the second.
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "diagnostics/mini_dumper.h"
 
@@ -17,6 +19,13 @@ void crashHere() {
 // Called through this, so that the compiler leaves it a function of its own.
 void (*volatile crash)() = crashHere;
 
+// A report about many frames takes its time.
+int crashDeeply(int depth) {
+  if (depth == 0)
+    crash();
+  return depth == 0 ? 0 : 1 + crashDeeply(depth - 1);
+}
+
 int main(int argc, char** argv) {
   if (argc < 3)
     return 2;
@@ -29,6 +38,19 @@ int main(int argc, char** argv) {
     crash();
   if (mode == "thread")
     std::thread([] { crash(); }).join();
+  if (mode == "threads") {
+    std::atomic<int> ready{0};
+    std::vector<std::thread> threads(8);
+    for (std::thread& thread : threads)
+      thread = std::thread([&] {
+        ++ready;
+        while (ready < 8) {
+        }
+        crashDeeply(60);
+      });
+    for (std::thread& thread : threads)
+      thread.join();
+  }
   if (mode == "abort")
     std::abort();
   if (mode == "throw")

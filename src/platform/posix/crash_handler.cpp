@@ -51,7 +51,7 @@ struct CrashState {
 };
 
 CrashState state;
-std::atomic_flag reportStarted;
+std::atomic<long> reporter{0};  // The thread that writes the report.
 
 void copyText(char* to, std::size_t size, const char* from) {
   const std::size_t length = std::min(std::strlen(from), size - 1);
@@ -132,18 +132,32 @@ void report(int number, const siginfo_t* information, const void* context) noexc
   console.text(" together with a short description of the error case:\n\nFilename: ").text(name.data()).text("\n");
 }
 
+// The thread that writes the report ends the process. Not for ever: that one may be stuck.
+void waitForTheEnd() noexcept {
+  constexpr time_t kPatienceSeconds = 5;
+  timespec rest{kPatienceSeconds, 0};
+  while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+  }
+}
+
 void handleSignal(int number, siginfo_t* information, void* context) {
   const int savedErrno = errno;
+  const long thisThread = syscall(SYS_gettid);
+  long first = 0;
+  // What damages memory often crashes several threads at once. The default action of the second would cut the report.
+  if (reporter.compare_exchange_strong(first, thisThread))
+    report(number, information, context);
+  else if (first != thisThread)
+    waitForTheEnd();
   struct sigaction byDefault {};
   byDefault.sa_handler = SIG_DFL;
   for (const FatalSignal& signal : kFatalSignals)
     sigaction(signal.number, &byDefault, nullptr);
-  if (!reportStarted.test_and_set())
-    report(number, information, context);
   errno = savedErrno;
-  // A fault happens again on return and meets the default action; a signal that was sent has to be sent again.
-  if (information->si_code <= 0 || number == SIGABRT || number == SIGTRAP)
-    syscall(SYS_tgkill, getpid(), syscall(SYS_gettid), number);
+  // A fault happens again on return and meets the default action; a signal that was sent, or that ended a system call,
+  // has to be sent again.
+  if (information->si_code <= 0 || number == SIGABRT || number == SIGTRAP || number == SIGSYS)
+    syscall(SYS_tgkill, getpid(), thisThread, number);
 }
 
 // Keeps what an uncaught exception says for the report of the abort that follows.
