@@ -73,6 +73,8 @@ TEST(WindowsPlatform, ALoadLeavesTheApplicationsLibraryFolder) {
 
 TEST(WindowsPlatform, FoldersComeAsTheSystemGivesThem) {
   EXPECT_EQ(tempDirectory().back(), '\\');
+  ASSERT_NE(SetEnvironmentVariableW(L"TMP", L"C:\\\u4E2D"), 0);
+  EXPECT_EQ(tempDirectory(), "C:\\\xE4\xB8\xAD\\") << "a name that the code page lacks";
   ASSERT_TRUE(publicDocuments());
   EXPECT_TRUE(std::filesystem::is_directory(*publicDocuments()));
 }

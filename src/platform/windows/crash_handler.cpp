@@ -24,7 +24,7 @@ using Message = std::array<wchar_t, 2048>;
 class CrashHandler {
  public:
   explicit CrashHandler(const CrashHandlerOptions& options)
-      : directory_(widen(options.directory, CP_ACP)),
+      : directory_(widen(options.directory, CP_UTF8)),
         support_(widen(options.supportAddress, CP_ACP)),
         quiet_(options.quiet) {}
 

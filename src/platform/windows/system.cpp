@@ -35,7 +35,7 @@ std::optional<std::string> publicDocuments() {
 std::string tempDirectory() {
   std::array<wchar_t, MAX_PATH> path{};
   const DWORD length = GetTempPathW(static_cast<DWORD>(path.size()), path.data());
-  return narrow(std::wstring(path.data(), length < path.size() ? length : 0));
+  return narrowTo(std::wstring(path.data(), length < path.size() ? length : 0), CP_UTF8);
 }
 
 std::optional<std::string> readFile(const std::string& path, std::uint64_t limit) {

@@ -15,7 +15,7 @@ namespace OVI {
  */
 class MiniDumper {
  public:
-  /** @param directory  where the report is written, as the system spells its temporary folder
+  /** @param directory  where the report is written, as the system spells its temporary folder, in UTF-8
    *  @param quiet      tell the user nothing */
   explicit MiniDumper(const std::string& directory, bool quiet = false);
 

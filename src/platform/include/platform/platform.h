@@ -40,7 +40,8 @@ std::string urlToPath(const std::string& url);
 /** The folder of documents that all users of the machine share. */
 std::optional<std::string> publicDocuments();
 
-/** The folder for temporary files, as the system gives it. */
+/** The folder for temporary files, as the system gives it, but in UTF-8 everywhere: it holds the user's name, which the
+ * code page may lack. */
 std::string tempDirectory();
 
 /** Runs a shell command and returns what it prints to standard output; nothing when it cannot be started. */
@@ -75,7 +76,7 @@ std::string fromUtf8(const std::string& utf8Text);
 
 /** What a crash handler needs to know beforehand. */
 struct CrashHandlerOptions {
-  std::string directory;       // Where the report is written, as tempDirectory gives it.
+  std::string directory;       // Where the report is written, in UTF-8 as tempDirectory gives it.
   std::string supportAddress;  // Named in the message to the user.
   bool quiet = false;          // No message boxes.
 };
