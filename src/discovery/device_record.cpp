@@ -66,7 +66,13 @@ void fillDeviceRecord(oviDeviceInfo& record, const GenTLCpp::TLInterface& tlInte
 
   const GenTLCpp::TransportLayer& transportLayer = *tlInterface.getParent();
   const auto fromInterface = [&](INTERFACE_INFO_CMD cmd) {
-    return [&transportLayer, &interfaceID, cmd] { return transportLayer.getInterfaceInfoString(interfaceID, cmd); };
+    return [&tlInterface, &transportLayer, &interfaceID, cmd] {
+      try {
+        return transportLayer.getInterfaceInfoString(interfaceID, cmd);
+      } catch (const GenTLCpp::GenTLException&) {
+        return tlInterface.getInfoString(cmd);  // Some producers list an interface no more once it is open.
+      }
+    };
   };
   fillField(record.interfaceDisplayName, deviceID, "The interface's display name",
             fromInterface(INTERFACE_INFO_DISPLAYNAME));

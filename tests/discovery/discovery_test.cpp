@@ -53,7 +53,7 @@ TEST_F(Discovery, RecordHoldsEverythingThatIsKnown) {
   ASSERT_EQ(discover(), OVI_SUCCESS);
   ASSERT_EQ(found(), 3U);
   EXPECT_STREQ(device(1).displayName, "display of Model1");
-  EXPECT_STREQ(device(1).interfaceTLType, "");
+  EXPECT_STREQ(device(1).interfaceTLType, "if0 info 2") << "the interface itself knows it too";
 }
 
 TEST_F(Discovery, AccessStatusKeepsWhatApplicationsKnow) {

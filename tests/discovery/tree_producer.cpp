@@ -246,6 +246,11 @@ TREE_EXPORT GC_ERROR GC_CALLTYPE TLOpenInterface(TL_HANDLE, const char* id, IF_H
   });
 }
 
+TREE_EXPORT GC_ERROR GC_CALLTYPE IFGetInfo(IF_HANDLE handle, INTERFACE_INFO_CMD cmd, INFO_DATATYPE* type, void* buf,
+                                           size_t* size) {
+  return call("IFGetInfo", cmd, false,
+              [&] { return giveText(interfaceOf(handle)->id + " info " + std::to_string(cmd), type, buf, size); });
+}
 TREE_EXPORT GC_ERROR GC_CALLTYPE IFClose(IF_HANDLE handle) {
   return call("IFClose", -1, true, [&] {
     if (tree::Interface* const found = interfaceOf(handle))
