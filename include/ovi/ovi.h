@@ -446,8 +446,8 @@ OVI_API int32_t OVI_CALL get_error_string(int32_t code, char* text);
  * @param name  "oviFeatureParameter", "oviMemTransferInfo", "oviTLProducerInfos", "oviDeviceInfo", "oviDiscoveryInfo",
  *              "oviDataStreamInfo", "oviImageInfo", "oviEventData", "oviNewBufferEventData" or
  *              "oviAcquistionStatistics"
- * @param size  receives the size in bytes, 0xFFFFFFFF for another name; must not be null
- * @return 0, or -1 for another name or none
+ * @param size  receives the size in bytes, 0xFFFFFFFF for another name
+ * @return 0, or -1 for another name or none, and for a null size
  * @threads any
  */
 OVI_API int32_t OVI_CALL oviGetStructSize(const char* name, uint32_t* size);

@@ -40,7 +40,14 @@ inline const std::error_category& category() {
     std::string message(int code) const override {
       char text[512] = {};
       oviGetErrorDescription(code, text, sizeof(text));
-      return text;
+      constexpr std::string_view noName = "ErrorNumber not yet defined";
+      if (text != noName)
+        return text;
+      constexpr std::size_t prefixLength = 5;  // Of "NOK: IO-Error"; these codes have a sentence, but no name.
+      if (get_error_string(code, text) == 0)
+        return text + prefixLength;
+      oviGetKitharaErrDescription(code, text, sizeof(text));
+      return text != noName ? text : "error " + std::to_string(code);
     }
   };
   static const Category instance;

@@ -180,6 +180,9 @@ std::int32_t get_error_string(std::int32_t code, char* text) {
 }
 
 std::int32_t oviGetStructSize(const char* name, std::uint32_t* size) {
+  if (size == nullptr) {
+    return -1;
+  }
   *size = kNoSize;
   if (name == nullptr) {
     return -1;

@@ -48,7 +48,11 @@ TEST_F(Wrapper, ErrorsNameTheCallAndTheThing) {
   const ovi::Device device(camera("KV032003"));
   EXPECT_EQ(codeOf([&] { device["NoSuchFeature"].set(1); }), ovi::Errc::kNotFound);
   EXPECT_EQ(codeOf([&] { device.openStream(4, 7); }), ovi::Errc::kInvalidParameter);
-  EXPECT_EQ(codeOf([&] { const ovi::Device again(camera("KV032003")); }), ovi::Errc::kResourceInUse);
+  const std::error_code twice = codeOf([&] { const ovi::Device again(camera("KV032003")); });
+  EXPECT_EQ(twice, ovi::Errc::kResourceInUse);
+  EXPECT_EQ(twice.message(), "Resource in use");
+  EXPECT_EQ(ovi::makeErrorCode(OVI_ERR_HYPERVISOR_NOT_DISABLED).message(), "Hyper-v not disabled");
+  EXPECT_EQ(ovi::makeErrorCode(-10001).message(), "error -10001");
 }
 
 TEST_F(Wrapper, ExceptionsOfCallbacksReachTheCaller) {

@@ -98,6 +98,7 @@ TEST(Result, RecordSizesAreKnownByTheirExactNames) {
     EXPECT_EQ(oviGetStructSize(name, &written), size == -1 ? -1 : 0);
     EXPECT_EQ(written, static_cast<std::uint32_t>(size));
   }
+  EXPECT_EQ(oviGetStructSize("oviImageInfo", nullptr), -1);
 }
 
 TEST(Result, VersionSkipsNullPointers) {
