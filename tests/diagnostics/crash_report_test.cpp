@@ -82,7 +82,7 @@ TEST(CrashReport, NamesWhatCrashedAndLetsTheSystemEndTheProcess) {
       {"null", 11, {"SIGSEGV", "address: 0x10\n", "crashHere", "main", "libc.so"}},
       {"thread", 11, {"SIGSEGV", "crashHere"}},
       {"threads", 11, {"SIGSEGV", "crashHere", "ld-linux"}},  // All of it, the last module too.
-      {"abort", 6, {"SIGABRT", "main"}},
+      {"abort", 6, {"SIGABRT", "address: none", "main"}},
       {"throw", 6, {"SIGABRT", "nobody catches this", "main"}},
   };
   for (const Case& current : cases) {

@@ -103,7 +103,11 @@ void writeReport(int file, int number, const siginfo_t* information, const void*
   report.text("signal: ").decimal(static_cast<std::uint64_t>(number)).text(", ").text(signalName(number)).text("\n");
   if (state.exceptionText.front() != 0)
     report.text("uncaught exception: ").text(state.exceptionText.data()).text("\n");
-  report.text("address: ").hexadecimal(reinterpret_cast<std::uintptr_t>(information->si_addr)).text("\n");
+  report.text("address: ");
+  if (information->si_code > 0)
+    report.hexadecimal(reinterpret_cast<std::uintptr_t>(information->si_addr)).text("\n");
+  else
+    report.text("none, sent by process ").decimal(static_cast<std::uint64_t>(information->si_pid)).text("\n");
   report.text("instruction: ").hexadecimal(instructionPointer(context)).text("\n");
   report.text("process: ").decimal(static_cast<std::uint64_t>(getpid())).text("\n");
   report.text("thread: ").decimal(static_cast<std::uint64_t>(syscall(SYS_gettid))).text("\n");
