@@ -26,6 +26,7 @@ TEST(Check, PassesTheVirtualCameraWhole) {
   EXPECT_GT(json["pass"], 80);
 }
 
+#ifndef _WIN32  // where one library cannot stand before another
 TEST(Check, NamesTheFault) {
   const std::vector<Fault> faults = {
       {"fail GCInitLib -1001", "life", 1, "GCInitLib returned GC_ERR_ERROR (-1001)"},
@@ -55,6 +56,7 @@ TEST(Check, NamesTheFault) {
     EXPECT_THAT(run.out, HasSubstr(fault.said));
   }
 }
+#endif
 
 TEST(Check, SaysWhyALibraryIsNoProducer) {
   const Outcome hollow = ovi({"check", HOLLOW_DIR "/Hollow.cti"});

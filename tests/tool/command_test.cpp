@@ -101,7 +101,7 @@ TEST(Cameras, AreThereWithoutAnySearchPathAndAreExplainedWhenTheyAreNot) {
     EXPECT_THAT(run.err, HasSubstr(text));
 
   // A broken one does not take the others with it.
-  const Environment both("GENICAM_GENTL64_PATH", "broken:" HOLLOW_DIR ":" VIRTUAL_DIR);
+  const Environment both("GENICAM_GENTL64_PATH", searchPath({"broken", HOLLOW_DIR, VIRTUAL_DIR}));
   EXPECT_EQ(ovi({"info", "KV130001"}).code, 0);
 }
 

@@ -28,7 +28,7 @@ TEST(Doctor, NamesWhatIsBroken) {
                                                 "ELF\x02\x01\x01",
                                                 7) +
                                         std::string(11, '\0') + std::string("\xF3\0", 2));
-  const Environment path("GENICAM_GENTL64_PATH", "broken:nowhere:" HOLLOW_DIR);
+  const Environment path("GENICAM_GENTL64_PATH", searchPath({"broken", "nowhere", HOLLOW_DIR}));
   const Outcome run = ovi({"doctor"});
   EXPECT_EQ(run.code, 1);
   for (const char* said : {"nowhere: there is no such folder", "Text.cti: text, no library", "Empty.cti: empty file",

@@ -2,7 +2,9 @@
 #include "tool_run.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <sys/wait.h>
+#endif
 
 #include <cstdlib>
 #include <fstream>
@@ -16,6 +18,34 @@ namespace {
 constexpr const char* kOut = "run.out";
 constexpr const char* kErr = "run.err";
 
+#ifdef _WIN32
+
+constexpr const char* kBetween = ";";
+
+std::string quoted(const std::string& word) {
+  std::string text = "\"";
+  for (const char c : word)
+    text += c == '"' ? std::string("\\\"") : std::string(1, c);
+  return text + "\"";
+}
+
+// The command interpreter takes one pair of quotes off.
+std::string wholeLine(const std::string& line) {
+  return "\"" + line + "\"";
+}
+
+int exitCode(int status) {
+  return status;
+}
+
+void setVariable(const char* name, const std::string& value) {
+  _putenv_s(name, value.c_str());
+}
+
+#else
+
+constexpr const char* kBetween = ":";
+
 std::string quoted(const std::string& word) {
   std::string text = "'";
   for (const char c : word)
@@ -23,48 +53,76 @@ std::string quoted(const std::string& word) {
   return text + "'";
 }
 
+std::string wholeLine(const std::string& line) {
+  return line;
+}
+
+int exitCode(int status) {
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void setVariable(const char* name, const std::string& value) {
+  setenv(name, value.c_str(), 1);
+}
+
+#endif
+
 std::string commandLine(const std::vector<std::string>& arguments) {
-  std::string line = quoted(OVI_PROGRAM);
+  std::string line = quoted(std::filesystem::path(OVI_PROGRAM).make_preferred().string());
   for (const std::string& argument : arguments)
     line += " " + quoted(argument);
   return line + " >" + kOut + " 2>" + kErr;
 }
 
+std::string printed(const char* file) {
+  std::string text = readText(file);
+  std::erase(text, '\r');  // Windows ends a line with one
+  return text;
+}
+
 Outcome finish(const std::string& command) {
   Outcome run;
-  const int status = std::system(command.c_str());
-  run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  run.out = readText(kOut);
-  run.err = readText(kErr);
+  run.code = exitCode(std::system(command.c_str()));
+  run.out = printed(kOut);
+  run.err = printed(kErr);
   return run;
 }
 
 }  // namespace
 
 Outcome ovi(const std::vector<std::string>& arguments) {
-  return finish(commandLine(arguments));
+  return finish(wholeLine(commandLine(arguments)));
 }
 
+#ifndef _WIN32
 Outcome oviInterrupted(const std::vector<std::string>& arguments) {
   return finish("rm -f " + std::string(kOut) + "; " + commandLine(arguments) +
                 " & child=$!; while kill -0 $child && [ ! -s " + kOut +
                 " ]; do sleep 0.02; done; kill -INT $child; wait $child");
 }
+#endif
 
 Environment::Environment(const char* name, const std::string& value) : name_(name) {
   const char* const before = std::getenv(name);
   before_ = before == nullptr ? "" : before;
-  setenv(name, value.c_str(), 1);
+  setVariable(name, value);
 }
 
 Environment::~Environment() {
-  setenv(name_, before_.c_str(), 1);
+  setVariable(name_, before_);
 }
 
 std::filesystem::path freshFolder(const std::string& name) {
   std::filesystem::remove_all(name);
   std::filesystem::create_directories(name);
   return name;
+}
+
+std::string searchPath(std::initializer_list<std::string> folders) {
+  std::string path;
+  for (const std::string& folder : folders)
+    path += (path.empty() ? "" : kBetween) + folder;
+  return path;
 }
 
 std::string readText(const std::filesystem::path& file) {

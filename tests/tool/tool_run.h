@@ -18,7 +18,7 @@ struct Outcome {
 /// Runs the tool in the current folder with these arguments.
 Outcome ovi(const std::vector<std::string>& arguments);
 
-/// Runs it, and sends it an interrupt as soon as it has written to standard output.
+/// Runs it, and sends it an interrupt as soon as it has written to standard output. Not on Windows.
 Outcome oviInterrupted(const std::vector<std::string>& arguments);
 
 /// Sets an environment variable for the runs that follow, and puts it back in the end.
@@ -36,6 +36,9 @@ class Environment {
 
 /// An empty folder in the current one.
 std::filesystem::path freshFolder(const std::string& name);
+
+/// Folders as the environment names them.
+std::string searchPath(std::initializer_list<std::string> folders);
 
 std::string readText(const std::filesystem::path& file);
 void writeText(const std::filesystem::path& file, std::string_view text);

@@ -75,6 +75,7 @@ int run(const std::vector<std::string>& arguments) {
   tool::CommonOptions common;
   tool::Action action = showOverview;
   app.fallthrough();
+  app.allow_windows_style_options(false);  // a word that begins with a slash is a path everywhere
   app.require_subcommand(0, 1);
   app.set_version_flag("--version", ovi::Library::version());
   app.add_flag("--json", common.json, "Print data as JSON");

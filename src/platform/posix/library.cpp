@@ -19,7 +19,7 @@ namespace {
 constexpr int kMaxDependencies = 64;
 constexpr std::size_t kStartSize = 64 * 1024;  // Holds the table of a library's parts.
 
-std::string& errorText() {
+std::string& lastErrorOfThread() {
   thread_local std::string text;
   return text;
 }
@@ -89,8 +89,8 @@ LibraryHandle loadLibrary(const std::string& path) {
       continue;
     }
     const char* message = dlerror();
-    errorText() = message != nullptr ? message : "";
-    const std::string candidate = folder + missingLibrary(errorText());
+    lastErrorOfThread() = message != nullptr ? message : "";
+    const std::string candidate = folder + missingLibrary(lastErrorOfThread());
     if (candidate == folder || candidate == wanted.back() || access(candidate.c_str(), R_OK) != 0) {
       break;
     }
@@ -113,7 +113,7 @@ void unload(LibraryHandle library) noexcept {
 }
 
 std::string lastErrorText() {
-  return errorText();
+  return lastErrorOfThread();
 }
 
 }  // namespace OVI::platform
