@@ -1251,7 +1251,8 @@ OVI_API oviErr OVI_CALL oviGetNextImage(uint64_t eventHandle, oviNewBufferEventD
 OVI_API oviErr OVI_CALL oviReleaseImage(uint64_t streamHandle, oviNewBufferEventData* record);
 
 /**
- * Ends the waits for an event that are under way on other threads, with Aborted (-109), and drops what is queued.
+ * Ends the waits for an event that are under way on other threads, with Aborted (-109), and drops what is queued. A
+ * thread that has just read an event, or that comes to wait only now, meets it with its next wait.
  *
  * @param eventHandle  of oviRegisterEvent
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0; NotFound (-104); the producer's error

@@ -99,6 +99,27 @@ TEST_F(WaitsTest, NobodyIsKilledWhoDoesNotWait) {
   EXPECT_NE(take(stream), nullptr);
 }
 
+TEST_F(WaitsTest, AKillOfTheApplicationEndsTheNextWaitWhenAnImageCameFirst) {
+  const Stream stream = openStream(0, 8);
+  start();
+  script().holdBufferInfos(true);
+  std::vector<oviErr> results;
+  std::thread waiter([&] {
+    while (results.empty() || results.back() == OVI_SUCCESS) {
+      oviNewBufferEventData image{};
+      results.push_back(oviGetNextImage(stream.event, &image, 5000));
+    }
+  });
+  script().deliver(0, {});
+  while (script().held() == 0) {
+    std::this_thread::yield();
+  }
+  kill(stream);  // the waiter has its image already, and does not know yet
+  script().holdBufferInfos(false);
+  waiter.join();
+  EXPECT_THAT(results, testing::ElementsAre(OVI_SUCCESS, OVI_ERR_ABORTED));
+}
+
 TEST_F(WaitsTest, AKillThatItsWaiterDidNotNeedHitsNobodyElse) {
   const Stream stream = openStream(0, 8);
   for (int round = 0; round < 200; ++round) {

@@ -4,7 +4,7 @@ cmake_minimum_required(VERSION 3.25)
 # run(NAME PRODUCER-FOLDER EXPRESSION command...): the output, with blanks for line ends, must match.
 function(run name folder expression)
   set(ENV{GENICAM_GENTL64_PATH} "${folder}")
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result TIMEOUT 60)
   string(REGEX REPLACE "[\r\n]+" " " line "${output}")
   if(NOT result EQUAL 0 OR NOT line MATCHES "${expression}")
     message(SEND_ERROR "${name} ended with ${result}, expected \"${expression}\"\n${output}${errors}")

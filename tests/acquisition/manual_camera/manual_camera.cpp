@@ -1,6 +1,7 @@
 // The manual camera: the GenTL functions that acquisition needs, and nothing that acts by itself.
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -147,6 +149,15 @@ class Producer final : public Script {
     const std::lock_guard lock(mutex);
     return std::exchange(calls_, {});
   }
+  void holdBufferInfos(bool hold) override { holdsInfos_ = hold; }
+  unsigned held() override { return held_; }
+  void answerWhenLetGo() {
+    ++held_;
+    while (holdsInfos_) {
+      std::this_thread::yield();
+    }
+    --held_;
+  }
   unsigned waiting() override {
     const std::lock_guard lock(mutex);
     unsigned waiters = 0;
@@ -283,6 +294,8 @@ class Producer final : public Script {
   std::vector<std::string> calls_;
   std::vector<std::string> violations_;
   std::deque<Frame> playlist_;
+  std::atomic<bool> holdsInfos_{false};
+  std::atomic<unsigned> held_{0};
   std::map<std::uint32_t, std::uint32_t> registers_;
 };
 
@@ -793,6 +806,7 @@ GC_ERROR DSGetInfo(DS_HANDLE ds, STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void*
 }
 GC_ERROR DSGetBufferInfo(DS_HANDLE ds, BUFFER_HANDLE handle, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type, void* buf,
                          size_t* size) {
+  producer().answerWhenLetGo();
   return runStream("DSGetBufferInfo", ds, [&](Producer& p, Stream& stream) -> GC_ERROR {
     const Buffer* buffer = bufferOf(stream, handle);
     if (buffer == nullptr) {

@@ -69,6 +69,10 @@ class Script {
   /** A buffer info or a stream info always answers this code; 0 withdraws it. */
   virtual void failBufferInfo(BUFFER_INFO_CMD command, GC_ERROR code) = 0;
   virtual void failStreamInfo(STREAM_INFO_CMD command, GC_ERROR code) = 0;
+  /** Questions about buffers are not answered before they are let go on. */
+  virtual void holdBufferInfos(bool hold) = 0;
+  /** Threads whose question is held. */
+  virtual unsigned held() = 0;
 
   virtual std::uint32_t getRegister(std::uint32_t address) = 0;
   virtual void setRegister(std::uint32_t address, std::uint32_t value) = 0;

@@ -82,7 +82,8 @@ class Event : public BaseModule {
   void flush();
   /** Ends one wait: one that is under way, or else the next. */
   void kill();
-  /** Ends every wait that is under way, or else the next. */
+  /** Ends every wait that is under way, or else the next: also that of a thread which has just read its data and comes
+   * back, so that no thread that is to end waits for ever. */
   void killWaits();
   /** Ends the stays that are under way and waits until they are over, for two seconds at most; later ones are not
    * touched. May be called from any thread that does not stay itself, and never throws. */

@@ -16,10 +16,10 @@ inline constexpr std::chrono::seconds kPatience{2};
 /**
  * Counts the threads that wait for one event.
  *
- * A producer's kill ends one wait, or the next one when nobody waits. So a kill that was sent to a thread and that the
- * thread did not need, because data came first, would hit a later wait, which nobody wanted to end. The gate sends one
- * kill to each thread that waits, remembers the kills that no wait has met yet, and lets a later wait that meets one go
- * on.
+ * A producer's kill ends one wait, or the next one when nobody waits. So a kill that an ending sent to a thread and
+ * that the thread did not need, because data came first, would hit a later wait, which nobody wanted to end. The gate
+ * sends one kill to each thread that waits, remembers the kills that no wait has met yet, and lets a later wait that
+ * meets one go on.
  *
  * Coming and going cost one atomic exchange each and take no lock, unless somebody ends waits at that moment.
  */
@@ -48,6 +48,11 @@ class WaitGate {
       }
     }
     leaveEnded();
+  }
+
+  /** @return how many wait whose wait has not been ended */
+  std::uint32_t waiting() const noexcept {
+    return static_cast<std::uint32_t>(state_.load(std::memory_order_relaxed) & kWaiters);
   }
 
   /** Asked by a wait that the producer aborted: whether the abort was meant for it. If not, the wait goes on.
