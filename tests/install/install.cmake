@@ -1,13 +1,7 @@
 # Installs component by component into a scratch prefix, moves that elsewhere, and uses it from outside.
 cmake_minimum_required(VERSION 3.25)
 
-function(run)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\nended with ${result}\n${output}${errors}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/common.cmake")
 
 function(expect_files)
   foreach(file IN LISTS ARGN)
@@ -15,21 +9,6 @@ function(expect_files)
       message(FATAL_ERROR "${file} was not installed")
     endif()
   endforeach()
-endfunction()
-
-# save_code(LANGUAGE FILE): the first block of that language in getting-started.md.
-function(save_code language file)
-  file(READ "${prefix}/${DOCDIR}/docs/getting-started.md" text)
-  string(FIND "${text}" "\n```${language}\n" start)
-  if(start EQUAL -1)
-    message(FATAL_ERROR "getting-started.md has no code in ${language}")
-  endif()
-  string(LENGTH "\n```${language}\n" skipped)
-  math(EXPR start "${start} + ${skipped}")
-  string(SUBSTRING "${text}" ${start} -1 text)
-  string(FIND "${text}" "\n```" end)
-  string(SUBSTRING "${text}" 0 ${end} text)
-  file(WRITE "${file}" "${text}\n")
 endfunction()
 
 file(REMOVE_RECURSE "${SCRATCH}")
@@ -58,6 +37,7 @@ run("${CMAKE_COMMAND}" --build "${SCRATCH}/outside")
 
 # The programs of the page that newcomers follow, word by word.
 set(newcomer "${SCRATCH}/newcomer")
+set(page "${prefix}/${DOCDIR}/docs/getting-started.md")
 save_code(cpp "${newcomer}/first.cpp")
 save_code(cmake "${newcomer}/CMakeLists.txt")
 save_code(c "${newcomer}/first.c")

@@ -1,13 +1,7 @@
 # Makes the packages of Debian, unpacks them together, and looks at what they say and whether the tool in them runs.
 cmake_minimum_required(VERSION 3.25)
 
-function(run)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\nended with ${result}\n${output}${errors}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/common.cmake")
 
 file(REMOVE_RECURSE "${SCRATCH}")
 run("${CPACK}" --config "${BUILD}/CPackConfig.cmake" -G DEB -B "${SCRATCH}")
