@@ -79,7 +79,7 @@ LibraryHandle loadLibrary(const std::string& path) {
   std::vector<std::string> wanted = {file};
   for (int attempt = 0; !wanted.empty() && attempt < kMaxDependencies; ++attempt) {
     if (const std::string reason = obstacle(wanted.back()); !reason.empty()) {
-      errorText() = wanted.back() + ": " + reason;
+      lastErrorOfThread() = wanted.back() + ": " + reason;
       break;
     }
     LibraryHandle loaded = dlopen(wanted.back().c_str(), RTLD_NOW | RTLD_LOCAL);
