@@ -121,7 +121,7 @@ void report(int number, const siginfo_t* information, const void* context) noexc
   const std::int64_t seconds = std::time(nullptr);
   std::array<char, PATH_MAX + NAME_MAX + 32> name{};
   composeDumpName(name.data(), name.size(), state.directory.data(), state.executable.data(), seconds);
-  const int file = open(name.data(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  const int file = open(name.data(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
   const int error = errno;
   SignalSafeWriter console(state.quiet ? -1 : STDERR_FILENO);
   if (file < 0) {
