@@ -202,6 +202,34 @@ TEST(Registers, Bytes) {
   EXPECT_THROW(node.Get(nullptr, 4), GenICam::InvalidArgumentException);
 }
 
+TEST(Registers, PartsOfThemAreNeverStale) {
+  TestMap map("<Integer Name=\"Trigger\"><Value>0</Value></Integer>" +
+              reg("Register", "R", at(0), "<pInvalidator>Trigger</pInvalidator>", "4"));
+  auto& node = map.get<IRegister>("R");
+  std::uint8_t buffer[4] = {7, 7, 7, 7};
+  const auto startOf = [&](std::int64_t length) {
+    node.Get(buffer, length);
+    return buffer[0];
+  };
+  const auto cameraPuts = [&](std::uint8_t value) {
+    map.port.put(0, {value, value, value, value});
+    map.integer("Trigger").SetValue(1);
+  };
+  // A part that was written or read does not come back once the register was invalidated.
+  node.Set(buffer, 2);
+  cameraPuts(1);
+  EXPECT_EQ(startOf(4), 1);
+  cameraPuts(2);
+  EXPECT_EQ(startOf(2), 2);
+  EXPECT_EQ(startOf(4), 2);
+  EXPECT_EQ(startOf(2), 2);
+  cameraPuts(3);
+  EXPECT_EQ(startOf(4), 3);
+  EXPECT_EQ(startOf(2), 3);
+  map.port.put(0, {4, 4, 4, 4});
+  EXPECT_EQ(startOf(2), 3) << "a part of what is known is not asked for again";
+}
+
 TEST(Registers, PortsSwapWordsAndRecord) {
   TestMap map(
       "<Port Name=\"Swapping\"><SwapEndianess>Yes</SwapEndianess></Port><IntReg "

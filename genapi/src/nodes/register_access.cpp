@@ -135,7 +135,8 @@ RawBytes* RegisterAccess::raw(PortNode& through, std::int64_t address, std::int6
   return raw_;
 }
 
-void RegisterAccess::read(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags) {
+void RegisterAccess::readStart(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags,
+                               std::int64_t registerLength) {
   PortNode* const through = port(owner);
   if (through == nullptr) {
     NODE_FAIL(owner, AccessException, "The register has no port.");
@@ -144,8 +145,9 @@ void RegisterAccess::read(NodeCore& owner, std::uint8_t* buffer, std::int64_t le
     return;
   }
   const std::int64_t at = address(owner);
-  // Also a register that is not cached knows the shared bytes of its place: they fall with it.
-  RawBytes* const kept = raw(*through, at, length);
+  // Also a register that is not cached knows the shared bytes of its place: they fall with it. They are always those of
+  // the whole register: an invalidation would leave alone what a read of another length had put aside.
+  RawBytes* const kept = raw(*through, at, registerLength);
   if (caching() == Api::NoCache && !flags.ignoreCache) {
     through->read(owner, buffer, at, length);
     return;
@@ -162,7 +164,7 @@ void RegisterAccess::read(NodeCore& owner, std::uint8_t* buffer, std::int64_t le
   const std::uint32_t generation = through->rawGeneration();
   through->read(owner, buffer, at, length);
   // The port may have called back into the node map and made it forget.
-  if (useCache && generation == through->rawGeneration()) {
+  if (useCache && length == registerLength && generation == through->rawGeneration()) {
     std::memcpy(kept->data(), buffer, size);
     kept->valid = true;
   }
@@ -177,20 +179,15 @@ void RegisterAccess::write(NodeCore& owner, const std::uint8_t* buffer, std::int
     NODE_FAIL(owner, AccessException, "Node is not writable.");
   }
   const std::int64_t at = address(owner);
-  const bool whole = length == this->length(owner);
+  const std::int64_t registerLength = this->length(owner);
+  const bool whole = length == registerLength;
   const std::uint32_t generation = through->rawGeneration();
   through->write(owner, buffer, at, length);
   if (generation == through->rawGeneration()) {
-    if (RawBytes* const kept = raw(*through, at, length)) {
-      kept->valid = caching() == Api::WriteThrough;
+    if (RawBytes* const kept = raw(*through, at, registerLength)) {
+      kept->valid = whole && caching() == Api::WriteThrough;
       if (kept->valid) {
         std::memcpy(kept->data(), buffer, static_cast<std::size_t>(length));
-      }
-    }
-    if (!whole) {
-      // The bytes of the whole register are not what they were.
-      if (RawBytes* const all = raw(*through, at, this->length(owner))) {
-        all->valid = false;
       }
     }
   }
@@ -260,8 +257,9 @@ void RegisterAccess::get(NodeCore& owner, std::uint8_t* buffer, std::int64_t len
   if (buffer == nullptr || length < 0) {
     NODE_FAIL(owner, InvalidArgumentException, "There is no buffer to read into.");
   }
-  const std::int64_t own = std::min(length, this->length(owner));
-  read(owner, buffer, own, flags);
+  const std::int64_t whole = this->length(owner);
+  const std::int64_t own = std::min(length, whole);
+  readStart(owner, buffer, own, flags, whole);
   std::fill(buffer + own, buffer + length, std::uint8_t{0});
 }
 

@@ -25,8 +25,10 @@ class RegisterAccess {
   Api::EEndianess endianess() const { return bigEndian_ ? Api::BigEndian : Api::LittleEndian; }
   bool isSigned() const { return signed_; }
 
-  /// The first `length` bytes of the register, from the raw cache where it may be used.
-  void read(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags);
+  /// The register's bytes, from the raw cache where it may be used.
+  void read(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags) {
+    readStart(owner, buffer, length, flags, length);
+  }
   void write(NodeCore& owner, const std::uint8_t* buffer, std::int64_t length);
 
   /// The bytes as a number, sign-extended if the register is signed.
@@ -47,6 +49,9 @@ class RegisterAccess {
 
  private:
   PortNode* port(const NodeCore& owner) const;
+  /// The first `length` bytes of a register of `registerLength`.
+  void readStart(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags,
+                 std::int64_t registerLength);
   RawBytes* raw(PortNode& through, std::int64_t address, std::int64_t length);
   std::int64_t computeAddress(NodeCore& owner);
 
