@@ -172,7 +172,8 @@ inline std::string FileCamera::description(std::int64_t bufferLength) {
           "<Endianess>LittleEndian</Endianess></FloatReg>"
           "<Register Name=\"FileAccessBuffer\"><Address>" +
           std::to_string(kBuffer) + "</Address><Length>" + std::to_string(bufferLength) +
-          "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable></Register>");
+          "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><pInvalidator>ExecuteReg</pInvalidator></"
+          "Register>");
 }
 
 }  // namespace scripted

@@ -333,6 +333,11 @@ TEST_F(FileTransfer, RandomFilesComeBackIdentical) {
     ASSERT_EQ(download(), OVI_SUCCESS);
     ASSERT_EQ(upload(), OVI_SUCCESS);
     ASSERT_EQ(readFile("files/out"), data);
+    // Another file of that length has none of the bytes that were written before.
+    for (std::uint8_t& byte : camera().file)
+      byte ^= 0xFF;
+    ASSERT_EQ(upload(), OVI_SUCCESS);
+    ASSERT_EQ(readFile("files/out"), camera().file);
   }
 }
 
