@@ -11,7 +11,9 @@ std::string constant(const char* name, int value) {
 const std::string kModes = reg("IntReg", "Ro", at(0), {}, "4", "RO") + reg("IntReg", "Wo", at(4), {}, "4", "WO") +
                            reg("IntReg", "Rw", at(8)) + constant("Zero", 0) + constant("One", 1) +
                            "<Integer Name=\"Ni\"><pIsImplemented>Zero</pIsImplemented><Value>1</Value></Integer>"
-                           "<Integer Name=\"Na\"><pIsAvailable>Zero</pIsAvailable><Value>1</Value></Integer>";
+                           "<Integer Name=\"Na\"><pIsAvailable>Zero</pIsAvailable><Value>1</Value></Integer>"
+                           "<Enumeration Name=\"Mode\"><EnumEntry Name=\"On\"><Value>1</Value>"
+                           "<NumericValue>0.2</NumericValue></EnumEntry><Value>1</Value></Enumeration>";
 
 }  // namespace
 
@@ -33,6 +35,7 @@ TEST(Access, GuardsAndSources) {
       {"<pIsAvailable>Zero</pIsAvailable><pValue>Rw</pValue>", NA},
       {"<pIsLocked>One</pIsLocked><pValue>Rw</pValue>", RO},
       {"<pIsLocked>One</pIsLocked><pValue>Wo</pValue>", NA},
+      {"<pIsLocked>Mode</pIsLocked><pValue>Rw</pValue>", RO},  // by its entry's value, not by what that stands for
       {"<pIsLocked>Zero</pIsLocked><pValue>Wo</pValue>", WO},
       {"<ImposedAccessMode>WO</ImposedAccessMode><pValue>Ro</pValue>", NA},
       {"<ImposedAccessMode>RO</ImposedAccessMode><pValue>Rw</pValue>", RO},

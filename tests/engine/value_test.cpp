@@ -237,7 +237,12 @@ TEST(Errors, AreAskedForAfterAVerifiedWrite) {
       reg("IntReg", "State", at(0)) + reg("IntReg", "R", at(4)) +
       "<Enumeration Name=\"Error\"><EnumEntry Name=\"None\"><Value>0</Value></EnumEntry><EnumEntry Name=\"TooHot\">"
       "<ToolTip>Let it cool down</ToolTip><DisplayName>Too hot</DisplayName><Value>1</Value></EnumEntry>"
-      "<pValue>State</pValue></Enumeration><Integer Name=\"X\"><pError>Error</pError><pValue>R</pValue></Integer>");
+      "<pValue>State</pValue></Enumeration><Integer Name=\"X\"><pError>Error</pError><pValue>R</pValue></Integer>"
+      "<Boolean Name=\"B\"><pError>Error</pError><Value>1</Value></Boolean>"
+      "<String Name=\"S\"><pError>Error</pError><Value>text</Value></String>"
+      "<Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"One\"><Value>1</Value></EnumEntry><pError>Error</pError><Value>1</Value>"
+      "</Enumeration>");
   map.integer("X").SetValue(1);
   map.port.put(0, {1});
   expectThrow<GenICam::RuntimeException>([&] { map.integer("X").SetValue(2); }, "Too hot : Let it cool down");
@@ -254,6 +259,16 @@ TEST(Strings, OwnAndOfOthers) {
   EXPECT_STREQ(map.get<IString>("Own").GetValue(), "new");
   EXPECT_EQ(map.text("Empty"), "");
 }
+  const std::vector<std::function<void(bool)>> reads{
+      [&](bool verify) { map.integer("X").GetValue(verify); },
+      [&](bool verify) { map.get<IBoolean>("B").GetValue(verify); },
+      [&](bool verify) { map.get<IString>("S").GetValue(verify); },
+      [&](bool verify) { map.get<IValue>("S").ToString(verify); },
+      [&](bool verify) { map.get<IEnumeration>("E").GetIntValue(verify); }};
+  for (const auto& read : reads) {
+    EXPECT_NO_THROW(read(false));
+    expectThrow<GenICam::RuntimeException>([&] { read(true); }, "Too hot");
+  }
 
 TEST(Interfaces, AreFoundWithAndWithoutDynamicCast) {
   TestMap map(reg("IntReg", "R", at(0)) + "<Category Name=\"Root\"><pFeature>R</pFeature></Category>");

@@ -181,7 +181,7 @@ void NodeMap::Poll(int64_t elapsed) {
     NodeCore* const block = node.other(node.propertyNode(Element::pBlockPolling));
     steps_ = 0;
     try {
-      if (block != nullptr && block->readInt({}) != 0) {
+      if (block != nullptr && block->saysYes({})) {
         continue;
       }
     } catch (...) {

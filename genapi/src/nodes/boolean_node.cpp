@@ -36,7 +36,12 @@ bool BooleanNode::GetValue(bool verify, bool ignoreCache) const {
     return value_;
   }
   const Frame frame(*this, "GetValue");
-  return const_cast<BooleanNode*>(this)->readBool({verify, ignoreCache});
+  auto& self = const_cast<BooleanNode&>(*this);
+  const bool value = self.readBool({verify, ignoreCache});
+  if (verify) {
+    self.checkErrors();
+  }
+  return value;
 }
 
 bool BooleanNode::readBool(ReadFlags flags) {

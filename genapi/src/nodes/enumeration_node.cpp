@@ -113,7 +113,11 @@ int64_t EnumerationNode::GetIntValue(bool verify, bool ignoreCache) {
   }
   const Frame frame(*this, "GetIntValue");
   requireReadable();
-  return readRaw({verify, ignoreCache});
+  const std::int64_t value = readRaw({verify, ignoreCache});
+  if (verify) {
+    checkErrors();
+  }
+  return value;
 }
 
 Api::IEnumEntry* EnumerationNode::GetEntryByName(const gcstring& symbolic) {
@@ -154,6 +158,11 @@ std::int64_t EnumerationNode::readInt(ReadFlags flags) {
     NODE_FAIL(*this, RuntimeException, "Value %f does not fit into an integer.", numeric);
   }
   return std::llround(numeric);
+}
+
+bool EnumerationNode::saysYes(ReadFlags flags) {
+  requireReadable();
+  return readRaw(flags) != 0;
 }
 
 void EnumerationNode::writeInt(std::int64_t value, bool verify) {

@@ -24,6 +24,8 @@ class EnumerationNode final : public ValueNode<Api::IEnumeration> {
   // As a number an enumeration is the numeric value of its entry.
   std::int64_t readInt(ReadFlags flags) override;
   double readFloat(ReadFlags flags) override;
+  /// As a guard, though, it is the value of its entry.
+  bool saysYes(ReadFlags flags) override;
   void writeInt(std::int64_t value, bool verify) override;
   void writeFloat(double value, bool verify) override;
   std::int64_t entryValue(std::string_view symbolic) override;

@@ -29,6 +29,7 @@ class FloatBase : public ValueNode<Api::IFloat> {
 
   std::int64_t readInt(ReadFlags flags) final;
   double readFloat(ReadFlags flags) final;
+  bool saysYes(ReadFlags flags) final { return readFloat(flags) != 0.0; }
   void writeInt(std::int64_t value, bool verify) final;
   void writeFloat(double value, bool verify) final;
   std::int64_t intMin() final;

@@ -182,8 +182,7 @@ bool NodeCore::guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& f
     return false;
   }
   try {
-    return guard->GetPrincipalInterfaceType() == Api::intfIFloat ? guard->readFloat({}) != 0.0
-                                                                 : guard->readInt({}) != 0;
+    return guard->saysYes({});
   } catch (...) {
     reliable = false;
     failure = onFailure;
@@ -392,7 +391,7 @@ void NodeCore::checkErrors() {
   }
   for (const Property& property : properties()) {
     NodeCore* const error = property.element() == Element::pError ? other(property.target) : nullptr;
-    if (error == nullptr || error->readInt({false, true}) == 0) {
+    if (error == nullptr || !error->saysYes({false, true})) {
       continue;
     }
     std::string text = "Error reported by " + error->nodeName();

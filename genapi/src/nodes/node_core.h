@@ -117,6 +117,8 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
   Api::EVisibility visibility();
   virtual std::int64_t readInt(ReadFlags flags);
   virtual double readFloat(ReadFlags flags);
+  /// Whether the node says yes where another one asks it as a guard: any value but zero.
+  virtual bool saysYes(ReadFlags flags) { return readInt(flags) != 0; }
   virtual void writeInt(std::int64_t value, bool verify);
   virtual void writeFloat(double value, bool verify);
   virtual void readString(std::string& out, ReadFlags flags);

@@ -16,7 +16,11 @@ Api::IString& StringBase::operator=(const gcstring& value) {
 
 gcstring StringBase::GetValue(bool verify, bool ignoreCache) {
   const Call call(*this, "GetValue");
-  return toGc(textValue({verify, ignoreCache}));
+  const std::string text = textValue({verify, ignoreCache});
+  if (verify) {
+    checkErrors();
+  }
+  return toGc(text);
 }
 
 std::string StringBase::textValue(ReadFlags flags) {

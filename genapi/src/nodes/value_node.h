@@ -15,7 +15,11 @@ class ValueNode : public NodeCore, public Interface {
   gcstring ToString(bool verify, bool ignoreCache) override {
     const Call call(*this, "ToString");
     requireReadable("Node is not readable");
-    return toGc(textValue({verify, ignoreCache}));
+    const std::string text = textValue({verify, ignoreCache});
+    if (verify) {
+      checkErrors();
+    }
+    return toGc(text);
   }
   void FromString(const gcstring& text, bool verify) override {
     WriteCall call(*this, "FromString");
