@@ -118,6 +118,17 @@ TEST(Integers, ListOfValidValues) {
   EXPECT_EQ(map.integer("X").GetValue(), 3) << "the list only informs";
 }
 
+TEST(Integers, MayBeReadByTheLimitsOfWhatTheyAreWrittenTo) {
+  TestMap map(
+      reg("IntReg", "R", at(0)) +
+      "<Integer Name=\"X\"><pValue>Y</pValue></Integer><Integer Name=\"Y\"><pValue>R</pValue><pMax>K</pMax></Integer>"
+      "<IntSwissKnife Name=\"K\"><pVariable Name=\"A\">X</pVariable><Formula>A+5</Formula></IntSwissKnife>");
+  map.integer("X").SetValue(5);
+  map.integer("X").SetValue(10);
+  EXPECT_EQ(map.integer("K").GetValue(), 15);
+  EXPECT_THROW(map.integer("X").SetValue(16), GenICam::OutOfRangeException);
+}
+
 TEST(Floats, RoundSnapAndPrint) {
   TestMap map(
       "<Integer Name=\"I\"><Value>0</Value><Min>1</Min><Max>100</Max><Inc>4</Inc></Integer><Float "
@@ -248,6 +259,16 @@ TEST(Errors, AreAskedForAfterAVerifiedWrite) {
   expectThrow<GenICam::RuntimeException>([&] { map.integer("X").SetValue(2); }, "Too hot : Let it cool down");
   map.integer("X").SetValue(3, false);
   EXPECT_EQ(map.port.bytes[4], 3);
+  const std::vector<std::function<void(bool)>> reads{
+      [&](bool verify) { map.integer("X").GetValue(verify); },
+      [&](bool verify) { map.get<IBoolean>("B").GetValue(verify); },
+      [&](bool verify) { map.get<IString>("S").GetValue(verify); },
+      [&](bool verify) { map.get<IValue>("S").ToString(verify); },
+      [&](bool verify) { map.get<IEnumeration>("E").GetIntValue(verify); }};
+  for (const auto& read : reads) {
+    EXPECT_NO_THROW(read(false));
+    expectThrow<GenICam::RuntimeException>([&] { read(true); }, "Too hot");
+  }
 }
 
 TEST(Strings, OwnAndOfOthers) {
@@ -259,16 +280,6 @@ TEST(Strings, OwnAndOfOthers) {
   EXPECT_STREQ(map.get<IString>("Own").GetValue(), "new");
   EXPECT_EQ(map.text("Empty"), "");
 }
-  const std::vector<std::function<void(bool)>> reads{
-      [&](bool verify) { map.integer("X").GetValue(verify); },
-      [&](bool verify) { map.get<IBoolean>("B").GetValue(verify); },
-      [&](bool verify) { map.get<IString>("S").GetValue(verify); },
-      [&](bool verify) { map.get<IValue>("S").ToString(verify); },
-      [&](bool verify) { map.get<IEnumeration>("E").GetIntValue(verify); }};
-  for (const auto& read : reads) {
-    EXPECT_NO_THROW(read(false));
-    expectThrow<GenICam::RuntimeException>([&] { read(true); }, "Too hot");
-  }
 
 TEST(Interfaces, AreFoundWithAndWithoutDynamicCast) {
   TestMap map(reg("IntReg", "R", at(0)) + "<Category Name=\"Root\"><pFeature>R</pFeature></Category>");

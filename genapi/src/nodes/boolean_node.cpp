@@ -69,7 +69,7 @@ void BooleanNode::writeBool(bool value, bool verify) {
   if (verify) {
     requireWritable();
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   source_.write(*this, isConstant_ ? std::int64_t{value} : value ? on_ : off_, verify);
   value_ = value;
   valueWritten();

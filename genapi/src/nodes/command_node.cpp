@@ -23,7 +23,7 @@ void CommandNode::execute(bool verify) {
   if (verify) {
     requireWritable();
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   source_.write(*this, commandValue(), verify);
   // What cannot be read back, and a value that only the node itself holds, is done at once.
   NodeCore* const source = source_.node(*this);

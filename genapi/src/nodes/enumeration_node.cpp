@@ -72,7 +72,7 @@ void EnumerationNode::writeRaw(std::int64_t value, bool verify) {
       NODE_FAIL(*this, AccessException, "Failed to write enumeration value. Enum entry is not writable");
     }
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   source_.write(*this, value, verify);
   value_ = value;
   valueWritten();

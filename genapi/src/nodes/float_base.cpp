@@ -75,7 +75,7 @@ void FloatBase::writeFloat(double value, bool verify) {
     requireWritable();
     checkRange(value);
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   storeFloat(value, verify);
   value_ = value;
   valueWritten();

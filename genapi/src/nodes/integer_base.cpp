@@ -68,7 +68,7 @@ void IntegerBase::writeInt(std::int64_t value, bool verify) {
     requireWritable();
     checkRange(value);
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   storeInt(value, verify);
   value_ = value;
   valueWritten();

@@ -199,7 +199,7 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
     kAccessBusy = 8,
     kWatchesInvalidation = 16,  ///< wants onInvalidate
     kImposedLimits = 32,
-    kCacheable = 64,  ///< the value may be cached; valid when kCachingKnown
+    kWriteBusy = 64,  ///< the value is just being written; it may be read meanwhile, by the limits of what it goes to
   };
   bool isSet(State bit) const { return (state_ & bit) != 0; }
   void set(State bit) { state_ = static_cast<std::uint8_t>(state_ | bit); }

@@ -43,7 +43,7 @@ void StringBase::writeString(std::string_view value, bool verify) {
   if (verify) {
     requireWritable("Node is not writable");
   }
-  const ValueDescent descent(*this, state_, kValueBusy);
+  const ValueDescent descent(*this, state_, kWriteBusy);
   storeString(value, verify);
   value_ = value;
   valueWritten();
