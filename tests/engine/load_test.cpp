@@ -264,6 +264,8 @@ TEST(Load, InjectsOneDescriptionIntoAnother) {
   EXPECT_EQ(CIntegerPtr(kept->GetNode("A"))->GetValue(), 7);
   dynamic_cast<IDestroy*>(kept)->Destroy();
   expectThrow<GenICam::RuntimeException>([&] { make("<Integer Name=\"A\"><Value>8</Value></Integer>"); },
+  map.node("E").GetChildren(list, ctReadingChildren);
+  EXPECT_THAT(namesOf(list), IsEmpty()) << "the entries are asked for apart";
                                          "MergePriority");
 }
 

@@ -119,7 +119,7 @@ constexpr ElementInfo kElements[static_cast<std::size_t>(Element::Unknown) + 1] 
     integer("OffValue", Element::OffValue),
     integer("CommandValue", Element::CommandValue),
     reference("pCommandValue", Element::pCommandValue, Link::Computes, true),
-    reference("pEnumEntry", Element::pEnumEntry, Link::Reads, false),
+    reference("pEnumEntry", Element::pEnumEntry, Link::Invalidates, false),
     number("NumericValue", Element::NumericValue, false),
     text("Symbolic", Element::Symbolic),
     text("IsSelfClearing", Element::IsSelfClearing),

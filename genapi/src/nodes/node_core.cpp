@@ -223,8 +223,8 @@ bool NodeCore::accessCacheable() {
   bool cacheable = true;
   for (const Property& property : properties()) {
     const Element element = property.element();
-    const Link link = infoOf(element).link;
-    NodeCore* const node = link >= Link::Reads ? other(property.target) : nullptr;
+    const bool matters = infoOf(element).link >= Link::Reads || element == Element::pEnumEntry;
+    NodeCore* const node = matters ? other(property.target) : nullptr;
     if (node == nullptr || element == Element::pError || element == Element::pBlockPolling) {
       continue;
     }
