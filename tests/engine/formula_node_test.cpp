@@ -123,6 +123,14 @@ TEST(Converters, LimitsFollowTheSlope) {
                     "<Float Name=\"U\"><Value>1</Value></Float><Converter Name=\"K\"><FormulaTo>FROM/2</FormulaTo>"
                     "<FormulaFrom>TO*2</FormulaFrom><pValue>U</pValue><Slope>Increasing</Slope></Converter>");
   EXPECT_EQ(unlimited.number("K").GetMax(), std::numeric_limits<double>::max());
+  TestMap pole(
+      reg("IntReg", "Period", at(0), {}, "1") +
+      "<Converter Name=\"K\"><FormulaTo>1/FROM</FormulaTo><FormulaFrom>1/TO</FormulaFrom><pValue>Period</pValue>"
+      "<Slope>Decreasing</Slope></Converter><Float Name=\"Rate\"><pValue>K</pValue><Max>1</Max></Float>");
+  EXPECT_EQ(pole.number("Rate").GetMin(), 1.0 / 255);
+  EXPECT_EQ(pole.number("K").GetMax(), std::numeric_limits<double>::max()) << "no limit where the formula has no value";
+  pole.number("Rate").SetValue(0.1);
+  EXPECT_EQ(pole.port.bytes[0], 10);
 }
 
 TEST(Converters, IncrementOfALinearOne) {

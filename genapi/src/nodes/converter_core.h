@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -40,30 +41,25 @@ class ConverterCore {
   T fromSource(NodeCore& owner, T raw, ReadFlags flags = {}) { return number(from_.evaluate(owner, made(raw), flags)); }
 
   /// The limits of the source through the formula, in the order that the slope says. A source without limits has none
-  /// here.
+  /// here, and where the formula has no value, as 1/TO at 0, there is none either.
   std::pair<T, T> limits(NodeCore& owner) {
     NodeCore& raw = required(owner);
     const std::pair<T, T> none(std::numeric_limits<T>::lowest(), std::numeric_limits<T>::max());
     const T rawMin = NumberOf<T>::min(raw);
     const T rawMax = NumberOf<T>::max(raw);
-    const bool hasMin = rawMin != none.first;
-    const bool hasMax = rawMax != none.second;
-    switch (slope()) {
-      case Api::Varying:
-        return none;
-      case Api::Increasing:
-        return {hasMin ? fromSource(owner, rawMin) : none.first, hasMax ? fromSource(owner, rawMax) : none.second};
-      case Api::Decreasing:
-        return {hasMax ? fromSource(owner, rawMax) : none.first, hasMin ? fromSource(owner, rawMin) : none.second};
-      default:
-        break;
-    }
-    if (!hasMin || !hasMax) {
+    if (slope() == Api::Varying) {
       return none;
     }
-    const T atMin = fromSource(owner, rawMin);
-    const T atMax = fromSource(owner, rawMax);
-    return std::minmax(atMin, atMax);
+    const std::optional<T> atMin = rawMin == none.first ? std::nullopt : limitFrom(owner, rawMin);
+    const std::optional<T> atMax = rawMax == none.second ? std::nullopt : limitFrom(owner, rawMax);
+    switch (slope()) {
+      case Api::Increasing:
+        return {atMin.value_or(none.first), atMax.value_or(none.second)};
+      case Api::Decreasing:
+        return {atMax.value_or(none.first), atMin.value_or(none.second)};
+      default:
+        return atMin && atMax ? std::pair<T, T>(std::minmax(*atMin, *atMax)) : none;
+    }
   }
 
   /// Also the copies of the source count, as the source is what is written.
@@ -81,6 +77,12 @@ class ConverterCore {
       NODE_FAIL(owner, AccessException, "Node has no value to convert.");
     }
     return *raw;
+  }
+
+  std::optional<T> limitFrom(NodeCore& owner, T raw) {
+    FormulaValue result;
+    const FormulaFault fault = from_.tryEvaluate(owner, made(raw), {}, result);
+    return fault == FormulaFault::none ? std::optional(number(result)) : std::nullopt;
   }
 
   FormulaValue made(T value) const {

@@ -90,15 +90,19 @@ void FormulaBinding::compile(const NodeCore& owner) {
   program_ = std::move(program);
 }
 
-FormulaValue FormulaBinding::evaluate(NodeCore& owner, FormulaValue special, ReadFlags flags) {
+FormulaFault FormulaBinding::tryEvaluate(NodeCore& owner, FormulaValue special, ReadFlags flags, FormulaValue& result) {
   compile(owner);
-  FormulaValue result;
-  const FormulaFault fault = program_->evaluate(
+  return program_->evaluate(
       [&](std::uint32_t index) {
         const Variable& variable = variables_[index];
         return variable.node == kNoNode ? special : read(owner, variable, flags);
       },
       result);
+}
+
+FormulaValue FormulaBinding::evaluate(NodeCore& owner, FormulaValue special, ReadFlags flags) {
+  FormulaValue result;
+  const FormulaFault fault = tryEvaluate(owner, special, flags, result);
   if (fault != FormulaFault::none) {
     NODE_FAIL(owner, RuntimeException, "Formula '%.200s': %s", std::string(owner.propertyText(formula_)).c_str(),
               describe(fault));

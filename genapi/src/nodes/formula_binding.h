@@ -23,6 +23,8 @@ class FormulaBinding {
 
   /// Throws RuntimeException when the formula is wrong or cannot be calculated.
   FormulaValue evaluate(NodeCore& owner, FormulaValue special, ReadFlags flags);
+  /// Tells a fault of the calculation instead of throwing it.
+  FormulaFault tryEvaluate(NodeCore& owner, FormulaValue special, ReadFlags flags, FormulaValue& result);
   void compile(const NodeCore& owner);
 
  private:
