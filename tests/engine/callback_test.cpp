@@ -111,6 +111,15 @@ TEST(Callbacks, OneThatThrowsDoesNotBreakTheMap) {
   EXPECT_EQ(map.integer("X").GetValue(), 2);
 }
 
+TEST(Callbacks, OneWhoseOwnWriteFailsTakesNoOtherWithIt) {
+  TestMap map(kNodes);
+  Listener listener;
+  listener.listen(map, {"X", "R"}, cbPostOutsideLock);
+  Register(&map.node("X"), [&](INode*) { EXPECT_THROW(map.integer("X").SetValue(11), GenICam::OutOfRangeException); });
+  map.integer("X").SetValue(1);
+  EXPECT_THAT(listener.take(), UnorderedElementsAre("X", "R"));
+}
+
 TEST(Callbacks, CommandsCallWhenTheyAreDoneAndPollingCalls) {
   TestMap map(reg("IntReg", "C", at(0)) +
               "<Command Name=\"Cmd\"><pValue>C</pValue><CommandValue>1</CommandValue></Command>" +

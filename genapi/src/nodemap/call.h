@@ -49,6 +49,7 @@ class WriteCall {
 
   NodeCore& node_;
   NodeMap& map_;
+  std::size_t dueBefore_ = 0;  // callbacks that an outer call still owes
   bool locked_ = true;
   bool dropped_ = false;
 };

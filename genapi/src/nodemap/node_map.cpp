@@ -288,6 +288,7 @@ WriteCall::WriteCall(NodeCore& node, const char* method) : node_(node), map_(nod
     map_.entryMethod_ = method;
     map_.steps_ = 0;
   }
+  dueBefore_ = map_.dueOutside_.size();
   if (map_.writeDepth_++ == 0) {
     map_.written_.clear();
     ++map_.writeEpoch_;
@@ -339,7 +340,7 @@ WriteCall::~WriteCall() {
     }
     map_.written_.clear();
     map_.due_.clear();
-    map_.dueOutside_.clear();
+    map_.dueOutside_.resize(std::min(dueBefore_, map_.dueOutside_.size()));
   }
   --map_.writeDepth_;
   --map_.callDepth_;
