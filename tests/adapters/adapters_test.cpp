@@ -97,6 +97,21 @@ TEST(ChunkAdapter, TakesIdsAsTextAndStaysInsideTheChunk) {
   EXPECT_THROW(adapter.AttachBuffer(buffer, 2), GenICam::RuntimeException);
 }
 
+TEST(ChunkAdapter, AsksForIdsThatOtherNodesHold) {
+  const NodeMap map =
+      load(byteRegister("A", "PortA") +
+           "<Port Name=\"PortA\"><pChunkID>Id</pChunkID></Port><Integer Name=\"Known\"><Value>0</Value>"
+           "</Integer><String Name=\"Id\"><pIsAvailable>Known</pIsAvailable><Value>A5</Value></String>");
+  CChunkAdapterGeneric adapter(map.get());
+  uint8_t buffer[] = {7};
+  SingleChunkData_t chunks[] = {{0xA5, 0, 1}};
+  adapter.AttachBuffer(buffer, chunks, 1);
+  EXPECT_FALSE(isReadable(map, "A"));
+  CIntegerPtr(map->GetNode("Known"))->SetValue(1);
+  adapter.AttachBuffer(buffer, chunks, 1);
+  EXPECT_EQ(valueOf(map, "A"), 7);
+}
+
 TEST(EventAdapter, DeliversDataAndTellsTheNodes) {
   const NodeMap map =
       load(byteRegister("Data", "EventPort") + "<Integer Name=\"Feature\"><pValue>Data</pValue></Integer>" +

@@ -13,6 +13,25 @@ namespace GENAPI_NAMESPACE {
 using GenApiEngine::MemoryPort;
 using GenApiEngine::normalizedId;
 
+namespace {
+
+// An ID that another node holds may be unreadable for a while; the port has no chunk then.
+std::string idOf(const IChunkPort& port) {
+  try {
+    return normalizedId(port.GetChunkID());
+  } catch (...) {
+    return {};
+  }
+}
+
+bool isChunkPort(INode& node, const IChunkPort& port) {
+  GENICAM_NAMESPACE::gcstring name;
+  GENICAM_NAMESPACE::gcstring attribute;
+  return node.GetProperty("pChunkID", name, attribute) || !port.GetChunkID().empty();
+}
+
+}  // namespace
+
 struct CChunkAdapter::Ports {
   struct Chunk {
     std::string id;
@@ -55,9 +74,9 @@ struct CChunkAdapter::Ports {
   void attach(const uint8_t* buffer, const std::vector<Chunk>& chunks, AttachStatistics_t* statistics) {
     AttachStatistics_t counted = {static_cast<int>(ports.size()), static_cast<int>(chunks.size()), 0};
     change([&](Port& port) {
-      const std::string wanted = normalizedId(port.chunk->GetChunkID());
+      const std::string wanted = idOf(*port.chunk);
       const auto chunk = std::find_if(chunks.begin(), chunks.end(), [&](const Chunk& c) { return c.id == wanted; });
-      if (chunk == chunks.end())
+      if (wanted.empty() || chunk == chunks.end())
         return leave(port);
       port.offset = chunk->offset;
       port.memory->attach(buffer + chunk->offset, chunk->length);
@@ -106,7 +125,7 @@ void CChunkAdapter::AttachNodeMap(INodeMap* pNodeMap) {
     if (node->GetPrincipalInterfaceType() != intfIPort)
       continue;
     auto* const chunkPort = dynamic_cast<IChunkPort*>(node);
-    if (chunkPort == nullptr || chunkPort->GetChunkID().empty())
+    if (chunkPort == nullptr || !isChunkPort(*node, *chunkPort))
       continue;
     Ports::Port port{node, chunkPort};
     if (pNodeMap->Connect(port.memory.get(), node->GetName()))
