@@ -133,10 +133,19 @@ TEST(Load, ForgivesAndWarnsWithTheLine) {
 }
 
 TEST(Load, TakesNumbersInEverySpelling) {
-  const std::vector<std::pair<const char*, std::int64_t>> cases{
-      {" 5 ", 5},   {"\n 0x1F \n", 31}, {"0XfF", 255},    {"0xFFFFFFFFFFFFFFFF", -1},     {"-12", -12},
-      {"+12", 12},  {"018", 18},        {"1000.0", 1000}, {"<!-- c -->4<!-- d -->2", 42}, {"<![CDATA[ 9 ]]>", 9},
-      {"1e3", 1000}};
+  const std::vector<std::pair<const char*, std::int64_t>> cases{{" 5 ", 5},
+                                                                {"\n 0x1F \n", 31},
+                                                                {"0XfF", 255},
+                                                                {"0xFFFFFFFFFFFFFFFF", -1},
+                                                                {"-12", -12},
+                                                                {"+12", 12},
+                                                                {"018", 18},
+                                                                {"1000.0", 1000},
+                                                                {"<!-- c -->4<!-- d -->2", 42},
+                                                                {"<![CDATA[ 9 ]]>", 9},
+                                                                {"1e3", 1000},
+                                                                {"1_000", 1000},
+                                                                {"0x1234_5678", 0x12345678}};
   for (const auto& [text, value] : cases) {
     EXPECT_EQ(TestMap("<Integer Name=\"B\"><Value>" + std::string(text) + "</Value></Integer>").integer("B").GetValue(),
               value)

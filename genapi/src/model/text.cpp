@@ -18,13 +18,23 @@ bool isHexPrefixed(std::string_view text) {
   return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
+// Some descriptions group digits with underscores.
+bool isGrouped(std::string_view number) {
+  return number.find('_') != std::string_view::npos;
+}
+std::string withoutGroups(std::string_view number) {
+  std::string plain(number);
+  std::erase(plain, '_');
+  return plain;
+}
+
 std::optional<std::uint64_t> parseHexDigits(std::string_view digits) {
   std::uint64_t value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  if (error != std::errc{} || end != digits.data() + digits.size()) {
-    return std::nullopt;
+  if (error == std::errc{} && end == digits.data() + digits.size()) {
+    return value;
   }
-  return value;
+  return isGrouped(digits) ? parseHexDigits(withoutGroups(digits)) : std::nullopt;
 }
 
 void appendUtf8(std::string& out, std::uint32_t code) {
@@ -206,6 +216,9 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
   if (error == std::errc{} && end == digits.data() + digits.size()) {
     return static_cast<std::int64_t>(negative ? 0 - value : value);
   }
+  if (isGrouped(text)) {
+    return parseInteger(withoutGroups(text));
+  }
   const auto number = parseNumber(text);
   if (!number || std::isnan(*number)) {
     return std::nullopt;
@@ -235,7 +248,7 @@ std::optional<double> parseNumber(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   if (end != digits.data() + digits.size() || digits.empty() || digits.front() == '-') {
-    return std::nullopt;
+    return isGrouped(text) ? parseNumber(withoutGroups(text)) : std::nullopt;
   }
   if (error == std::errc::result_out_of_range) {
     // Too large or too small to be a double: the exponent's sign tells which.

@@ -1,6 +1,7 @@
 // String nodes: a text that lies in the node or in another one.
 #pragma once
 
+#include "model/text.h"
 #include "nodes/string_base.h"
 
 namespace GenApiEngine {
@@ -10,7 +11,7 @@ class StringNode final : public StringBase {
   StringNode(NodeMap& map, NodeIndex index)
       : StringBase(map, index),
         source_(propertyNode(Element::pValue)),
-        constant_(propertyText(Element::Value)) {}
+        constant_(toUtf8(propertyText(Element::Value))) {}
 
   std::int64_t maxLength() override;
   NodeCore* valueSource() const override { return other(source_); }
