@@ -178,6 +178,10 @@ void RegisterAccess::write(NodeCore& owner, const std::uint8_t* buffer, std::int
   if (access_ == Api::RO) {
     NODE_FAIL(owner, AccessException, "Node is not writable.");
   }
+  if (length == 0) {
+    // A text register may have no bytes; a port is not asked for nothing.
+    return;
+  }
   const std::int64_t at = address(owner);
   const std::int64_t registerLength = this->length(owner);
   const bool whole = length == registerLength;
