@@ -40,7 +40,7 @@ class GENAPI_DECL CNodeMapFactory {
   CNodeMapFactory(EContentType_t ContentType, const void* pData, size_t DataSize,
                   ECacheUsage_t CacheUsage = CacheUsage_Automatic, bool SuppressStringsOnLoad = false);
   /// @param XmlData                 the description itself; copied
-  /// @param SuppressStringsOnLoad   leave out tool tips, descriptions and the like
+  /// @param SuppressStringsOnLoad   has no effect: tool tips and descriptions cost nothing until they are asked for
   CNodeMapFactory(const GENICAM_NAMESPACE::gcstring& XmlData, ECacheUsage_t CacheUsage = CacheUsage_Automatic,
                   bool SuppressStringsOnLoad = false);
   CNodeMapFactory(const CNodeMapFactory& Other);

@@ -98,7 +98,7 @@ typedef enum _EXMLValidation : uint32_t {
   xvSFNC = 4,
   xvDefault = 0,
   xvAll = 0xffffffffU,
-  _UndefinedEXMLValidation = 0x80000000U
+  _UndefinedEXMLValidation = 0x8000000
 } EXMLValidation;
 
 typedef enum _EGenApiSchemaVersion { v1_0 = 1, v1_1 = 2, _UndefinedEGenApiSchemaVersion = -1 } EGenApiSchemaVersion;
