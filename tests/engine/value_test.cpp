@@ -216,6 +216,18 @@ TEST(Enumerations, EntriesAndValues) {
   EXPECT_EQ(node.GetIntValue(), 7);
   node.SetIntValue(3, false);
   EXPECT_EQ(map.text("E"), "Gone") << "reading does not ask whether the entry is available";
+
+  TestMap away(
+      "<Integer Name=\"Zero\"><Value>0</Value></Integer>" + reg("IntReg", "R", at(0)) +
+      reg("IntReg", "W", at(4), {}, "4", "WO") +
+      "<Enumeration Name=\"Na\"><pIsAvailable>Zero</pIsAvailable><EnumEntry Name=\"A\"><Value>0</Value>"
+      "<IsSelfClearing>Yes</IsSelfClearing></EnumEntry><pValue>R</pValue><PollingTime>10</PollingTime></Enumeration>"
+      "<Enumeration Name=\"Wo\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry><pValue>W</pValue></Enumeration>");
+  EXPECT_THROW(away.get<IEnumeration>("Na").GetCurrentEntry(), GenICam::AccessException);
+  away->Poll(100);
+  EXPECT_EQ(away.port.reads, 0) << "a register that the camera may not have is left alone";
+  away.get<IEnumeration>("Wo") = "A";
+  EXPECT_STREQ(away.get<IEnumeration>("Wo").GetCurrentEntry()->GetSymbolic(), "A");
 }
 
 TEST(Commands, AreDoneWhenTheirRegisterSaysSo) {

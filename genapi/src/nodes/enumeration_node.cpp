@@ -130,6 +130,10 @@ Api::IEnumEntry* EnumerationNode::GetEntry(const int64_t value) {
 
 Api::IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache) {
   const Call call(*this, "GetCurrentEntry");
+  if (!Api::IsAvailable(accessMode())) {
+    NODE_FAIL(*this, AccessException, "Node is not readable.");
+  }
+  // What can only be written may still be known from the last write.
   const std::int64_t value = readRaw({verify, ignoreCache});
   EnumEntryNode* const current = byValue(value);
   if (current == nullptr && verify) {
@@ -197,7 +201,7 @@ std::int64_t EnumerationNode::entryValue(std::string_view symbolic) {
 // Polling is for entries that go back to another one by themselves.
 bool EnumerationNode::isPolledNow() {
   try {
-    EnumEntryNode* const current = byValue(readRaw({}));
+    EnumEntryNode* const current = Api::IsReadable(accessMode()) ? byValue(readRaw({})) : nullptr;
     return current != nullptr && current->IsSelfClearing();
   } catch (...) {
     return false;
