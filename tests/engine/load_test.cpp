@@ -132,6 +132,54 @@ TEST(Load, ForgivesAndWarnsWithTheLine) {
   }
 }
 
+TEST(Load, TellsWhenAskedWhatTheSchemaForbids) {
+  const auto remarksOn = [](const std::string& nodes) {
+    std::vector<std::string> remarks;
+    const TestMap map(nodes);
+    for (const GenApiEngine::DescriptionRemark& remark : GenApiEngine::reviewOf(*map)) {
+      remarks.push_back(remark.node + ": " + remark.text);
+    }
+    return remarks;
+  };
+  const std::vector<std::pair<std::string, const char*>> cases{
+      {"<Integer Name=\"X\"><Max>5</Max><Value>1</Value></Integer>", "X: Value stands behind Max"},
+      {"<IntReg Name=\"X\"><Address>0</Address><Length>4</Length><pPort>Device</pPort><Endianess>BigEndian</Endianess>"
+       "</IntReg>",
+       "X: there is no AccessMode, RO is assumed"},
+      {reg("IntReg", "X", at(0)), "X: there is no Endianess, LittleEndian is assumed"},
+      {reg("MaskedIntReg", "X", at(0), "<LSB>0</LSB><MSB>7</MSB><Endianess>BigEndian</Endianess>"),
+       "X: LSB and MSB are exchanged, BigEndian counts from the highest bit"},
+      {reg("StringReg", "X", at(0), {}, "4", "R"), "X: AccessMode is 'R', which is none of RO WO RW"},
+      {"<Integer Name=\"X\"><Visibility>guru</Visibility><Value>1</Value></Integer>",
+       "X: Visibility is 'guru', which is none of Beginner Expert Guru Invisible"},
+      {"<Boolean Name=\"X\"><Value>True</Value></Boolean>", "X: Value is 'True', which is neither true nor false"},
+      {"<Integer Name=\"X\"><Value>0xFFFFFFFFFFFFFFFF</Value></Integer>",
+       "X: Value is '0xFFFFFFFFFFFFFFFF', which is no integer of the schema"},
+      {"<Float Name=\"X\"><Value>0x10</Value></Float>", "X: Value is '0x10', which is no float of the schema"},
+      {"<Integer Name=\"X\"><Value> 1 </Value><Max>5</Max></Integer><Integer Name=\"Y\"><Value>1\n</Value></Integer>",
+       ": 2 numbers stand between blanks"},
+  };
+  for (const auto& [nodes, remark] : cases) {
+    EXPECT_THAT(remarksOn(nodes), ElementsAre(remark));
+  }
+  EXPECT_THAT(
+      remarksOn(
+          "<StructReg><ToolTip>t</ToolTip><Address>8</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+          "<pPort>Device</pPort><Endianess>BigEndian</Endianess><StructEntry Name=\"S\"><Visibility>Guru</Visibility>"
+          "<AccessMode>RO</AccessMode><LSB>7</LSB><MSB>0</MSB><Sign>Signed</Sign></StructEntry></StructReg>"
+          "<Enumeration Name=\"E\"><Streamable>Yes</Streamable><EnumEntry Name=\"A\"><Value>0</Value><NumericValue>0.5"
+          "</NumericValue></EnumEntry><Value>0</Value><pSelected>C</pSelected><PollingTime>5</PollingTime></"
+          "Enumeration>"
+          "<Converter Name=\"C\"><pVariable Name=\"V\">F</pVariable><Constant Name=\"K\">1e3</Constant><FormulaTo>FROM"
+          "</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>F</pValue><Unit>s</Unit><Slope>Automatic</Slope></"
+          "Converter>"
+          "<Float "
+          "Name=\"F\"><Value>-1.5</Value><Min>-INF</Min><Inc>2</Inc><DisplayNotation>Fixed</DisplayNotation></Float>"
+          "<Integer Name=\"I\"><pIndex>S</pIndex><ValueIndexed Index=\"0\">0x7FFFFFFFFFFFFFFF</ValueIndexed>"
+          "<pValueDefault>S</pValueDefault><Min>-5</Min><Representation>Linear</Representation></Integer>"),
+      IsEmpty());
+}
+
 TEST(Load, TakesNumbersInEverySpelling) {
   const std::vector<std::pair<const char*, std::int64_t>> cases{{" 5 ", 5},
                                                                 {"\n 0x1F \n", 31},
@@ -216,6 +264,8 @@ TEST(Load, NamesAndRelations) {
   NodeList_t list;
   map.node("A").GetChildren(list, ctReadingChildren);
   EXPECT_THAT(namesOf(list), ElementsAre("R", "M"));
+  map.node("E").GetChildren(list, ctReadingChildren);
+  EXPECT_THAT(namesOf(list), IsEmpty()) << "the entries are asked for apart";
   map.node("A").GetChildren(list, ctInvalidatingChildren);
   EXPECT_THAT(namesOf(list), ElementsAre("R", "M", "I"));
   map.node("A").GetChildren(list, ctTerminalNodes);
@@ -273,8 +323,6 @@ TEST(Load, InjectsOneDescriptionIntoAnother) {
   EXPECT_EQ(CIntegerPtr(kept->GetNode("A"))->GetValue(), 7);
   dynamic_cast<IDestroy*>(kept)->Destroy();
   expectThrow<GenICam::RuntimeException>([&] { make("<Integer Name=\"A\"><Value>8</Value></Integer>"); },
-  map.node("E").GetChildren(list, ctReadingChildren);
-  EXPECT_THAT(namesOf(list), IsEmpty()) << "the entries are asked for apart";
                                          "MergePriority");
 }
 

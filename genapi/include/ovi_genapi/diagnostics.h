@@ -31,6 +31,19 @@ struct NodeMapDiagnostics {
   std::int64_t mapTime = 0;
 };
 
+/// Something in a description that the schema forbids.
+struct DescriptionRemark {
+  std::string node;  ///< empty when it concerns the whole description
+  std::string text;
+};
+
+/// What the description holds against the schema without any consequence in this engine, but for which other programs
+/// may refuse it as a whole: elements in the wrong order, missing ones, words and numbers that are none, exchanged
+/// bits.
+///
+/// Throws InvalidArgumentException for a node map that is not one of this engine's.
+std::vector<DescriptionRemark> reviewOf(const GENAPI_NAMESPACE::INodeMap& nodeMap);
+
 /// Throws InvalidArgumentException for a node map that is not one of this engine's.
 NodeMapDiagnostics diagnosticsOf(const GENAPI_NAMESPACE::INodeMap& nodeMap);
 

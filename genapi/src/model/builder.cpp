@@ -25,35 +25,6 @@ std::int64_t nanosecondsSince(Clock::time_point& from) {
 constexpr unsigned kParseOptions = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_eol |
                                    pugi::parse_wconv_attribute | pugi::parse_trim_pcdata | pugi::parse_embed_pcdata;
 
-bool hasRegister(NodeKind kind) {
-  switch (kind) {
-    case NodeKind::IntReg:
-    case NodeKind::MaskedIntReg:
-    case NodeKind::StructEntry:
-    case NodeKind::FloatReg:
-    case NodeKind::StringReg:
-    case NodeKind::Register:
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool isFloatKind(NodeKind kind) {
-  return kind == NodeKind::Float || kind == NodeKind::FloatReg || kind == NodeKind::SwissKnife ||
-         kind == NodeKind::Converter;
-}
-
-Lexical lexicalOf(const ElementInfo& info, NodeKind kind) {
-  if (info.element == Element::Value && kind == NodeKind::String) {
-    return Lexical::Text;
-  }
-  if (info.lexical == Lexical::Number && info.element != Element::NumericValue && !isFloatKind(kind)) {
-    return Lexical::Integer;
-  }
-  return info.lexical;
-}
-
 std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, NodeKind kind) {
   if (lexical == Lexical::Number) {
     const auto number = parseNumber(text);
@@ -426,7 +397,7 @@ void ModelBuilder::emitChild(pugi::xml_node child, Element element, NodeKind kin
   }
   Property property = makeProperty(element, span);
   const ElementInfo& info = infoOf(element);
-  const Lexical lexical = lexicalOf(info, kind);
+  const Lexical lexical = lexicalOf(element, kind);
   const std::string_view text = model_.text(property);
   if (lexical == Lexical::Integer || lexical == Lexical::Number) {
     if (const auto bits = parseBits(text, lexical, kind)) {

@@ -209,6 +209,30 @@ Element findForgiving(std::string_view name) {
 
 }  // namespace
 
+bool hasRegister(NodeKind kind) {
+  switch (kind) {
+    case NodeKind::IntReg:
+    case NodeKind::MaskedIntReg:
+    case NodeKind::StructEntry:
+    case NodeKind::FloatReg:
+    case NodeKind::StringReg:
+    case NodeKind::Register:
+      return true;
+    default:
+      return false;
+  }
+}
+
+Lexical lexicalOf(Element element, NodeKind kind) {
+  if (element == Element::Value && kind == NodeKind::String) {
+    return Lexical::Text;
+  }
+  const bool isFloat = kind == NodeKind::Float || kind == NodeKind::FloatReg || kind == NodeKind::SwissKnife ||
+                       kind == NodeKind::Converter;
+  const Lexical lexical = infoOf(element).lexical;
+  return lexical == Lexical::Number && element != Element::NumericValue && !isFloat ? Lexical::Integer : lexical;
+}
+
 ElementMatch findElement(std::string_view name) {
   if (name.empty()) {
     return {};

@@ -163,6 +163,11 @@ inline const ElementInfo& infoOf(Element element) {
   return kElements[static_cast<std::size_t>(element)];
 }
 
+/// Whether nodes of that kind lie in a register that holds one value.
+bool hasRegister(NodeKind kind);
+/// How the text of an element is understood in a node of that kind.
+Lexical lexicalOf(Element element, NodeKind kind);
+
 struct ElementMatch {
   Element element = Element::Unknown;
   bool exact = true;  ///< false when only another spelling of the name matched

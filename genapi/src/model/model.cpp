@@ -66,6 +66,13 @@ NodeIndex Model::indexOf(std::string_view full) const {
   return kNoNode;
 }
 
+// Where the parser cut blanks off a text's end it has put a NUL in place of the first; otherwise that stands in place
+// of the next tag's bracket.
+bool Model::isPadded(const Property& property) const {
+  const char* const end = text_.get() + property.text + property.length();
+  return isBlank(text_[property.text - 1]) || isBlank(*end) || (*end == '\0' && (isBlank(end[1]) || end[1] == '<'));
+}
+
 std::span<const std::pair<NodeIndex, NodeIndex>> Model::selectorsOf(NodeIndex index) const {
   const auto [first, last] = std::equal_range(selectors_.begin(), selectors_.end(), std::pair(index, NodeIndex{0}),
                                               [](const auto& a, const auto& b) { return a.first < b.first; });

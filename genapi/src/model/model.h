@@ -86,6 +86,8 @@ class Model {
   std::string fullName(const NodeRecord& node) const;
   std::string_view text(const Property& property) const { return {text_.get() + property.text, property.length()}; }
   const char* attribute(const Property& property) const { return text_.get() + property.attribute; }
+  /// Whether blanks stood around the text.
+  bool isPadded(const Property& property) const;
   bool hasNumber(const Property& property) const { return property.target != kNoNode; }
   std::int64_t integer(const Property& property) const { return numbers_[property.target]; }
   double number(const Property& property) const { return std::bit_cast<double>(numbers_[property.target]); }

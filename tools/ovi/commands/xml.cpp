@@ -95,6 +95,10 @@ std::vector<Warning> warningsOf(const Description& description) {
   const GenApiEngine::NodeMapDiagnostics diagnostics = description.diagnostics();
   for (const GenApiEngine::DescriptionWarning& warning : diagnostics.warnings)
     warnings.push_back({warning.line, warning.text, meaningOf(warning.text)});
+  for (const GenApiEngine::DescriptionRemark& remark : GenApiEngine::reviewOf(description.nodeMap()))
+    warnings.push_back({remark.node.empty() ? 0 : description.lineOf(remark.node),
+                        (remark.node.empty() ? "" : "'" + remark.node + "': ") + remark.text,
+                        "the schema has it otherwise; other programs may refuse the whole description"});
   GenICam::gcstring_vector errors;
   if (!description.nodeMap().ParseSwissKnifes(&errors))
     for (const GenICam::gcstring& error : errors)
