@@ -342,6 +342,19 @@ TEST(Load, SharesTheModelOfTheSameContent) {
   for (INodeMap* const map : {a, again, b}) {
     dynamic_cast<IDestroy*>(map)->Destroy();
   }
+  // Two changes that a hash of words in lanes may let cancel each other.
+  const std::string letters(200, 'a');
+  const std::string plain =
+      describe("<Integer Name=\"Shared\"><ToolTip>" + letters + "</ToolTip><Value>1</Value></Integer>");
+  const TestMap original{TestMap::RawText{plain}};
+  for (std::size_t i = plain.find(letters); i < plain.find(letters) + 64; ++i) {
+    std::string changed = plain;
+    changed[i] = static_cast<char>(changed[i] ^ '\x80');
+    changed[i + 28] ^= 0x40;
+    INodeMap* const other = CNodeMapFactory(gcstring(changed.c_str())).CreateNodeMap();
+    EXPECT_STRNE(other->GetNode("Shared")->GetToolTip(), letters.c_str()) << i;
+    dynamic_cast<IDestroy*>(other)->Destroy();
+  }
   INodeMap* const empty = CNodeMapFactory::CreateEmptyNodeMap();
   EXPECT_EQ(empty->GetNode("Root"), nullptr);
   MemoryPort port;

@@ -1,58 +1,21 @@
 // Keeps models by a hash of their text; the newest few also while no node map uses them.
 #include "model/model_cache.h"
 
-#include <cstring>
+#include <algorithm>
+#include <iterator>
 #include <list>
 #include <mutex>
-#include <random>
+#include <vector>
 
 #include "model/builder.h"
+#include "model/content_hash.h"
 #include "model/limits.h"
 
 namespace GenApiEngine {
 namespace {
 
-struct ContentKey {
-  std::uint64_t first = 0;
-  std::uint64_t second = 0;
-  std::size_t size = 0;
-  bool operator==(const ContentKey&) const = default;
-};
-
-std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
-  a ^= b;
-  a ^= a >> 32;
-  a *= 0xD6E8FEB86659FD93ULL;
-  a ^= a >> 29;
-  a *= 0x9E3779B97F4A7C15ULL;
-  return a ^ (a >> 32);
-}
-
-// Four independent lanes, so that the multiplications overlap.
-std::uint64_t hashContent(std::string_view text, std::uint64_t seed) {
-  constexpr std::uint64_t kMultiplier = 0xA0761D6478BD642FULL;
-  constexpr std::size_t kBlock = 32;
-  std::uint64_t lanes[4] = {seed, seed + 1, seed + 2, seed + 3};
-  const char* at = text.data();
-  std::size_t left = text.size();
-  for (; left >= kBlock; left -= kBlock, at += kBlock) {
-    for (std::size_t i = 0; i < 4; ++i) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, at + 8 * i, sizeof word);
-      lanes[i] = (lanes[i] ^ word) * kMultiplier;
-      lanes[i] = (lanes[i] << 31) | (lanes[i] >> 33);
-    }
-  }
-  std::uint64_t hash = mix(mix(lanes[0], lanes[1]), mix(lanes[2], lanes[3])) ^ text.size();
-  for (; left != 0; left -= std::min<std::size_t>(left, 8)) {
-    std::uint64_t word = 0;
-    const std::size_t take = std::min<std::size_t>(left, 8);
-    std::memcpy(&word, at, take);
-    at += take;
-    hash = mix(hash, word);
-  }
-  return hash;
-}
+// Documents that are loaded together are told apart by the hash of each.
+using ContentKey = std::vector<ContentHash::Value>;
 
 class Cache {
  public:
@@ -62,12 +25,8 @@ class Cache {
   }
 
   ContentKey keyOf(std::span<const std::string_view> documents) const {
-    ContentKey key{seeds_[0], seeds_[1], documents.size()};
-    for (const std::string_view text : documents) {
-      key.first = mix(key.first, hashContent(text, seeds_[0]));
-      key.second = mix(key.second, hashContent(text, seeds_[1]));
-      key.size += text.size();
-    }
+    ContentKey key;
+    std::transform(documents.begin(), documents.end(), std::back_inserter(key), hash_);
     return key;
   }
 
@@ -104,17 +63,10 @@ class Cache {
     std::shared_ptr<const Model> model;
   };
 
-  // The seeds differ between processes, so that no description can be made to be taken for another.
-  Cache() {
-    std::random_device random;
-    for (std::uint64_t& seed : seeds_) {
-      seed = (std::uint64_t{random()} << 32) | random();
-    }
-  }
-
+  // Its key differs between processes, so that no description can be made to be taken for another.
+  const ContentHash hash_;
   std::mutex mutex_;
   std::list<Entry> entries_;  // the newest first
-  std::uint64_t seeds_[2] = {};
 };
 
 }  // namespace
