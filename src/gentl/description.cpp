@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "gentl/trace.h"
+#include "ovi_genapi/zip_reader.h"
 #include "platform/ascii.h"
 #include "platform/platform.h"
 
@@ -43,7 +44,7 @@ std::optional<std::uint64_t> parseHex(std::string_view text) {
 class ZipArchive {
  public:
   explicit ZipArchive(const std::string& bytes) {
-    if (mz_zip_reader_init_mem(&archive_, bytes.data(), bytes.size(), 0) == MZ_FALSE) {
+    if (!GenApiEngine::openZip(archive_, bytes)) {
       fail();
     }
   }

@@ -11,6 +11,7 @@
 #include "Base/GCException.h"
 #include "model/limits.h"
 #include "model/text.h"
+#include "ovi_genapi/zip_reader.h"
 
 namespace GenApiEngine {
 namespace {
@@ -19,9 +20,7 @@ constexpr std::string_view kLocalHeader{"PK\x03\x04", 4};
 
 class Archive {
  public:
-  explicit Archive(std::string_view data) {
-    good_ = mz_zip_reader_init_mem(&zip_, data.data(), data.size(), 0) != MZ_FALSE;
-  }
+  explicit Archive(std::string_view data) : good_(openZip(zip_, data)) {}
   Archive(const Archive&) = delete;
   Archive& operator=(const Archive&) = delete;
   ~Archive() {
@@ -68,7 +67,7 @@ class Archive {
 
  private:
   mz_zip_archive zip_{};
-  bool good_ = false;
+  bool good_;
 };
 
 std::uint32_t little(std::string_view bytes, std::size_t at, std::size_t count) {
