@@ -32,6 +32,17 @@ class Parser {
     T (*apply)(T, T);
   };
 
+  static T remainder(T a, T b) {
+    if (b == T{}) {
+      return T{};
+    }
+    if constexpr (std::is_floating_point_v<T>) {
+      return std::fmod(a, b);
+    } else {
+      return a % b;
+    }
+  }
+
   static constexpr std::array<Operator, 13> kOperators{{
       {"||", [](T a, T b) { return T(a != T{} || b != T{}); }},
       {"&&", [](T a, T b) { return T(a != T{} && b != T{}); }},
@@ -49,17 +60,6 @@ class Parser {
   }};
   // Where each level of precedence begins in the table, the loosest first; the last entry ends it.
   static constexpr std::array<std::size_t, 6> kLevels{0, 1, 2, 8, 10, 13};
-
-  static T remainder(T a, T b) {
-    if (b == T{}) {
-      return T{};
-    }
-    if constexpr (std::is_floating_point_v<T>) {
-      return std::fmod(a, b);
-    } else {
-      return a % b;
-    }
-  }
 
   [[noreturn]] void fail() const { throw std::invalid_argument("malformed formula: " + std::string(text_)); }
 
@@ -145,7 +145,7 @@ class Parser {
 
 Formula::Formula(std::string text) : text_(std::move(text)) {
   const Lookup collect = [this](const std::string& name) {
-    if (std::find(names_.begin(), names_.end(), name) == names_.end()) {
+    if (std::ranges::find(names_, name) == names_.end()) {
       names_.push_back(name);
     }
     return 1.0;

@@ -51,6 +51,7 @@ void HandleTable::insert(Object& object) {
   }
   Slot& slot = slots[index];
   const std::uint32_t generation = generationOf(slot.state.load(std::memory_order_relaxed));
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle is a number, not an address.
   object.handle_ = reinterpret_cast<void*>(static_cast<std::uintptr_t>(kTag << 56 | std::uint64_t{generation} << 24 |
                                                                        std::uint64_t{index} << 8 | object.kind()));
   slot.object.store(&object, std::memory_order_relaxed);
@@ -78,7 +79,7 @@ void HandleTable::drain(void* handle) noexcept {
 }
 
 void HandleTable::erase(void* handle) noexcept {
-  const std::uint32_t index = static_cast<std::uint32_t>(indexOf(handle));
+  const auto index = static_cast<std::uint32_t>(indexOf(handle));
   Slot& slot = slots[index];
   slot.object.store(nullptr, std::memory_order_relaxed);
   slot.state.fetch_add(kOneGeneration - kOpen - kClosing, std::memory_order_acq_rel);
@@ -93,9 +94,9 @@ void HandleTable::awaitErased(void* handle) noexcept {
   if (slot == nullptr) {
     return;
   }
-  waitUntil([slot = slot, generation = generation] {
-    const std::uint64_t state = slot->state.load(std::memory_order_acquire);
-    return generationOf(state) != generation || (state & kOpen) == 0;
+  waitUntil([place = slot, wanted = generation] {
+    const std::uint64_t state = place->state.load(std::memory_order_acquire);
+    return generationOf(state) != wanted || (state & kOpen) == 0;
   });
 }
 

@@ -19,7 +19,8 @@ void Recorder::start() {
   if (current_) {
     fail(GC_ERR_RESOURCE_IN_USE, "a recording is under way already");
   }
-  current_.emplace().frameRate = frameRate_;
+  current_ = Recording();
+  current_->frameRate = frameRate_;
   isRecording_ = true;
 }
 
