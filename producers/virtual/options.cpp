@@ -154,8 +154,7 @@ std::string apply(Options& options, const IniEntry& entry) {
   }
   const std::string serial = entry.section.substr(kCameraSection.size());
   const std::vector<CameraModel> models = defaultModels();
-  if (std::none_of(models.begin(), models.end(),
-                   [&](const CameraModel& model) { return model.identity.serialNumber == serial; })) {
+  if (std::ranges::none_of(models, [&](const CameraModel& model) { return model.identity.serialNumber == serial; })) {
     return "no camera has the serial number \"" + serial + "\"; its keys are ignored";
   }
   return apply(kCameraKeys, options.cameras.choices[serial], entry);

@@ -71,8 +71,7 @@ oviErr findTarget(const char* site, std::uint64_t moduleHandle, const std::share
     out = {module, OVI_MODULE_DATA_STREAM, EVENT_NEW_BUFFER};
     return OVI_SUCCESS;
   }
-  const auto* known = std::find_if(std::begin(kModuleEvents), std::end(kModuleEvents),
-                                   [&](const EventKind& entry) { return entry.kind == kind; });
+  const auto* known = std::ranges::find_if(kModuleEvents, [&](const EventKind& entry) { return entry.kind == kind; });
   if (known == std::end(kModuleEvents)) {
     OVI_LOG_ERROR(site) << "Failed to register event on module:  Handle: [" << moduleHandle
                         << "] Error: Event object was NULL";

@@ -30,8 +30,8 @@ constexpr PixelFormatName kPixelFormatNames[] = {
 
 /** The name to write to a camera; a format that is not listed becomes RGB8. */
 const char* pixelFormatName(std::uint32_t code) noexcept {
-  const auto* found = std::find_if(std::begin(kPixelFormatNames), std::end(kPixelFormatNames),
-                                   [&](const PixelFormatName& entry) { return entry.code == code; });
+  const auto* found =
+      std::ranges::find_if(kPixelFormatNames, [&](const PixelFormatName& entry) { return entry.code == code; });
   return found != std::end(kPixelFormatNames) ? found->name : "RGB8";
 }
 

@@ -31,7 +31,7 @@ constexpr bool isValidMode(std::uint32_t mode) noexcept {
 
 constexpr bool hasTestPattern(std::uint32_t pixelFormat) noexcept {
   constexpr std::uint32_t kFormats[] = {kMono8, kRGB8, kBGR8, kRGBa8, kBGRa8};
-  return std::find(std::begin(kFormats), std::end(kFormats), pixelFormat) != std::end(kFormats);
+  return std::ranges::find(kFormats, pixelFormat) != std::end(kFormats);
 }
 
 /** One run of oviScanImg: what it was asked for, and what it has set up so far. */
@@ -91,7 +91,8 @@ class CallbackScan {
       return result;
     }
     family_ = scanFamilyOf(device_);
-    if (failed(result = applyFilterDriver(family_, stream_), "Cannot enable filter driver!") != OVI_SUCCESS) {
+    result = applyFilterDriver(family_, stream_);
+    if (failed(result, "Cannot enable filter driver!") != OVI_SUCCESS) {
       return result;
     }
     result = OVI::oviRegisterEvent(stream_, OVI_EVENT_NEW_BUFFER, &event_, OVI_MODULE_DATA_STREAM);

@@ -23,13 +23,13 @@ struct Holds {
   std::size_t watchers = 0;
   std::condition_variable released;
 
-  void updateAttention() noexcept {
+  void updateAttention() const noexcept {
     detail::holdSwitches.attention.store(!retired.empty() || watchers != 0, std::memory_order_seq_cst);
   }
 };
 
 Holds& holds() noexcept {
-  static Holds& all = *new Holds;
+  static Holds& all = *new Holds;  // NOLINT(bugprone-unhandled-exception-at-new): without it nothing can go on.
   return all;
 }
 
@@ -66,7 +66,7 @@ HoldBlock* anotherBlock() noexcept {
   static_cast<void>(&atEnd);
   Holds& all = holds();
   const std::lock_guard lock(all.mutex);
-  auto free = std::find_if(all.blocks.begin(), all.blocks.end(), [](const HoldBlock& block) { return !block.taken; });
+  auto free = std::ranges::find_if(all.blocks, [](const HoldBlock& block) { return !block.taken; });
   HoldBlock& block = free != all.blocks.end() ? *free : all.blocks.emplace_back();
   block.taken = true;
   block.previous = currentBlock;
@@ -83,9 +83,9 @@ bool isHeld(const Holds& all, const void* object, bool byOthersOnly) noexcept {
     }
     return mine != nullptr;
   };
-  return std::any_of(all.blocks.begin(), all.blocks.end(), [&](const HoldBlock& block) {
-    const bool holds = std::any_of(block.places.begin(), block.places.end(),
-                                   [&](const auto& place) { return place.load(std::memory_order_seq_cst) == object; });
+  return std::ranges::any_of(all.blocks, [&](const HoldBlock& block) {
+    const bool holds = std::ranges::any_of(
+        block.places, [&](const auto& place) { return place.load(std::memory_order_seq_cst) == object; });
     return holds && !(byOthersOnly && isMine(block));
   });
 }
@@ -122,8 +122,7 @@ void Hold::attend(const void* object) noexcept {
   if (all.watchers != 0) {
     all.released.notify_all();
   }
-  const bool isRetired =
-      std::any_of(all.retired.begin(), all.retired.end(), [&](const auto& share) { return share.get() == object; });
+  const bool isRetired = std::ranges::any_of(all.retired, [&](const auto& share) { return share.get() == object; });
   if (isRetired) {
     unheld = takeUnheld(all);
     all.updateAttention();

@@ -98,7 +98,7 @@ class Opening {
         },
         [&] {
           const std::vector<std::string> ids = transportLayer_->getInterfaceIDs();
-          listed = std::find(ids.begin(), ids.end(), interfaceID_) != ids.end();
+          listed = std::ranges::find(ids, interfaceID_) != ids.end();
           return OVI_SUCCESS;
         });
     if (code != OVI_SUCCESS)

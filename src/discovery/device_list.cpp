@@ -144,7 +144,7 @@ void TLDiscovery::enumerateProducer(const TransportLayerPtr& transportLayer, std
   {
     const std::lock_guard lock(interfaceMutex_);
     for (const auto& [key, opened] : interfaces_)
-      if (key.first == transportLayer.get() && std::find(ids.begin(), ids.end(), key.second) == ids.end())
+      if (key.first == transportLayer.get() && std::ranges::find(ids, key.second) == ids.end())
         ids.push_back(key.second);
   }
   for (std::size_t j = 0; j < ids.size(); ++j) {

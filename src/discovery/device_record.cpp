@@ -87,7 +87,7 @@ void fillDeviceRecord(oviDeviceInfo& record, const GenTLCpp::TLInterface& tlInte
 
 bool isSupportedDevice(const oviDeviceInfo& record) noexcept {
   const std::string_view vendor(record.vendor);
-  return record.model[0] != 0 && std::any_of(kVendors.begin(), kVendors.end(), [&](std::string_view served) {
+  return record.model[0] != 0 && std::ranges::any_of(kVendors, [&](std::string_view served) {
            return vendor.find(served) != std::string_view::npos;
          });
 }

@@ -36,7 +36,7 @@ std::vector<std::string> environmentPaths() {
 std::vector<std::string> splitSearchPath(std::string_view searchPath) {
   std::vector<std::string> paths;
   boost::algorithm::split(paths, searchPath, boost::algorithm::is_any_of(platform::searchPathSeparators()));
-  paths.erase(std::remove(paths.begin(), paths.end(), std::string()), paths.end());
+  std::erase(paths, std::string());
   return paths;
 }
 
@@ -81,7 +81,7 @@ std::vector<std::string> findProducers(const std::vector<std::string>& givenPath
     std::vector<std::string> found;
     findCTIFiles(directory, found);
     for (std::string& file : found)
-      if (std::find(files.begin(), files.end(), file) == files.end())
+      if (std::ranges::find(files, file) == files.end())
         files.push_back(std::move(file));
   }
   return files;

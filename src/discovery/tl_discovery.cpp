@@ -38,7 +38,7 @@ bool isUsed(const GenTLCpp::TLInterface& tlInterface) {
   if (tlInterface.isOpening())
     return true;
   const std::vector<HandleRegistry::Module> devices = HandleRegistry::instance().modulesOfKind(ModuleKind::Device);
-  return std::any_of(devices.begin(), devices.end(), [&](const HandleRegistry::Module& device) {
+  return std::ranges::any_of(devices, [&](const HandleRegistry::Module& device) {
     return device->isOpen() && parentOf(*device).get() == &tlInterface;
   });
 }
@@ -125,9 +125,8 @@ TLDiscovery::TransportLayerPtr TLDiscovery::loadAndOpen(const std::string& path)
 }
 
 TLDiscovery::TransportLayerPtr TLDiscovery::loadedProducer(const std::string& path) const {
-  const auto found = std::find_if(producers_.begin(), producers_.end(), [&](const TransportLayerPtr& candidate) {
-    return candidate->getProducer()->filePath() == path;
-  });
+  const auto found = std::ranges::find_if(
+      producers_, [&](const TransportLayerPtr& candidate) { return candidate->getProducer()->filePath() == path; });
   return found == producers_.end() ? nullptr : *found;
 }
 

@@ -31,7 +31,7 @@ struct InterfaceOf<GenICam::gcstring> {
 };
 
 template<class T>
-const T& printable(const T& value) {
+T printable(T value) {
   return value;
 }
 inline const char* printable(const GenICam::gcstring& value) {

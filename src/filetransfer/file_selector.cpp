@@ -32,9 +32,9 @@ bool hasFileSelector(std::uint64_t device, std::string_view name) {
 }
 
 bool isFileSelector(std::uint64_t device, std::string_view name) {
-  return hasFileSelector(device, name) ||
-         std::any_of(kAcceptedEverywhere.begin(), kAcceptedEverywhere.end(),
-                     [name](std::string_view accepted) { return platform::equalsIgnoringCase(name, accepted); });
+  return hasFileSelector(device, name) || std::ranges::any_of(kAcceptedEverywhere, [name](std::string_view accepted) {
+           return platform::equalsIgnoringCase(name, accepted);
+         });
 }
 
 }  // namespace OVI

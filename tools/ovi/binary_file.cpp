@@ -74,9 +74,8 @@ BinaryFile inspectBinary(const std::filesystem::path& file) {
     if (text.substr(std::min(header, size), 2) == "PE")
       return describe("PE", nameOf(kPeMachines, byteAt(header + 5) << 8U | byteAt(header + 4)));
   }
-  const bool printable = std::all_of(text.begin(), text.end(), [](char c) {
-    return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\r' || c == '\t';
-  });
+  const bool printable = std::ranges::all_of(
+      text, [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\r' || c == '\t'; });
   return {true, false, printable ? "text, no library" : "no library"};
 }
 

@@ -42,7 +42,7 @@ std::string dependencyText(const ModuleView& view, const std::string& name) {
       if (!visited.insert(child).second)
         continue;
       char value[512] = {};
-      if (features.count(child) == 0) {
+      if (!features.contains(child)) {
         if (depth < kMaxDepth)
           visit(child, depth + 1);
       } else if (oviGetFeatureOnModule(view.handle(), child.c_str(), value, view.selector()) == OVI_SUCCESS) {
@@ -70,7 +70,7 @@ std::optional<double> floatFrom(const std::string& text) {
 }
 
 std::optional<std::int64_t> integerFrom(const std::string& text) {
-  const std::size_t prefix = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0 ? 2 : 0;
+  const std::size_t prefix = text.starts_with("0x") || text.starts_with("0X") ? 2 : 0;
   const char* const end = text.data() + text.size();
   std::int64_t number = 0;
   auto result = std::from_chars(text.data() + prefix, end, number, prefix == 0 ? 10 : 16);
@@ -201,7 +201,7 @@ oviErr writeText(const ModuleView& view, const ovi::FeatureParameter& p, const s
     }
     case OVI_FEATURE_ENUMERATION: {
       const std::vector<std::string> entries = entryNames(view, name);
-      if (std::find(entries.begin(), entries.end(), value) == entries.end())
+      if (std::ranges::find(entries, value) == entries.end())
         refusal.noEntry();
       return oviSetFeatureEnum(view.handle(), narrow, toLibraryText(value).c_str(), view.selector());
     }

@@ -1,7 +1,6 @@
 // Bytes as hexadecimal text, and numbers that may be hexadecimal.
 #include "hex.h"
 
-#include <algorithm>
 #include <charconv>
 
 namespace tool {
@@ -21,7 +20,7 @@ std::optional<std::vector<std::uint8_t>> bytesFromHex(std::string_view text) {
   if (text.substr(0, 2) == "0x")
     text.remove_prefix(2);
   std::string digits(text);
-  digits.erase(std::remove(digits.begin(), digits.end(), ' '), digits.end());
+  std::erase(digits, ' ');
   if (digits.size() % 2 != 0)
     return std::nullopt;
   std::vector<std::uint8_t> bytes(digits.size() / 2);

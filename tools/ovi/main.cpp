@@ -32,8 +32,8 @@ int reportUsage(CLI::App& app, const CLI::ParseError& error, const std::vector<s
   for (const CLI::App* command : app.get_subcommands({}))
     if (!command->get_group().empty())
       names.push_back(command->get_name());
-  const auto word = std::find_if(arguments.begin(), arguments.end(), [](const std::string& a) { return a[0] != '-'; });
-  if (word != arguments.end() && std::find(names.begin(), names.end(), *word) == names.end()) {
+  const auto word = std::ranges::find_if(arguments, [](const std::string& a) { return a[0] != '-'; });
+  if (word != arguments.end() && std::ranges::find(names, *word) == names.end()) {
     const std::string nearest = tool::nearestMatch(*word, names);
     return report("there is no command \"" + *word + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?"),
                   nearest.empty() ? "ovi --help" : "ovi " + nearest + " --help", tool::ExitCode::kUsage);
@@ -56,8 +56,7 @@ void showOverview(tool::Session& session) {
   tool::printData("\n" + std::to_string(cameras.size()) + " camera" + (cameras.size() == 1 ? "" : "s") + ", " +
                   std::to_string(real) + " real and " +
                   std::to_string(cameras.size() - static_cast<std::size_t>(real)) + " virtual.");
-  const auto first =
-      std::find_if(cameras.begin(), cameras.end(), [&](const tool::Camera& c) { return real == 0 || !c.isVirtual; });
+  const auto first = std::ranges::find_if(cameras, [&](const tool::Camera& c) { return real == 0 || !c.isVirtual; });
   const std::string option = cameras.size() == 1 ? "" : " --camera " + first->shortName();
   tool::printData("\nNext:\n  ovi list\n  ovi grab" + option + " -o first.png\n  ovi stream" + option +
                   " --frames 100\n  ovi features" + option + "\n  ovi --help");

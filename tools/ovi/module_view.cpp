@@ -65,8 +65,7 @@ std::string ModuleView::command(const std::string& words) const {
 }
 
 std::string ModuleView::noun() const {
-  const auto* found =
-      std::find_if(kModules.begin(), kModules.end(), [this](const ModuleName& name) { return name.module == module_; });
+  const auto* found = std::ranges::find_if(kModules, [this](const ModuleName& name) { return name.module == module_; });
   return found->noun;
 }
 

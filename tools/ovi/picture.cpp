@@ -51,7 +51,7 @@ constexpr std::array kFormats = {
 };
 
 const Format* findFormat(std::uint32_t code) {
-  const auto* found = std::find_if(kFormats.begin(), kFormats.end(), [&](const Format& f) { return f.code == code; });
+  const auto* found = std::ranges::find_if(kFormats, [&](const Format& f) { return f.code == code; });
   return found == kFormats.end() ? nullptr : found;
 }
 

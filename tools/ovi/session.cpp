@@ -159,8 +159,8 @@ std::string Session::searchPath() const {
     std::error_code error;
     if (!std::filesystem::exists(folder / kVirtualProducer, error))
       continue;
-    const bool listed = std::any_of(known.begin(), known.end(),
-                                    [&](const std::string& k) { return sameFolder(pathFromText(k), folder); });
+    const bool listed =
+        std::ranges::any_of(known, [&](const std::string& k) { return sameFolder(pathFromText(k), folder); });
     return listed ? std::string() : pathText(folder);
   }
   return {};
@@ -308,7 +308,7 @@ std::string Session::explainNoCameras() {
   text +=
       "\n  producers: " + (files.empty() ? std::string("none (no *.cti file in these folders)") : join(files, ", "));
   for (const std::string& message : takeMessages())
-    if (message.rfind("timeout discovery", 0) != 0)
+    if (!message.starts_with("timeout discovery"))
       text += "\n  " + message;
   return text;
 }

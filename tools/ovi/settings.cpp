@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <map>
+#include <ranges>
 #include <set>
 
 #include "feature_text.h"
@@ -43,8 +44,8 @@ class Selectors {
  public:
   explicit Selectors(const ModuleView& view) : view_(view) {}
   ~Selectors() {
-    for (auto step = moved_.rbegin(); step != moved_.rend(); ++step)
-      trySet(step->first, step->second);
+    for (const auto& [name, position] : moved_ | std::views::reverse)
+      trySet(name, position);
   }
   Selectors(const Selectors&) = delete;
   Selectors& operator=(const Selectors&) = delete;
@@ -178,7 +179,7 @@ std::vector<Setting> readSettings(const ModuleView& view, std::vector<std::strin
   };
   for (const FeatureNode& node : tree) {
     if (!holdsValue(node.parameter.featureType) || isOneOf(kNotSettings, node.name) ||
-        selectorNames.count(node.name) != 0)
+        selectorNames.contains(node.name))
       continue;
     const auto selected = selectorMap.find(node.name);
     if (selected == selectorMap.end()) {

@@ -1,4 +1,5 @@
 // Settings files: one assignment a line.
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -16,9 +17,8 @@ std::string trimmed(const std::string& text) {
 
 // Values that a line could not carry as they are go between quotation marks, with backslashes as in JSON.
 std::string quotedValue(const std::string& value) {
-  const bool plain =
-      !value.empty() && value == trimmed(value) && value.front() != '"' &&
-      std::all_of(value.begin(), value.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x20; });
+  const bool plain = !value.empty() && value == trimmed(value) && value.front() != '"' &&
+                     std::ranges::all_of(value, [](char c) { return static_cast<unsigned char>(c) >= 0x20; });
   return plain ? value : nlohmann::json(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -63,7 +64,7 @@ void ProgressLine::show(double fraction, std::string_view text, bool forced) {
   std::string line = "\r\x1b[2K";
   if (fraction >= 0.0) {
     constexpr int kWidth = 24;
-    const int filled = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * kWidth + 0.5);
+    const int filled = static_cast<int>(std::lround(std::clamp(fraction, 0.0, 1.0) * kWidth));
     line += "[" + std::string(static_cast<std::size_t>(filled), '#') +
             std::string(static_cast<std::size_t>(kWidth - filled), '.') + "] ";
   }

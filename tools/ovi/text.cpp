@@ -80,11 +80,11 @@ bool matchesPattern(std::string_view pattern, std::string_view text) {
   if (pattern.find_first_of("*?") != std::string_view::npos)
     return matchesGlob(pattern, text);
   const auto same = [](char a, char b) { return lower(a) == lower(b); };
-  return std::search(text.begin(), text.end(), pattern.begin(), pattern.end(), same) != text.end();
+  return std::ranges::search(text, pattern, same).begin() != text.end();
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+  return std::ranges::equal(a, b, [](char x, char y) { return lower(x) == lower(y); });
 }
 
 std::size_t displayWidth(std::string_view utf8) {
@@ -94,7 +94,7 @@ std::size_t displayWidth(std::string_view utf8) {
 
 std::string bytesText(std::uint64_t bytes) {
   static constexpr std::array<const char*, 5> kUnits = {"B", "KiB", "MiB", "GiB", "TiB"};
-  double value = static_cast<double>(bytes);
+  auto value = static_cast<double>(bytes);
   std::size_t unit = 0;
   while (value >= 1024.0 && unit + 1 < kUnits.size()) {
     value /= 1024.0;

@@ -75,7 +75,7 @@ struct CChunkAdapter::Ports {
     AttachStatistics_t counted = {static_cast<int>(ports.size()), static_cast<int>(chunks.size()), 0};
     change([&](Port& port) {
       const std::string wanted = idOf(*port.chunk);
-      const auto chunk = std::find_if(chunks.begin(), chunks.end(), [&](const Chunk& c) { return c.id == wanted; });
+      const auto chunk = std::ranges::find_if(chunks, [&](const Chunk& c) { return c.id == wanted; });
       if (wanted.empty() || chunk == chunks.end())
         return leave(port);
       port.offset = chunk->offset;

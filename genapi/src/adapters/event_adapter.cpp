@@ -51,13 +51,12 @@ struct CEventAdapter::Ports {
 
   // Ports come first, as most nodes of an event depend on its port.
   static std::vector<INode*> sourcesAmong(std::vector<INode*> members, const std::vector<INode*>& portNodes) {
-    std::stable_partition(members.begin(), members.end(), [&](INode* node) {
-      return std::find(portNodes.begin(), portNodes.end(), node) != portNodes.end();
-    });
+    std::ranges::stable_partition(members,
+                                  [&](INode* node) { return std::ranges::find(portNodes, node) != portNodes.end(); });
     std::vector<INode*> sources;
     std::set<INode*> reached;
     for (INode* const node : members) {
-      if (reached.count(node) != 0)
+      if (reached.contains(node))
         continue;
       sources.push_back(node);
       NodeList_t dependents;

@@ -150,6 +150,7 @@ void CFeatureBag::Clear() {
   m_Features.clear();
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): the interface has it so.
 gcstring CFeatureBag::ToString() {
   std::ostringstream stream;
   stream << *this;
@@ -197,12 +198,11 @@ int64_t CFeatureBagger::Store(INodeMap* pNodeMap, const gcstring& BagName, int M
                               gcstring_vector* pFeatureFilter) {
   CFeatureBag bag;
   const int64_t stored = bag.StoreToBag(pNodeMap, MaxNumPersistScript, pFeatureFilter);
-  const auto same =
-      std::find_if(m_Bags.begin(), m_Bags.end(), [&](const auto& known) { return BagName == known.first.c_str(); });
+  const auto same = std::ranges::find_if(m_Bags, [&](const auto& known) { return BagName == known.first.c_str(); });
   if (same != m_Bags.end())
-    same->second = std::move(bag);
+    same->second = bag;
   else
-    m_Bags.emplace_back(BagName.c_str(), std::move(bag));
+    m_Bags.emplace_back(BagName.c_str(), bag);
   return stored;
 }
 

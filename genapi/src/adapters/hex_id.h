@@ -21,8 +21,8 @@ inline std::string normalizedId(std::string_view text) {
   while (text.size() > 1 && text.front() == '0')
     text.remove_prefix(1);
   std::string id(text);
-  std::transform(id.begin(), id.end(), id.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  std::ranges::transform(id, id.begin(),
+                         [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
   return id;
 }
 inline std::string normalizedId(const GENICAM_NAMESPACE::gcstring& text) {

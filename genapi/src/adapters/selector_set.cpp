@@ -57,7 +57,7 @@ class Digit : public ISelectorDigit {
       const int64_t increment = std::max<int64_t>(integer->GetInc(), 1);
       int64_t value = integer->GetMin();
       while (value <= maximum && static_cast<int64_t>(result.size()) < kMaxSelectorValues) {
-        result.push_back(std::to_string(value).c_str());
+        result.emplace_back(std::to_string(value).c_str());
         if (value > maximum - increment)
           break;
         value += increment;
@@ -95,8 +95,7 @@ void collect(IBase* feature, std::vector<IValue*>& selectors) {
   FeatureList_t selecting;
   node->GetSelectingFeatures(selecting);
   for (IValue* const selector : selecting) {
-    if (selector == dynamic_cast<IValue*>(feature) ||
-        std::find(selectors.begin(), selectors.end(), selector) != selectors.end())
+    if (selector == dynamic_cast<IValue*>(feature) || std::ranges::find(selectors, selector) != selectors.end())
       continue;
     // Entered before its own selectors are looked for, so that a circle of them ends.
     selectors.push_back(selector);
@@ -125,12 +124,12 @@ bool CSelectorSet::IsEmpty() {
 }
 
 bool CSelectorSet::SetFirst() {
-  return std::all_of(m_digits.begin(), m_digits.end(), [](const auto& digit) { return digit->SetFirst(); });
+  return std::ranges::all_of(m_digits, [](const auto& digit) { return digit->SetFirst(); });
 }
 
 bool CSelectorSet::SetNext(bool Tick) {
   if (!Tick)
-    return std::all_of(m_digits.begin(), m_digits.end(), [](const auto& digit) { return digit->SetNext(false); });
+    return std::ranges::all_of(m_digits, [](const auto& digit) { return digit->SetNext(false); });
   for (size_t turning = m_digits.size(); turning-- > 0;) {
     while (m_digits[turning]->SetNext(true)) {
       if (std::all_of(m_digits.begin() + static_cast<std::ptrdiff_t>(turning) + 1, m_digits.end(),

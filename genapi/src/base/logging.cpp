@@ -124,6 +124,8 @@ bool Category::isPriorityEnabled(Priority::Value priority) const {
   return priority <= (own != Priority::NOTSET ? own : getRootPriority());
 }
 
+// The interface has them so.
+// NOLINTBEGIN(readability-make-member-function-const)
 void Category::log(Priority::Value priority, const std::string& text) {
   if (isPriorityEnabled(priority))
     deliver(*this, priority, text.c_str());
@@ -156,6 +158,7 @@ void Category::log(Priority::Value priority, const char* format, ...) {
   deliverFormatted(*this, priority, format, arguments);
   va_end(arguments);
 }
+// NOLINTEND(readability-make-member-function-const)
 
 }  // namespace LOG4CPP_NS
 

@@ -23,7 +23,7 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
   return text;
 }
 bool onlyBlanks(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), isSpace);
+  return std::ranges::all_of(text, isSpace);
 }
 
 // Takes a sign off the front.

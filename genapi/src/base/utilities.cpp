@@ -212,7 +212,7 @@ void GetFiles(const gcstring& FileTemplate, gcstring_vector& FileNames, const bo
     if (matches(pattern, entry->path().filename().string()) && entry->is_directory(unknown) == DirectoriesOnly)
       found.push_back(entry->path().string());
   }
-  std::sort(found.begin(), found.end());
+  std::ranges::sort(found);
   for (const std::string& name : found)
     FileNames.push_back(toGc(name));
 }

@@ -74,11 +74,11 @@ char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 bool sameIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return upper(x) == upper(y); });
+  return std::ranges::equal(a, b, [](char x, char y) { return upper(x) == upper(y); });
 }
 std::string upperCase(std::string_view text) {
   std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), upper);
+  std::ranges::transform(result, result.begin(), upper);
   return result;
 }
 
@@ -372,9 +372,8 @@ class FormulaCompiler {
 
   std::uint32_t derivedVariable(std::uint32_t base, std::string_view suffix) {
     auto& derived = program_->derived_;
-    auto found = std::find_if(derived.begin(), derived.end(), [&](const DerivedVariable& known) {
-      return known.base == base && known.suffix == suffix;
-    });
+    auto found = std::ranges::find_if(
+        derived, [&](const DerivedVariable& known) { return known.base == base && known.suffix == suffix; });
     if (found == derived.end()) {
       found = derived.insert(derived.end(), {base, std::string(suffix)});
       placeOf_.push_back(kNoPlace);

@@ -68,8 +68,7 @@ LineTable::Position LineTable::positionOf(std::uint32_t offset) const {
   if (documents_.empty()) {
     readTexts();
   }
-  const auto after = std::upper_bound(documents_.begin(), documents_.end(), offset,
-                                      [](std::uint32_t at, const Document& d) { return at < d.offset; });
+  const auto after = std::ranges::upper_bound(documents_, offset, {}, &Document::offset);
   const Document document = after == documents_.begin() ? Document{0, 0} : *std::prev(after);
   const auto first = ends_.begin() + static_cast<std::ptrdiff_t>(document.firstEnd);
   const auto end = std::lower_bound(first, ends_.end(), offset);
@@ -217,9 +216,9 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
   for (const pugi::xml_attribute attribute : root.attributes()) {
     const std::string_view name = attribute.name();
     const auto isName = [name](const auto& field) { return equalsIgnoringCase(field.name, name); };
-    if (const auto text = std::find_if(kTexts.begin(), kTexts.end(), isName); text != kTexts.end()) {
+    if (const auto text = std::ranges::find_if(kTexts, isName); text != kTexts.end()) {
       info.*text->field = toUtf8(trim(attribute.value()));
-    } else if (const auto number = std::find_if(numbers.begin(), numbers.end(), isName); number != numbers.end()) {
+    } else if (const auto number = std::ranges::find_if(numbers, isName); number != numbers.end()) {
       const auto value = parseInteger(attribute.value());
       if (value && *value >= 0 && *value <= std::numeric_limits<std::uint16_t>::max()) {
         *number->field = static_cast<std::uint16_t>(*value);
@@ -431,8 +430,8 @@ void ModelBuilder::emitChild(pugi::xml_node child, Element element, NodeKind kin
 void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
   NodeRecord& record = model_.nodes_[index];
   const auto has = [&present](std::initializer_list<Element> elements) {
-    return std::any_of(elements.begin(), elements.end(),
-                       [&present](Element element) { return present.test(static_cast<std::size_t>(element)); });
+    return std::ranges::any_of(elements,
+                               [&present](Element element) { return present.test(static_cast<std::size_t>(element)); });
   };
   const auto require = [&](std::initializer_list<Element> elements, const char* what) {
     if (!has(elements)) {

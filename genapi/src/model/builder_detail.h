@@ -89,7 +89,7 @@ class ModelBuilder {
   void emitChild(pugi::xml_node child, Element element, NodeKind kind, NodeRecord& record);
   void buildNested(const std::vector<Nested>& nested, NodeIndex owner);
   void checkRequired(NodeIndex index, const ElementSet& present);
-  Property makeProperty(Element element, Span text);
+  Property makeProperty(Element element, Span span);
   Span textOf(pugi::xml_node element);
   Span spanOf(const char* text) const;
   std::string nameOf(const NodeRecord& record) const { return std::string(model_.name(record)); }

@@ -202,8 +202,8 @@ Element findForgiving(std::string_view name) {
       return info.element;
     }
   }
-  const auto* variant = std::find_if(kVariants.begin(), kVariants.end(),
-                                     [&](const Variant& v) { return equalsIgnoringCase(v.name, name); });
+  const auto* variant =
+      std::ranges::find_if(kVariants, [&](const Variant& v) { return equalsIgnoringCase(v.name, name); });
   return variant == kVariants.end() ? Element::Unknown : variant->element;
 }
 
@@ -239,7 +239,7 @@ ElementMatch findElement(std::string_view name) {
   }
   for (std::size_t slot = slotOf(name); kSlotTable[slot] != Element::Unknown; slot = (slot + 1) % kSlots) {
     const std::string_view known = infoOf(kSlotTable[slot]).name;
-    if (known.size() == name.size() && sameText(known.data(), name)) {
+    if (known == name) {
       return {kSlotTable[slot], true};
     }
   }

@@ -131,7 +131,7 @@ enum class Element : std::uint8_t {
 
 using NodeKind = Element;
 inline constexpr std::uint8_t kNodeKinds = static_cast<std::uint8_t>(Element::SmartFeature) + 1;
-inline constexpr bool isNodeKind(Element e) {
+constexpr bool isNodeKind(Element e) {
   return static_cast<std::uint8_t>(e) < kNodeKinds;
 }
 

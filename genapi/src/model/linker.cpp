@@ -98,7 +98,7 @@ void ModelLinker::mergeFeatures(NodeIndex into, NodeIndex from) {
   NodeRecord& target = model_.nodes_[into];
   std::vector<Property> merged(model_.properties(target).begin(), model_.properties(target).end());
   for (const Property& property : model_.properties(model_.nodes_[from])) {
-    const bool known = std::any_of(merged.begin(), merged.end(), [&](const Property& own) {
+    const bool known = std::ranges::any_of(merged, [&](const Property& own) {
       return own.element() == property.element() && model_.text(own) == model_.text(property);
     });
     if (property.element() == Element::pFeature && !known) {
@@ -304,8 +304,7 @@ void ModelLinker::collectLists() {
       model_.polled_.push_back(i);
     }
   }
-  std::stable_sort(model_.selectors_.begin(), model_.selectors_.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::ranges::stable_sort(model_.selectors_, {}, &std::pair<NodeIndex, NodeIndex>::first);
 }
 
 void ModelLinker::warn(const NodeRecord& node, std::string text) {

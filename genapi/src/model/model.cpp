@@ -14,7 +14,7 @@ constexpr std::array<std::string_view, 2> kNameSpaces{"Std::", "Cust::"};
 
 const Property* Model::find(const NodeRecord& node, Element element) const {
   const auto all = properties(node);
-  const auto it = std::find_if(all.begin(), all.end(), [element](const Property& p) { return p.element() == element; });
+  const auto it = std::ranges::find_if(all, [element](const Property& p) { return p.element() == element; });
   return it == all.end() ? nullptr : &*it;
 }
 
@@ -74,8 +74,8 @@ bool Model::isPadded(const Property& property) const {
 }
 
 std::span<const std::pair<NodeIndex, NodeIndex>> Model::selectorsOf(NodeIndex index) const {
-  const auto [first, last] = std::equal_range(selectors_.begin(), selectors_.end(), std::pair(index, NodeIndex{0}),
-                                              [](const auto& a, const auto& b) { return a.first < b.first; });
+  const auto [first, last] = std::ranges::equal_range(selectors_, std::pair(index, NodeIndex{0}),
+                                                      [](const auto& a, const auto& b) { return a.first < b.first; });
   return {first, last};
 }
 

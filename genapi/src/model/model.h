@@ -93,7 +93,7 @@ class Model {
   double number(const Property& property) const { return std::bit_cast<double>(numbers_[property.target]); }
 
   /// The index of the node of that name, with or without name-space prefix; kNoNode when there is none.
-  NodeIndex indexOf(std::string_view name) const;
+  NodeIndex indexOf(std::string_view full) const;
 
   /// Nodes whose caches fall when that node's do.
   std::span<const Dependent> dependents(NodeIndex index) const {
@@ -130,13 +130,13 @@ class Model {
     std::uint32_t length = 0;
   };
 
-  NodeIndex findName(std::string_view name) const;
+  NodeIndex findName(std::string_view full) const;
   bool matches(const IndexSlot& slot, std::uint32_t hash, std::string_view full) const {
     return slot.hash == hash && (slot.length == IndexSlot::kComposed
                                      ? hasFullName(nodes_[slot.node], full)
                                      : slot.length == full.size() && sameText(text_.get() + slot.name, full));
   }
-  bool hasFullName(const NodeRecord& node, std::string_view name) const;
+  bool hasFullName(const NodeRecord& node, std::string_view full) const;
 
   std::unique_ptr<char[]> text_;
   std::size_t textSize_ = 0;

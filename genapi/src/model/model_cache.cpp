@@ -48,7 +48,8 @@ class Cache {
     std::size_t bytes = 0;
     for (auto it = entries_.begin(); it != entries_.end();) {
       bytes += it->model->textBytes();
-      it = ++kept > kMaxCachedModels || (kept > 1 && bytes > kMaxCachedTextBytes) ? entries_.erase(it) : std::next(it);
+      ++kept;
+      it = kept > kMaxCachedModels || (kept > 1 && bytes > kMaxCachedTextBytes) ? entries_.erase(it) : std::next(it);
     }
   }
 

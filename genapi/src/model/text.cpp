@@ -299,7 +299,7 @@ DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirst
   if (form.width == 2) {
     return own(convertWide<2>(bytes, size, form.bigEndian), cutAtFirstEnd);
   }
-  std::string_view text(static_cast<const char*>(static_cast<const void*>(bytes)), size);
+  std::string_view text(reinterpret_cast<const char*>(bytes), size);
   text = text.substr(0, std::min(text.find('\0'), text.size()));
   if (declaresLatin1(text)) {
     std::string converted;

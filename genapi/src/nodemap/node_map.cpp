@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ranges>
 #include <utility>
 
 #include "GenICamVersion.h"
@@ -42,7 +43,7 @@ NodeMap::NodeMap(std::shared_ptr<const Model> model, std::string deviceName, Api
   try {
     build();
   } catch (...) {
-    std::for_each(nodes_.begin(), nodes_.end(), [](NodeCore* node) { std::destroy_at(node); });
+    std::ranges::for_each(nodes_, [](NodeCore* node) { std::destroy_at(node); });
     throw;
   }
   buildTime_ = std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() - begin).count();
@@ -63,7 +64,7 @@ void NodeMap::build() {
 }
 
 NodeMap::~NodeMap() {
-  std::for_each(nodes_.rbegin(), nodes_.rend(), [](NodeCore* node) { std::destroy_at(node); });
+  std::ranges::for_each(nodes_ | std::views::reverse, [](NodeCore* node) { std::destroy_at(node); });
 }
 
 void NodeMap::Destroy() {
@@ -133,8 +134,8 @@ void NodeMap::invalidate(std::span<const NodeIndex> roots, std::uint32_t keepEpo
       queue_.push_back(index);
     }
   };
-  std::for_each(roots.begin(), roots.end(), visit);
-  for (std::size_t at = 0; at < queue_.size(); ++at) {
+  std::ranges::for_each(roots, visit);
+  for (std::size_t at = 0; at < queue_.size(); ++at) {  // NOLINT(modernize-loop-convert): it grows meanwhile.
     const NodeIndex index = queue_[at];
     drop(*nodes_[index], keepEpoch);
     for (const Dependent dependent : model_->dependents(index)) {

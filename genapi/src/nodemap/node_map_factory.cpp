@@ -161,6 +161,7 @@ CNodeMapFactory CNodeMapFactory::ExtractSubtree(const gcstring& /*SubTreeRootNod
   throw RUNTIME_EXCEPTION("Extracting a part of a camera description is not supported");
 }
 
+// NOLINTNEXTLINE(readability-const-return-type): the interface has it so.
 const gcstring CNodeMapFactory::ApplyStyleSheet(const gcstring& /*StyleSheetFileName*/) {
   throw RUNTIME_EXCEPTION("Style sheets are not supported");
 }

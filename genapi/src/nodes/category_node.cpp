@@ -12,7 +12,7 @@ void CategoryNode::GetFeatures(Api::FeatureList_t& features) const {
   for (const Property& property : properties()) {
     NodeCore* const member = property.element() == Element::pFeature ? other(property.target) : nullptr;
     if (member != nullptr && member->asValue() != nullptr &&
-        std::find(listed.begin(), listed.end(), property.target) == listed.end()) {
+        std::ranges::find(listed, property.target) == listed.end()) {
       listed.push_back(property.target);
       features.push_back(member->asValue());
     }

@@ -1,6 +1,7 @@
 // Limits and increment of Converter nodes.
 #include "nodes/converter_node.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace GenApiEngine {
@@ -38,7 +39,7 @@ void ConverterNode::validFloats(std::vector<double>& values) {
   for (const double value : raw) {
     values.push_back(converter_.fromSource(*this, value));
   }
-  std::sort(values.begin(), values.end());
+  std::ranges::sort(values);
 }
 
 }  // namespace GenApiEngine

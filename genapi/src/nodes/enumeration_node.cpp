@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cmath>
+#include <ranges>
 
 namespace GenApiEngine {
 
@@ -26,13 +27,12 @@ EnumerationNode::EnumerationNode(NodeMap& map, NodeIndex index) : ValueNode(map,
 // Of two entries with one value the later one counts.
 EnumEntryNode* EnumerationNode::byValue(std::int64_t value) const {
   const auto found =
-      std::find_if(entries_.rbegin(), entries_.rend(), [&](NodeIndex i) { return entry(i).value() == value; });
+      std::ranges::find_if(entries_ | std::views::reverse, [&](NodeIndex i) { return entry(i).value() == value; });
   return found == entries_.rend() ? nullptr : &entry(*found);
 }
 
 EnumEntryNode* EnumerationNode::byName(std::string_view symbolic) const {
-  const auto found =
-      std::find_if(entries_.begin(), entries_.end(), [&](NodeIndex i) { return entry(i).symbolic() == symbolic; });
+  const auto found = std::ranges::find_if(entries_, [&](NodeIndex i) { return entry(i).symbolic() == symbolic; });
   return found == entries_.end() ? nullptr : &entry(*found);
 }
 

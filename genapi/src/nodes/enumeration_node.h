@@ -18,7 +18,7 @@ class EnumerationNode final : public ValueNode<Api::IEnumeration> {
   void SetIntValue(int64_t value, bool verify) override;
   int64_t GetIntValue(bool verify, bool ignoreCache) override;
   Api::IEnumEntry* GetEntryByName(const gcstring& symbolic) override;
-  Api::IEnumEntry* GetEntry(const int64_t value) override;
+  Api::IEnumEntry* GetEntry(int64_t value) override;
   Api::IEnumEntry* GetCurrentEntry(bool verify, bool ignoreCache) override;
 
   // As a number an enumeration is the numeric value of its entry.

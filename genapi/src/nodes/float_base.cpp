@@ -117,7 +117,7 @@ std::int64_t FloatBase::intInc() {
 void FloatBase::validInts(std::vector<std::int64_t>& values) {
   std::vector<double> own;
   validFloats(own);
-  std::transform(own.begin(), own.end(), std::back_inserter(values), clampedToInt);
+  std::ranges::transform(own, std::back_inserter(values), clampedToInt);
 }
 
 double FloatBase::GetMin() {

@@ -1,6 +1,7 @@
 // Compiling a node's formula and feeding it with the values of other nodes.
 #include "nodes/formula_binding.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -86,7 +87,7 @@ void FormulaBinding::compile(const NodeCore& owner) {
     variables.push_back(variableOf(variables[derived.base].node, derived.suffix));
   }
   variables_ = owner.map().arena().array<Variable>(variables.size());
-  std::copy(variables.begin(), variables.end(), variables_.begin());
+  std::ranges::copy(variables, variables_.begin());
   program_ = std::move(program);
 }
 

@@ -1,6 +1,8 @@
 // Limits of IntConverter nodes.
 #include "nodes/int_converter_node.h"
 
+#include <algorithm>
+
 namespace GenApiEngine {
 
 // An integer converter that does not state its slope has no range at all; programs of the field count on that.
@@ -23,7 +25,7 @@ void IntConverterNode::validInts(std::vector<std::int64_t>& values) {
   for (const std::int64_t value : raw) {
     values.push_back(converter_.fromSource(*this, value));
   }
-  std::sort(values.begin(), values.end());
+  std::ranges::sort(values);
 }
 
 }  // namespace GenApiEngine

@@ -180,8 +180,7 @@ Api::int64_autovector_t IntegerBase::GetListOfValidValues(bool bounded) {
 void IntegerBase::validFloats(std::vector<double>& values) {
   std::vector<std::int64_t> own;
   validInts(own);
-  std::transform(own.begin(), own.end(), std::back_inserter(values),
-                 [](std::int64_t v) { return static_cast<double>(v); });
+  std::ranges::transform(own, std::back_inserter(values), [](std::int64_t v) { return static_cast<double>(v); });
 }
 
 double IntegerBase::floatMin() {

@@ -171,7 +171,7 @@ EAccessMode NodeCore::computeAccess(bool& reliable) {
 }
 
 // True when the guard says yes or is not there. False with a failure other than RW when it could not be asked.
-bool NodeCore::guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& failure, bool& reliable) {
+bool NodeCore::guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& failure, bool& reliable) const {
   NodeCore* const guard = other(index);
   if (guard == nullptr) {
     return true;
@@ -190,7 +190,7 @@ bool NodeCore::guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& f
   }
 }
 
-EAccessMode NodeCore::neededAccess(NodeIndex index) {
+EAccessMode NodeCore::neededAccess(NodeIndex index) const {
   NodeCore* const node = other(index);
   if (node == nullptr) {
     return Api::RW;
@@ -423,8 +423,8 @@ EVisibility NodeCore::visibility() {
 }
 EVisibility NodeCore::ownVisibility() {
   const std::string_view text = propertyText(Element::Visibility);
-  const auto* found = std::find_if(kVisibilities.begin(), kVisibilities.end(),
-                                   [text](const VisibilityName& v) { return equalsIgnoringCase(v.name, text); });
+  const auto* found =
+      std::ranges::find_if(kVisibilities, [text](const VisibilityName& v) { return equalsIgnoringCase(v.name, text); });
   return found == kVisibilities.end() ? Api::Beginner : found->visibility;
 }
 void NodeCore::ImposeVisibility(EVisibility visibility) {
@@ -618,7 +618,7 @@ void NodeCore::GetParents(Api::NodeList_t& parents) const {
   parents.clear();
   std::vector<NodeIndex> found;
   for (const Dependent dependent : map_.model().dependents(index_)) {
-    if (std::find(found.begin(), found.end(), dependent.node()) == found.end()) {
+    if (std::ranges::find(found, dependent.node()) == found.end()) {
       found.push_back(dependent.node());
       parents.push_back(other(dependent.node()));
     }
@@ -668,7 +668,7 @@ bool NodeCore::DeregisterCallback(Api::CallbackHandleType handle) {
     return false;
   }
   auto& registered = callbacks_->registered;
-  const auto found = std::find_if(registered.begin(), registered.end(), [handle](const Api::CNodeCallback* callback) {
+  const auto found = std::ranges::find_if(registered, [handle](const Api::CNodeCallback* callback) {
     return reinterpret_cast<Api::CallbackHandleType>(callback) == handle;
   });
   if (found == registered.end()) {

@@ -187,7 +187,7 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
   virtual void* interfaceOf(int /*type*/) { return nullptr; }
 
   /// The part of access that a node needs of one that it computes with: not implemented, not available, or nothing.
-  EAccessMode neededAccess(NodeIndex index);
+  EAccessMode neededAccess(NodeIndex index) const;
   /// neededAccess over all properties of the class Computes and Reads (limits), but not the guards.
   EAccessMode neededAccessOfOperands();
 
@@ -215,7 +215,7 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
   gcstring entryPoint() const;
   EAccessMode computeAccess(bool& reliable);
   EAccessMode guardAccess(bool& reliable);
-  bool guardValue(NodeIndex guard, EAccessMode onFailure, EAccessMode& failure, bool& reliable);
+  bool guardValue(NodeIndex index, EAccessMode onFailure, EAccessMode& failure, bool& reliable) const;
   void collectTerminals(std::vector<NodeIndex>& out) const;
 
   static constexpr std::uint8_t kUnknownAccess = 0xFF;

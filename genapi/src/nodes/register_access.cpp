@@ -82,7 +82,7 @@ EAccessMode RegisterAccess::access(NodeCore& owner, EAccessMode operands) {
   return Api::Combine(Api::Combine(static_cast<EAccessMode>(access_), operands), through->accessMode());
 }
 
-std::int64_t RegisterAccess::length(NodeCore& owner) {
+std::int64_t RegisterAccess::length(NodeCore& owner) const {
   NodeCore* const node = owner.other(lengthNode_);
   const std::int64_t length = node == nullptr ? length_ : node->readInt({});
   if (length < 0 || length > kMaxRegisterLength) {
@@ -101,7 +101,7 @@ std::int64_t RegisterAccess::address(NodeCore& owner) {
   return address_;
 }
 
-std::int64_t RegisterAccess::computeAddress(NodeCore& owner) {
+std::int64_t RegisterAccess::computeAddress(NodeCore& owner) const {
   auto sum = static_cast<std::uint64_t>(constant_);
   const std::span<const Property> all = owner.properties();
   for (std::size_t i = 0; i < all.size(); ++i) {
@@ -201,7 +201,7 @@ void RegisterAccess::write(NodeCore& owner, const std::uint8_t* buffer, std::int
   owner.map().markWritten(owner.index());
 }
 
-std::int64_t RegisterAccess::numberLength(NodeCore& owner) {
+std::int64_t RegisterAccess::numberLength(NodeCore& owner) const {
   const std::int64_t length = this->length(owner);
   if (length < 1 || length > kMaxNumberLength) {
     NODE_FAIL(owner, RuntimeException, "A register of %" PRId64 " bytes holds no integer.", length);
@@ -267,7 +267,7 @@ void RegisterAccess::get(NodeCore& owner, std::uint8_t* buffer, std::int64_t len
   std::fill(buffer + own, buffer + length, std::uint8_t{0});
 }
 
-std::int64_t RegisterAccess::publicLength(NodeCore& owner) {
+std::int64_t RegisterAccess::publicLength(NodeCore& owner) const {
   const Call call(owner, "GetLength");
   return length(owner);
 }

@@ -18,7 +18,7 @@ class RegisterAccess {
 
   std::int64_t address(NodeCore& owner);
   /// Throws when it is negative or beyond all reason.
-  std::int64_t length(NodeCore& owner);
+  std::int64_t length(NodeCore& owner) const;
   /// The register's own mode combined with the port's and with what its address needs.
   EAccessMode access(NodeCore& owner, EAccessMode operands);
   Api::ECachingMode caching() const { return static_cast<Api::ECachingMode>(caching_); }
@@ -36,12 +36,12 @@ class RegisterAccess {
   void writeNumber(NodeCore& owner, std::uint64_t value);
   std::uint64_t readUnsigned(NodeCore& owner, std::int64_t length, ReadFlags flags);
   /// Length of a register that holds a number; throws when it is not 1 to 8.
-  std::int64_t numberLength(NodeCore& owner);
+  std::int64_t numberLength(NodeCore& owner) const;
 
   // The calls of the public register interface.
   void set(NodeCore& owner, const std::uint8_t* buffer, std::int64_t length, bool verify);
   void get(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags);
-  std::int64_t publicLength(NodeCore& owner);
+  std::int64_t publicLength(NodeCore& owner) const;
   std::int64_t publicAddress(NodeCore& owner);
 
   EAccessMode declaredAccess() const { return static_cast<EAccessMode>(access_); }
@@ -53,7 +53,7 @@ class RegisterAccess {
   void readStart(NodeCore& owner, std::uint8_t* buffer, std::int64_t length, ReadFlags flags,
                  std::int64_t registerLength);
   RawBytes* raw(PortNode& through, std::int64_t address, std::int64_t length);
-  std::int64_t computeAddress(NodeCore& owner);
+  std::int64_t computeAddress(NodeCore& owner) const;
 
   std::int64_t constant_ = 0;  // the sum of the constant addresses
   std::int64_t address_ = 0;

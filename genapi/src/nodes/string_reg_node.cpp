@@ -10,7 +10,7 @@ namespace GenApiEngine {
 void StringRegNode::fetchString(std::string& out, ReadFlags flags) {
   const std::int64_t length = register_.length(*this);
   std::string bytes(static_cast<std::size_t>(length), '\0');
-  register_.read(*this, static_cast<std::uint8_t*>(static_cast<void*>(bytes.data())), length, flags);
+  register_.read(*this, reinterpret_cast<std::uint8_t*>(bytes.data()), length, flags);
   bytes.resize(std::min(bytes.find('\0'), bytes.size()));
   out = std::move(bytes);
 }
@@ -23,7 +23,7 @@ void StringRegNode::storeString(std::string_view value, bool /*verify*/) {
               length);
   }
   std::vector<std::uint8_t> bytes(static_cast<std::size_t>(length), 0);
-  std::copy(value.begin(), value.end(), bytes.begin());
+  std::ranges::copy(value, bytes.begin());
   register_.write(*this, bytes.data(), length);
 }
 

@@ -411,7 +411,7 @@ void Acquisition::announce(const Exposure& exposure) {
 
 void Acquisition::finishIfComplete() {
   const std::uint64_t limit = frameLimit();
-  const bool complete = std::all_of(streams_.begin(), streams_.end(), [&](const auto& stream) {
+  const bool complete = std::ranges::all_of(streams_, [&](const auto& stream) {
     return !stream->started || (stream->count >= limit && stream->pending.empty());
   });
   if (complete && limit != std::numeric_limits<std::uint64_t>::max()) {
@@ -529,7 +529,7 @@ void Acquisition::triggerFrame() {
                     (overlap == kOverlapReadOut && now < exposureEnd_) ||
                     (overlap == kOverlapPreviousFrame && now < lastStart_);
   const std::uint64_t limit = frameLimit();
-  const bool room = std::all_of(streams_.begin(), streams_.end(), [&](const auto& stream) {
+  const bool room = std::ranges::all_of(streams_, [&](const auto& stream) {
     return !stream->started || (stream->count < limit && stream->pending.size() < kMaxPending);
   });
   if (busy || !room || !acquisitionTriggered_) {

@@ -37,9 +37,9 @@ class Acquisition {
 
   bool running() const { return running_; }
   void stop();
-  void startStream(std::size_t stream);
-  void stopStream(std::size_t stream);
-  FrameWait waitForFrame(CameraLock& guard, std::size_t stream, Clock::time_point until, FramePlan& plan);
+  void startStream(std::size_t index);
+  void stopStream(std::size_t index);
+  FrameWait waitForFrame(CameraLock& guard, std::size_t index, Clock::time_point until, FramePlan& plan);
   // A signal of a counter, timer or line that may be a trigger source.
   void source(Signal signal);
   bool lineHigh() const { return lineHigh_; }

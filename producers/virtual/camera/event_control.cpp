@@ -97,8 +97,7 @@ bool EventControl::watchesFrames() const {
 }
 
 void EventControl::signal(Signal signal, std::uint64_t frameId) {
-  const auto* const event =
-      std::find_if(kEvents.begin(), kEvents.end(), [&](const auto& e) { return e.signal == signal; });
+  const auto* const event = std::ranges::find_if(kEvents, [&](const auto& e) { return e.signal == signal; });
   if (signal != Signal::Off && event != kEvents.end()) {
     send(static_cast<std::size_t>(event - kEvents.begin()), frameId, 0);
   }

@@ -42,7 +42,7 @@ std::string Feature::text(std::size_t slot) const {
 }
 
 void Feature::setText(const std::string& v) {
-  std::fill(bytes_.begin(), bytes_.end(), std::byte{0});
+  std::ranges::fill(bytes_, std::byte{0});
   std::memcpy(bytes_.data(), v.data(), std::min(v.size(), bytes_.size()));
 }
 
@@ -81,7 +81,8 @@ Feature& FeatureMap::bytes(std::string name, std::string category, std::string t
   return add(FeatureKind::Register, std::move(name), std::move(category), std::move(toolTip), length);
 }
 
-void FeatureMap::extraNodes(std::string xml, std::vector<std::pair<std::string, std::string>> categoryAndFeature) {
+void FeatureMap::extraNodes(std::string_view xml,
+                            const std::vector<std::pair<std::string, std::string>>& categoryAndFeature) {
   extraXml_ += xml;
   extraFeatures_.insert(extraFeatures_.end(), categoryAndFeature.begin(), categoryAndFeature.end());
 }
@@ -276,10 +277,10 @@ GC_ERROR FeatureMap::writeSlot(Feature& feature, std::size_t slot, std::span<con
   }
   const auto place = feature.bytes_.begin() + static_cast<std::ptrdiff_t>(slot * feature.length_);
   const std::vector<std::byte> old(place, place + static_cast<std::ptrdiff_t>(feature.length_));
-  std::copy(in.begin(), in.end(), place);
+  std::ranges::copy(in, place);
   const GC_ERROR error = feature.written_ ? feature.written_(slot) : GC_ERR_SUCCESS;
   if (error != GC_ERR_SUCCESS) {
-    std::copy(old.begin(), old.end(), place);
+    std::ranges::copy(old, place);
   }
   return error;
 }
@@ -320,8 +321,8 @@ GC_ERROR FeatureMap::checkInteger(const Feature& feature, std::size_t slot, std:
     return value == 0 || value == 1 ? GC_ERR_SUCCESS : GC_ERR_INVALID_VALUE;
   }
   if (feature.kind() == FeatureKind::Enumeration) {
-    const auto entry = std::find_if(feature.entries_.begin(), feature.entries_.end(),
-                                    [&](const EnumEntry& candidate) { return candidate.value == value; });
+    const auto entry =
+        std::ranges::find_if(feature.entries_, [&](const EnumEntry& candidate) { return candidate.value == value; });
     const bool legal = entry != feature.entries_.end() && holds(entry->availableIf, feature, slot, true);
     return legal ? GC_ERR_SUCCESS : GC_ERR_INVALID_VALUE;
   }
@@ -392,7 +393,7 @@ std::string FeatureMap::saveUserSet() const {
 }
 
 bool FeatureMap::loadUserSet(const std::string& text) {
-  if (text.compare(0, kUserSetMagic.size(), kUserSetMagic) != 0) {
+  if (!text.starts_with(kUserSetMagic)) {
     return false;
   }
   std::istringstream lines(text.substr(kUserSetMagic.size()));

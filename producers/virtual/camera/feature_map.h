@@ -7,6 +7,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -44,7 +45,7 @@ class FeatureMap {
   Feature& string(std::string name, std::string category, std::string toolTip, std::size_t length = 64);
   Feature& bytes(std::string name, std::string category, std::string toolTip, std::size_t length);
   // Nodes of the description that no declaration above can express; they refer to declared registers.
-  void extraNodes(std::string xml, std::vector<std::pair<std::string, std::string>> categoryAndFeature);
+  void extraNodes(std::string_view xml, const std::vector<std::pair<std::string, std::string>>& categoryAndFeature);
 
   // Ends the declaration: gives every feature its address and its first value. A declaration that contradicts itself
   // throws std::logic_error.

@@ -46,7 +46,7 @@ FileContent firstFirmware() {
   for (std::size_t i = 0; i < content.size(); ++i) {
     content[i] = static_cast<std::byte>(i * 7 + i / 256);
   }
-  std::copy(kFirmwareMark.begin(), kFirmwareMark.end(), content.begin() + kFirmwareMarkAt);
+  std::ranges::copy(kFirmwareMark, content.begin() + kFirmwareMarkAt);
   content[kFirmwareVersionAt] = std::byte{0};
   return content;
 }

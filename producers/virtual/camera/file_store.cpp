@@ -63,13 +63,13 @@ void FileStore::tell(const std::string& text) const {
 
 FileContent toContent(const std::string& text) {
   FileContent content(text.size());
-  std::transform(text.begin(), text.end(), content.begin(), [](char c) { return static_cast<std::byte>(c); });
+  std::ranges::transform(text, content.begin(), [](char c) { return static_cast<std::byte>(c); });
   return content;
 }
 
 std::string toText(const FileContent& content) {
   std::string text(content.size(), '\0');
-  std::transform(content.begin(), content.end(), text.begin(), [](std::byte b) { return static_cast<char>(b); });
+  std::ranges::transform(content, text.begin(), [](std::byte b) { return static_cast<char>(b); });
   return text;
 }
 

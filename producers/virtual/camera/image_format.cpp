@@ -171,7 +171,7 @@ void ImageFormat::declareFormat() {
   for (const std::string& name : core_.model.pixelFormats) {
     const PixelFormat& format = *findPixelFormat(name);
     pixelFormat_->entry(name, std::int64_t{format.code}, std::to_string(format.bits) + " bits per pixel");
-    if (std::find(sizes.begin(), sizes.end(), format.bits) == sizes.end()) {
+    if (std::ranges::find(sizes, format.bits) == sizes.end()) {
       sizes.push_back(format.bits);
       size.entry("Bpp" + std::to_string(format.bits), format.bits);
     }

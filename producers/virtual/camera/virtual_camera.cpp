@@ -27,10 +27,10 @@ bool samePicture(const PictureSettings& a, const PictureSettings& b) {
 
 ToneTables negative(ToneTables tones) {
   const auto invert = [](std::array<std::uint16_t, 256>& table) {
-    std::for_each(table.begin(), table.end(), [](std::uint16_t& tone) { tone = static_cast<std::uint16_t>(~tone); });
+    std::ranges::for_each(table, [](std::uint16_t& tone) { tone = static_cast<std::uint16_t>(~tone); });
   };
   invert(tones.luma);
-  std::for_each(tones.rgb.begin(), tones.rgb.end(), invert);
+  std::ranges::for_each(tones.rgb, invert);
   return tones;
 }
 
@@ -120,7 +120,7 @@ void VirtualCamera::storeDescription() {
   const Identity& identity = core_.model.identity;
   descriptionText_ = writeDescription(core_.map, {identity.vendor, identity.model, core_.model.toolTip, portName_});
   std::string base = identity.vendor + "_" + identity.model + "_v1_0_0";
-  std::transform(base.begin(), base.end(), base.begin(), [](char c) {
+  std::ranges::transform(base, base.begin(), [](char c) {
     return c == ' ' || c == '-' ? '_' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
   });
   if (core_.model.zipped) {

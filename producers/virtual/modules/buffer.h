@@ -82,7 +82,7 @@ class Buffer final : public Module {
   bool isMultiPart() const { return multiPart_; }
   std::span<const ChunkPlan> chunks() const { return {chunks_.data(), chunkCount_}; }
   bool isIncomplete() const { return incomplete_; }
-  Info partInfo(std::uint32_t part, BUFFER_PART_INFO_CMD command) const;
+  Info partInfo(std::uint32_t index, BUFFER_PART_INFO_CMD command) const;
 
   PortIdentity identity() override;
 

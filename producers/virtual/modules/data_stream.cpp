@@ -102,8 +102,7 @@ void DataStream::revoke(void* handle, void** memory, void** userPointer) {
 
 std::unique_ptr<Module> DataStream::take(const Buffer& buffer) {
   const std::lock_guard lock(mutex_);
-  const auto place =
-      std::find_if(announced_.begin(), announced_.end(), [&](const auto& other) { return other.get() == &buffer; });
+  const auto place = std::ranges::find_if(announced_, [&](const auto& other) { return other.get() == &buffer; });
   std::unique_ptr<Module> taken = std::move(*place);
   announced_.erase(place);
   return taken;

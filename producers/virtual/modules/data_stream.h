@@ -31,13 +31,13 @@ class DataStream final : public Module {
   // Buffers. A buffer is named by its handle, which is checked to be one of this stream.
   void* announce(void* memory, std::size_t size, void* userPointer);
   void* allocateAndAnnounce(std::size_t size, void* userPointer);
-  void revoke(void* buffer, void** memory, void** userPointer);
-  void queue(void* buffer);
+  void revoke(void* handle, void** memory, void** userPointer);
+  void queue(void* handle);
   void flush(ACQ_QUEUE_TYPE operation);
   void* bufferAt(std::uint32_t index);
-  void chunkData(void* buffer, SINGLE_CHUNK_DATA* chunks, std::size_t* count);
-  std::uint32_t partCount(void* buffer);
-  Info partInfo(void* buffer, std::uint32_t part, BUFFER_PART_INFO_CMD command);
+  void chunkData(void* handle, SINGLE_CHUNK_DATA* chunks, std::size_t* count);
+  std::uint32_t partCount(void* handle);
+  Info partInfo(void* handle, std::uint32_t part, BUFFER_PART_INFO_CMD command);
   void readBuffer(const Buffer& buffer, std::size_t offset, void* to, std::size_t size);
   std::unique_ptr<Module> take(const Buffer& buffer);
 

@@ -116,7 +116,7 @@ void QueuedEvent::push(const Occurrence& occurrence) {
   std::byte* to = ring_[(first_ + count_) % kDepth].data();
   std::memcpy(to, &header, sizeof(header));
   std::copy_n(reinterpret_cast<const std::byte*>(name.data()), name.size(), to + sizeof(header));
-  std::copy(value.begin(), value.end(), to + sizeof(header) + name.size());
+  std::ranges::copy(value, to + sizeof(header) + name.size());
   ++count_;
   ++fired_;
   wakeOneLocked();

@@ -59,8 +59,9 @@ inline bool isBad(const void* pointer) {
 }
 
 // Refuses a pointer that must be given.
-inline void require(const void* pointer, std::string_view name) {
-  if (isBad(pointer)) {
+template<class T>
+void require(T* pointer, std::string_view name) {
+  if (isBad(static_cast<const void*>(pointer))) {
     fail(GC_ERR_INVALID_PARAMETER, name, " is not a valid pointer");
   }
 }

@@ -122,7 +122,7 @@ class HandleTable {
 
   // The slot that a handle of one of these kinds names, open or not; null for anything that was never a handle.
   static Decoded decode(void* handle, std::uint32_t kinds) noexcept {
-    const std::uint64_t value = reinterpret_cast<std::uintptr_t>(handle);
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
     const std::uint32_t kind = value & 0xFF;
     if (value >> 56 != kTag || (kind & kinds) == 0) {
       return {nullptr, 0};

@@ -89,16 +89,16 @@ std::uint32_t Hostility::nextFrame(const std::string& device) {
 
 bool Hostility::isPaused(const std::string& device) {
   const std::lock_guard lock(mutex_);
-  return std::any_of(paused_.begin(), paused_.end(), [&](const std::string& order) { return matches(order, device); });
+  return std::ranges::any_of(paused_, [&](const std::string& order) { return matches(order, device); });
 }
 
-std::uint64_t Hostility::updateDelayMs() {
+std::uint64_t Hostility::updateDelayMs() const {
   const std::lock_guard lock(mutex_);
   return updateDelayMs_;
 }
 
 std::optional<Function> Hostility::find(const char* name) {
-  const auto* found = std::find(kFunctionNames.begin(), kFunctionNames.end(), nameFrom(name));
+  const auto* found = std::ranges::find(kFunctionNames, nameFrom(name));
   if (found == kFunctionNames.end()) {
     return std::nullopt;
   }
@@ -139,7 +139,7 @@ bool Hostility::release(const char* function) {
   return true;
 }
 
-std::uint32_t Hostility::blocked() {
+std::uint32_t Hostility::blocked() const {
   const std::lock_guard lock(mutex_);
   return blockedCalls_;
 }

@@ -35,13 +35,13 @@ class Hostility {
   // A sum of OviVirtualFrame for the next frame of the device.
   std::uint32_t nextFrame(const std::string& device);
   bool isPaused(const std::string& device);
-  std::uint64_t updateDelayMs();
+  std::uint64_t updateDelayMs() const;
 
   // Orders.
   bool fail(const char* function, GC_ERROR code, std::uint64_t from, std::uint64_t calls);
   bool block(const char* function, std::uint64_t from, std::uint64_t calls);
   bool release(const char* function);
-  std::uint32_t blocked();
+  std::uint32_t blocked() const;
   bool spoilText(const char* function, std::int32_t command, OviVirtualText how, std::uint64_t calls);
   bool spoilType(const char* function, std::int32_t command, INFO_DATATYPE type, std::uint64_t calls);
   void shortReads(std::uint32_t missing, std::uint64_t from, std::uint64_t calls);
@@ -96,7 +96,7 @@ class Hostility {
 
   inline static std::atomic<bool> armed_{false};
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable released_;
   std::array<std::uint64_t, kFunctionNames.size()> releases_{};  // grows with each release of the function
   std::uint32_t blockedCalls_ = 0;

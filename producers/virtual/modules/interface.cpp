@@ -71,8 +71,8 @@ std::string Interface::deviceId(std::uint32_t index) {
 CameraSlot& Interface::find(const std::string& id) {
   const std::lock_guard lock(listMutex_);
   const auto isHere = [&](const CameraSlot& slot) {
-    return slot.interfaceIndex == index_ && ((slot.present && (ignoreSubnet_ || !slot.foreignSubnet)) ||
-                                             std::find(list_.begin(), list_.end(), &slot) != list_.end());
+    return slot.interfaceIndex == index_ &&
+           ((slot.present && (ignoreSubnet_ || !slot.foreignSubnet)) || std::ranges::find(list_, &slot) != list_.end());
   };
   for (const auto& slot : session_.cameras) {
     if (isHere(*slot) && slot->camera->identity().id == id) {
@@ -153,8 +153,7 @@ void Interface::cableChanged(const CameraSlot& slot, bool present) {
   if (slot.interfaceIndex != index_) {
     return;
   }
-  const auto place = std::find_if(session_.cameras.begin(), session_.cameras.end(),
-                                  [&](const auto& other) { return other.get() == &slot; });
+  const auto place = std::ranges::find_if(session_.cameras, [&](const auto& other) { return other.get() == &slot; });
   const auto number = static_cast<std::uint64_t>(place - session_.cameras.begin());
   fireModuleEvent(present ? kDeviceArrived : kDeviceLost, {number});
   children_->forEach([&](Device& open) {

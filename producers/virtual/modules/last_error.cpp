@@ -1,7 +1,6 @@
 // Keeps the texts in plain memory of the thread, so that threads may outlive the producer.
 #include "modules/last_error.h"
 
-#include <algorithm>
 #include <array>
 
 namespace vcam {
@@ -17,9 +16,7 @@ struct Record {
 thread_local Record record{};
 
 void append(std::string_view text) {
-  const std::size_t length = std::min(text.size(), record.text.size() - record.length);
-  std::copy_n(text.data(), length, record.text.data() + record.length);
-  record.length += length;
+  record.length += text.copy(record.text.data() + record.length, record.text.size() - record.length);
 }
 
 }  // namespace

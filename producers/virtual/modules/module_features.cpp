@@ -134,7 +134,7 @@ void ModuleFeatures::enumeration(const About& about, const Entries& entries, Num
   SetNumber checked;
   if (set) {
     checked = [entries, name, set = std::move(set)](std::uint64_t value) {
-      if (std::none_of(entries.begin(), entries.end(), [&](const auto& entry) { return entry.second == value; })) {
+      if (std::ranges::none_of(entries, [&](const auto& entry) { return entry.second == value; })) {
         fail(GC_ERR_INVALID_VALUE, name, " has no entry with the value ", value);
       }
       set(value);
@@ -229,8 +229,7 @@ void ModuleFeatures::events(const std::vector<ModuleEvent>& list) {
 
 bool ModuleFeatures::notifies(std::uint64_t id) {
   const std::lock_guard lock(eventMutex_);
-  const auto found =
-      std::find_if(events_.begin(), events_.end(), [&](const ModuleEvent& event) { return event.id == id; });
+  const auto found = std::ranges::find_if(events_, [&](const ModuleEvent& event) { return event.id == id; });
   return found != events_.end() && notifying_[static_cast<std::size_t>(found - events_.begin())];
 }
 

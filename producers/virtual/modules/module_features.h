@@ -63,7 +63,7 @@ class ModuleFeatures {
     std::string_view toolTip;
     std::vector<std::string_view> data;
   };
-  void events(const std::vector<ModuleEvent>& events);
+  void events(const std::vector<ModuleEvent>& list);
   // Whether the event's notification is on, as it is in the beginning.
   bool notifies(std::uint64_t id);
 

@@ -47,7 +47,7 @@ class Recorder {
   OviVirtualRecordingData data(std::uint32_t index);
   void select(std::uint32_t index);
   // Fills the record and returns the image's reference.
-  std::uint64_t read(OviVirtualRecordedImage& image);
+  std::uint64_t read(OviVirtualRecordedImage& out);
   void free(std::uint64_t reference);
 
  private:

@@ -84,8 +84,8 @@ std::string System::interfaceId(std::uint32_t index) {
 }
 
 const InterfaceEntry& System::find(const std::string& id) const {
-  const auto found = std::find_if(session_.interfaces.begin(), session_.interfaces.end(),
-                                  [&](const InterfaceEntry& entry) { return entry.id == id; });
+  const auto found =
+      std::ranges::find_if(session_.interfaces, [&](const InterfaceEntry& entry) { return entry.id == id; });
   if (found == session_.interfaces.end()) {
     fail(GC_ERR_INVALID_ID, "no interface has the ID \"", id, "\"");
   }

@@ -37,8 +37,7 @@ inline ModuleFeatures::Entries tlTypeEntries(bool mixed) {
 }
 
 inline std::uint64_t tlTypeValue(std::string_view name) {
-  const auto found =
-      std::find_if(kTLTypes.begin(), kTLTypes.end(), [&](const TLType& type) { return type.name == name; });
+  const auto found = std::ranges::find_if(kTLTypes, [&](const TLType& type) { return type.name == name; });
   return found == kTLTypes.end() ? 5 : static_cast<std::uint64_t>(found - kTLTypes.begin());
 }
 

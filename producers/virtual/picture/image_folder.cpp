@@ -48,8 +48,8 @@ DecodedPng decodePng(const std::vector<char>& bytes) {
 
 bool isPng(const std::filesystem::path& path) {
   std::string extension = path.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::ranges::transform(extension, extension.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return extension == ".png";
 }
 
@@ -73,7 +73,7 @@ std::vector<std::shared_ptr<const Scene>> readImageFolder(const std::filesystem:
   if (error) {
     tell("The image folder " + folder.string() + " cannot be read: " + error.message());
   }
-  std::sort(files.begin(), files.end());
+  std::ranges::sort(files);
   std::vector<std::shared_ptr<const Scene>> scenes;
   for (const auto& path : files) {
     std::ifstream file(path, std::ios::binary);

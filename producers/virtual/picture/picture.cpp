@@ -62,7 +62,6 @@ FrameStamp::FrameStamp(std::uint32_t width, std::uint32_t height)
     : bits(std::min(32U, width / 4)),
       cellWidth(bits < 32 ? 4 : std::clamp(width / 64, 4U, 16U)),
       cellHeight(std::min(std::max(2U, cellWidth), height)),
-      digits(0),
       dot(std::clamp(std::min(width / 100, height / 60), 1U, 8U)),
       strip{0, 0, std::int64_t{bits} * cellWidth, cellHeight} {
   const std::uint32_t glyph = kGlyphAdvance * dot;

@@ -64,7 +64,7 @@ struct FrameStamp {
   std::uint32_t bits;        // cells of the strip, at most 32
   std::uint32_t cellWidth;   // pixels
   std::uint32_t cellHeight;  // pixels
-  std::uint32_t digits;      // decimal digits shown, the lowest ones; 0 when the image is too small
+  std::uint32_t digits = 0;  // decimal digits shown, the lowest ones; 0 when the image is too small
   std::uint32_t dot;         // pixels of a dot of the font
   Rect strip;
   Rect box;  // around the digits

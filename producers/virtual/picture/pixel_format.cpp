@@ -127,14 +127,12 @@ std::span<const PixelFormat> pixelFormats() {
 }
 
 const PixelFormat* findPixelFormat(std::uint32_t code) {
-  const auto* const found =
-      std::find_if(kFormats.begin(), kFormats.end(), [&](const auto& f) { return f.code == code; });
+  const auto* const found = std::ranges::find_if(kFormats, [&](const auto& f) { return f.code == code; });
   return found == kFormats.end() ? nullptr : &*found;
 }
 
 const PixelFormat* findPixelFormat(std::string_view name) {
-  const auto* const found =
-      std::find_if(kFormats.begin(), kFormats.end(), [&](const auto& f) { return f.name == name; });
+  const auto* const found = std::ranges::find_if(kFormats, [&](const auto& f) { return f.name == name; });
   return found == kFormats.end() ? nullptr : &*found;
 }
 

@@ -114,7 +114,7 @@ std::string readWholeFile(const std::string& path, std::uint64_t limit, std::vec
   struct stat status {};
   if (!file.isOpen() || ::fstat(file.descriptor(), &status) != 0)
     return errorText();
-  const std::string tooLarge = "The file is larger than " + std::to_string(limit) + " bytes.";
+  std::string tooLarge = "The file is larger than " + std::to_string(limit) + " bytes.";
   if (status.st_size > 0) {
     if (static_cast<std::uint64_t>(status.st_size) > limit)
       return tooLarge;

@@ -56,12 +56,8 @@ class MapReader {
       right = get();
     mapping.executable = rights[2] == 'x';
     mapping.fileOffset = number(c);
-    for (int blanks = 0; c != '\n' && c != 0; c = get()) {
-      // Device and inode follow, then the path behind blanks.
-      if (c == '/')
-        break;
-      blanks += c == ' ' ? 1 : 0;
-    }
+    while (c != '\n' && c != 0 && c != '/')  // Device and inode follow, then the path behind blanks.
+      c = get();
     std::size_t length = 0;
     for (; c != '\n' && c != 0; c = get())
       if (length + 1 < mapping.path.size())

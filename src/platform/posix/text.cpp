@@ -62,7 +62,7 @@ std::string narrow(const std::wstring& text) {
     }
   };
   for (const wchar_t character : text) {
-    std::uint32_t code = static_cast<std::uint32_t>(character);
+    auto code = static_cast<std::uint32_t>(character);  // NOLINT(bugprone-signed-char-misuse): it is no char.
     if (code > kLast || (code >= 0xD800 && code <= 0xDFFF)) {
       code = kReplacement;
     }

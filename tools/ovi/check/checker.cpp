@@ -62,8 +62,7 @@ std::string lastErrorText(const ProducerFunctions& gentl, GC_ERROR failure) {
 }  // namespace
 
 std::string codeText(GC_ERROR code) {
-  const auto known =
-      std::find_if(kCodes.begin(), kCodes.end(), [&](const CodeName& candidate) { return candidate.code == code; });
+  const auto known = std::ranges::find_if(kCodes, [&](const CodeName& candidate) { return candidate.code == code; });
   if (code == GC_ERR_SUCCESS)
     return known->name;
   return (known == kCodes.end() ? std::string("code") : std::string(known->name)) + " (" + std::to_string(code) + ")";
@@ -103,7 +102,7 @@ void Checker::fault(const std::string& text) {
 }
 
 GC_ERROR Checker::expectCode(const char* function, GC_ERROR code, std::initializer_list<GC_ERROR> codes) const {
-  if (std::find(codes.begin(), codes.end(), code) != codes.end())
+  if (std::ranges::find(codes, code) != codes.end())
     return code;
   const bool needed = codes.size() == 1 && *codes.begin() == GC_ERR_SUCCESS;
   throw Broken(std::string(function) + " returned " + codeText(code) +
@@ -112,7 +111,7 @@ GC_ERROR Checker::expectCode(const char* function, GC_ERROR code, std::initializ
 }
 
 void Checker::preferCode(const char* what, const char* function, GC_ERROR code, std::initializer_list<GC_ERROR> codes) {
-  if (std::find(codes.begin(), codes.end(), code) == codes.end())
+  if (std::ranges::find(codes, code) == codes.end())
     fault(std::string(function) + " " + what + " returned " + codeText(code) + ", not " + codesText(codes));
 }
 

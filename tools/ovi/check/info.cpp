@@ -36,7 +36,7 @@ class Target {
   explicit Target(std::size_t size) : size_(size), bytes_(size + kGuard, kUntouched) {}
   void* data() { return bytes_.data(); }
   bool untouched() const {
-    return std::all_of(bytes_.begin(), bytes_.end(), [](std::uint8_t b) { return b == kUntouched; });
+    return std::ranges::all_of(bytes_, [](std::uint8_t b) { return b == kUntouched; });
   }
   bool overrun() const {
     return std::any_of(bytes_.begin() + static_cast<std::ptrdiff_t>(size_), bytes_.end(),
@@ -53,7 +53,7 @@ class Target {
 
 // What is wrong with a text of which so many bytes were written.
 std::string textFault(const std::vector<std::uint8_t>& bytes) {
-  const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
+  const auto end = std::ranges::find(bytes, std::uint8_t{0});
   if (end == bytes.end())
     return "has no terminating NUL";
   if (end + 1 != bytes.end())
@@ -242,7 +242,7 @@ const std::vector<InfoCommand> kImageInfos = {
 };
 
 std::string Info::text() const {
-  return {bytes.begin(), std::find(bytes.begin(), bytes.end(), std::uint8_t{0})};
+  return {bytes.begin(), std::ranges::find(bytes, std::uint8_t{0})};
 }
 
 std::uint64_t Info::number() const {

@@ -33,12 +33,12 @@ class ProducerPort : public GenApi::IPort {
 
   GenApi::EAccessMode GetAccessMode() const override { return GenApi::RW; }
   void Read(void* buffer, std::int64_t address, std::int64_t length) override {
-    std::size_t size = static_cast<std::size_t>(length);
+    auto size = static_cast<std::size_t>(length);
     const GC_ERROR code = gentl_.GCReadPort(port_, static_cast<std::uint64_t>(address), buffer, &size);
     judge("GCReadPort", code, size, length, address);
   }
   void Write(const void* buffer, std::int64_t address, std::int64_t length) override {
-    std::size_t size = static_cast<std::size_t>(length);
+    auto size = static_cast<std::size_t>(length);
     const GC_ERROR code = gentl_.GCWritePort(port_, static_cast<std::uint64_t>(address), buffer, &size);
     judge("GCWritePort", code, size, length, address);
   }
@@ -225,9 +225,8 @@ PortMap::PortMap(Checker& check, PORT_HANDLE port) : port_(std::make_unique<Prod
       ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
               std::size_t* size) { return check.gentl().GCGetPortInfo(port, command, type, buffer, size); },
           PORT_INFO_PORTNAME);
-  GenApi::CNodeMapFactory factory(
-      content.compare(0, 2, "PK") == 0 ? GenApi::ContentType_ZippedXml : GenApi::ContentType_Xml, content.data(),
-      content.size());
+  GenApi::CNodeMapFactory factory(content.starts_with("PK") ? GenApi::ContentType_ZippedXml : GenApi::ContentType_Xml,
+                                  content.data(), content.size());
   map_ = factory.CreateNodeMap();
   const std::string name = portName.exists() ? portName.text() : "Device";
   if (!map_->Connect(port_.get(), name.c_str()))

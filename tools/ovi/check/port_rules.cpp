@@ -51,7 +51,7 @@ void checkStacked(Checker& check, const PortMap& map, PORT_HANDLE port) {
     if (bytes == nullptr || node->GetAccessMode() != GenApi::RW || bytes->GetLength() > 8)
       continue;
     const auto address = static_cast<std::uint64_t>(bytes->GetAddress());
-    std::size_t length = static_cast<std::size_t>(bytes->GetLength());
+    auto length = static_cast<std::size_t>(bytes->GetLength());
     std::uint64_t single = 0;
     std::uint64_t stacked = 0;
     const std::size_t wanted = length;

@@ -24,7 +24,7 @@ class Function<GC_ERROR(GC_CALLTYPE*)(Args...)> {
       : name_(name),
         pointer_(reinterpret_cast<Pointer>(library.find(name))) {
     if (pointer_ == nullptr)
-      (minor < kFirstOptional ? missing : missingNewer).push_back(name);
+      (minor < kFirstOptional ? missing : missingNewer).emplace_back(name);
   }
 
   const char* name() const { return name_; }

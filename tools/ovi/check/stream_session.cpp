@@ -38,8 +38,10 @@ void StreamSession::announce(std::size_t count) {
     std::vector<std::uint8_t>& memory = memory_.emplace_back(payload_ + step);
     const auto address = (reinterpret_cast<std::uintptr_t>(memory.data()) + step - 1) / step * step;
     BUFFER_HANDLE buffer = nullptr;
+    // NOLINTBEGIN(performance-no-int-to-ptr): an aligned address, and a number for the producer to give back.
     check_.need(check_.gentl().DSAnnounceBuffer, stream(), reinterpret_cast<void*>(address), payload_,
                 reinterpret_cast<void*>(i), &buffer);
+    // NOLINTEND(performance-no-int-to-ptr)
     buffers_.push_back(buffer);
   }
 }

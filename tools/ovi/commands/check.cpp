@@ -1,4 +1,5 @@
 // ovi check: whether a producer keeps the rules of GenTL, as far as the library and its users depend on them.
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <memory>
@@ -45,8 +46,8 @@ struct CheckOptions {
 
 // In a group's process: a line of JSON for each rule that begins or ends.
 void runGroup(const CheckOptions& options, const std::string& camera) {
-  const auto group = std::find_if(kGroups.begin(), kGroups.end(),
-                                  [&](const check::Group& candidate) { return options.group == candidate.name; });
+  const auto group =
+      std::ranges::find_if(kGroups, [&](const check::Group& candidate) { return options.group == candidate.name; });
   if (group == kGroups.end())
     throw ToolError("there is no group \"" + options.group + "\"", "ovi check --help", ExitCode::kUsage);
   const auto print = [](const ordered_json& line) {
@@ -135,7 +136,7 @@ void runAll(const Session& session, const CheckOptions& options) {
   for (const check::Group& group : kGroups) {
     if (interrupted())
       throw ToolError("interrupted", {}, ExitCode::kInterrupted);
-    if (!options.only.empty() && std::find(options.only.begin(), options.only.end(), group.name) == options.only.end())
+    if (!options.only.empty() && std::ranges::find(options.only, group.name) == options.only.end())
       continue;
     progress.show(-1.0, group.title, true);
     std::vector<std::string> arguments = {"check", options.producer, "--in-group", group.name};

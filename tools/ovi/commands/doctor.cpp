@@ -1,4 +1,5 @@
 // ovi doctor: why a camera or an image is missing, and what to do about it.
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -54,7 +55,7 @@ std::vector<std::filesystem::path> producersIn(const std::string& folder) {
   for (const auto& entry : std::filesystem::directory_iterator(pathFromText(folder), error))
     if (entry.path().extension() == ".cti")
       files.push_back(entry.path());
-  std::sort(files.begin(), files.end());
+  std::ranges::sort(files);
   return files;
 }
 

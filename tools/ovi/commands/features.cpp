@@ -25,7 +25,7 @@ bool isCategory(const FeatureNode& node) {
 
 // A pattern that is just a category's name means all that is in it.
 bool matchesAny(const FeatureNode& node, const std::vector<std::string>& patterns) {
-  return patterns.empty() || std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+  return patterns.empty() || std::ranges::any_of(patterns, [&](const std::string& pattern) {
            return matchesPattern(pattern, node.name) || equalsIgnoringCase(pattern, node.category);
          });
 }
@@ -42,8 +42,7 @@ bool matchesAny(const FeatureNode& node, const std::vector<std::string>& pattern
   }
   std::string nearest = nearestMatch(pattern, names);
   if (const std::string beginning = nearestMatch(pattern, beginnings); nearest.empty() && !beginning.empty())
-    nearest = names.at(
-        static_cast<std::size_t>(std::find(beginnings.begin(), beginnings.end(), beginning) - beginnings.begin()));
+    nearest = names.at(static_cast<std::size_t>(std::ranges::find(beginnings, beginning) - beginnings.begin()));
   throw ToolError(view.noun() + " has no feature that matches " + join(patterns, " ") + "." +
                       (nearest.empty() ? "" : " Did you mean " + nearest + "?"),
                   view.command(nearest.empty() ? "features" : "features " + nearest), ExitCode::kUsage);

@@ -1,4 +1,5 @@
 // ovi stream: images from one camera or several, counted, checked and saved.
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
@@ -167,7 +168,7 @@ std::vector<const Camera*> chosenCameras(Session& session, const StreamOptions& 
     chosen.push_back(&session.pick(session.options().camera));
   for (const std::string& name : options.cameras) {
     const Camera& camera = session.pick(name);
-    if (std::find(chosen.begin(), chosen.end(), &camera) != chosen.end())
+    if (std::ranges::find(chosen, &camera) != chosen.end())
       throw ToolError("camera " + camera.shortName() + " is named twice", session.command("list", {}),
                       ExitCode::kUsage);
     chosen.push_back(&camera);
@@ -251,7 +252,7 @@ void stream(Session& session, const StreamOptions& options) {
   {
     ProgressLine line;
     const auto isDone = [](const auto& run) { return run->done(); };
-    while (!std::all_of(runs.begin(), runs.end(), isDone)) {
+    while (!std::ranges::all_of(runs, isDone)) {
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
       showProgress(line, runs, options.acquisition.frames);
     }

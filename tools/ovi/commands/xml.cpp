@@ -177,7 +177,7 @@ class TreeTable {
     map.GetNodes(nodes);
     add(map.GetNode("Root"), 0);
     for (GenApi::INode* node : nodes)
-      if (node->GetPrincipalInterfaceType() != GenApi::intfIEnumEntry && seen_.count(node) == 0)
+      if (node->GetPrincipalInterfaceType() != GenApi::intfIEnumEntry && !seen_.contains(node))
         add(node, 0);
   }
   const Table& table() const { return table_; }

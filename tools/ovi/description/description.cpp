@@ -66,7 +66,7 @@ Description::Description(const std::filesystem::path& file, std::unique_ptr<GenA
   const auto begin = Clock::now();
   content_ = contentOf(file);
   const auto read = Clock::now();
-  zipped_ = content_.compare(0, 2, "PK") == 0;
+  zipped_ = content_.starts_with("PK");
   try {
     GenApi::CNodeMapFactory factory(zipped_ ? GenApi::ContentType_ZippedXml : GenApi::ContentType_Xml, content_.data(),
                                     content_.size());

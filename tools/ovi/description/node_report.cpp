@@ -54,7 +54,8 @@ class Answers {
   template<class Question>
   void askText(const char* name, Question&& question) {
     ask(name, [&] { return textOf(question()); });
-    if (const auto found = json_.find(name); found != json_.end() && *found == "")
+    if (const auto found = json_.find(name);
+        found != json_.end() && found->is_string() && found->template get_ref<const std::string&>().empty())
       json_.erase(found);
   }
 

@@ -20,7 +20,7 @@
 #include "paths.h"
 
 #ifndef _WIN32
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX leaves it to the program.
 #endif
 
 namespace tool {

@@ -39,7 +39,7 @@ T queryValue(Call&& call) {
   T value{};
   std::size_t size = sizeof(T);
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-  checkGenTLError(call(&type, &value, &size));
+  checkGenTLError(call(&type, static_cast<void*>(&value), &size));
   return value;
 }
 

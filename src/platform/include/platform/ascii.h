@@ -13,13 +13,12 @@ constexpr char upperCase(char character) noexcept {
 
 inline std::string upperCase(std::string_view text) {
   std::string upper(text);
-  std::transform(upper.begin(), upper.end(), upper.begin(), [](char character) { return upperCase(character); });
+  std::ranges::transform(upper, upper.begin(), [](char character) { return upperCase(character); });
   return upper;
 }
 
 inline bool equalsIgnoringCase(std::string_view left, std::string_view right) noexcept {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](char a, char b) { return upperCase(a) == upperCase(b); });
+  return std::ranges::equal(left, right, [](char a, char b) { return upperCase(a) == upperCase(b); });
 }
 
 }  // namespace OVI::platform
