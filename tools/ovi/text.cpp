@@ -80,7 +80,7 @@ bool matchesPattern(std::string_view pattern, std::string_view text) {
   if (pattern.find_first_of("*?") != std::string_view::npos)
     return matchesGlob(pattern, text);
   const auto same = [](char a, char b) { return lower(a) == lower(b); };
-  return std::ranges::search(text, pattern, same).begin() != text.end();
+  return pattern.empty() || !std::ranges::search(text, pattern, same).empty();
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {

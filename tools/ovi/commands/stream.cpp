@@ -39,8 +39,8 @@ class Run {
         json_(session.options().json),
         folder_(std::move(folder)),
         view_(session, "device", Use::kControl, camera.id),
-        device_(view_.device()) {
-    acquisition_ = options.acquisition;
+        device_(view_.device()),
+        acquisition_(options.acquisition) {
     acquisition_.timeout = std::chrono::milliseconds(options.imageTimeout);
     acquisition_.buffers = options.buffers != 0 ? options.buffers : usualBuffers();
     if (options.checkPattern)

@@ -133,7 +133,7 @@ std::string shortText(const ordered_json& value) {
   constexpr std::size_t kLongest = 60;
   std::string text = value.is_string() ? value.get<std::string>() : value.dump();
   if (text.size() > kLongest)
-    text = text.substr(0, kLongest) + "...";
+    text.replace(kLongest, std::string::npos, "...");
   for (char& c : text)
     if (static_cast<unsigned char>(c) < 0x20)
       c = ' ';
