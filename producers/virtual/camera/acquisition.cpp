@@ -11,10 +11,6 @@ namespace {
 // Frames that wait for a stream thread at most; later triggers are missed.
 constexpr std::size_t kMaxPending = 256;
 
-Clock::duration microseconds(double us) {
-  return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double, std::micro>(us));
-}
-
 Clock::duration secondsPart(double hertz) {
   return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(1 / hertz));
 }

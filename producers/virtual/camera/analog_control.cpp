@@ -7,7 +7,6 @@
 namespace vcam {
 namespace {
 
-constexpr std::size_t kLutEntries = 256;
 constexpr double kLutMax = 4095;
 
 }  // namespace

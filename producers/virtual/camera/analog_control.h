@@ -6,6 +6,8 @@
 
 namespace vcam {
 
+constexpr std::size_t kLutEntries = 256;  // of one look-up table
+
 class AnalogControl {
  public:
   explicit AnalogControl(CameraCore& core) : core_(core) {}

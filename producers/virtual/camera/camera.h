@@ -18,6 +18,10 @@ namespace vcam {
 
 using Clock = std::chrono::steady_clock;
 
+inline Clock::duration microseconds(double us) {
+  return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double, std::micro>(us));
+}
+
 // What a device list tells about a camera before it is opened.
 struct Identity {
   std::string id;  // unique over all cameras of the producer

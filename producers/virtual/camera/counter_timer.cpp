@@ -19,10 +19,6 @@ bool isFrameSignal(std::int64_t value) {
          value == static_cast<std::int64_t>(Signal::ExposureEnd);
 }
 
-Clock::duration microseconds(double us) {
-  return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double, std::micro>(us));
-}
-
 Signal nth(Signal first, std::size_t index) {
   return static_cast<Signal>(static_cast<std::size_t>(first) + index);
 }

@@ -5,6 +5,8 @@
 #include <array>
 #include <cstring>
 
+#include "analog_control.h"
+
 namespace vcam {
 namespace {
 
@@ -30,7 +32,6 @@ constexpr std::array<FileDeclaration, 6> kFiles{{
 }};
 constexpr std::size_t kFirmware = 4;
 
-constexpr std::size_t kLutEntries = 256;
 constexpr std::size_t kLutHeader = 4;
 constexpr std::array<std::byte, 4> kFirmwareMark{std::byte{'V'}, std::byte{0xEF}, std::byte{0xEF}, std::byte{0xEF}};
 constexpr std::size_t kFirmwareMarkAt = 32;

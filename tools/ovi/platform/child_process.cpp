@@ -150,7 +150,7 @@ struct Pipe {
 // Reads what there is; closes the end when there will be no more.
 void drain(int& end, std::string& text) {
   std::array<char, 4096> part{};
-  const ssize_t size = read(end, part.data(), part.size());
+  const ssize_t size = ::read(end, part.data(), part.size());
   if (size > 0)
     text.append(part.data(), static_cast<std::size_t>(size));
   else
