@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "platform/binary_format.h"
+
 namespace tool {
 
 namespace {
@@ -20,21 +22,6 @@ constexpr std::array kElfMachines = {Machine{3, "x86"}, Machine{40, "ARM"}, Mach
                                      Machine{183, "AArch64"}, Machine{243, "RISC-V"}};
 constexpr std::array kPeMachines = {Machine{0x14C, "x86"}, Machine{0x1C4, "ARM"}, Machine{0x8664, "x86-64"},
                                     Machine{0xAA64, "AArch64"}};
-
-#if defined(_WIN32)
-constexpr std::string_view kContainer = "PE";
-#else
-constexpr std::string_view kContainer = "ELF";
-#endif
-#if defined(__x86_64__) || defined(_M_X64)
-constexpr std::string_view kMachine = "x86-64";
-#elif defined(__aarch64__) || defined(_M_ARM64)
-constexpr std::string_view kMachine = "AArch64";
-#elif defined(__i386__) || defined(_M_IX86)
-constexpr std::string_view kMachine = "x86";
-#else
-constexpr std::string_view kMachine = "";
-#endif
 
 template<std::size_t N>
 std::string nameOf(const std::array<Machine, N>& machines, std::uint32_t code) {
