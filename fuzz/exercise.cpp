@@ -65,7 +65,8 @@ void askInteger(IInteger* integer) {
   for (const bool verify : {false, true}) {
     std::int64_t value = 0;
     ask([&] { value = integer->GetValue(verify, verify); });
-    ask([&] { integer->SetValue(value + (verify ? 0 : 1), verify); });
+    const auto next = static_cast<std::int64_t>(static_cast<std::uint64_t>(value) + (verify ? 0U : 1U));
+    ask([&] { integer->SetValue(next, verify); });
   }
   ask([&] { integer->SetValue(integer->GetMax()); });
   ask([&] { integer->SetValue(integer->GetMin()); });

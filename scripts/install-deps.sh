@@ -23,7 +23,7 @@ done
 
 native_packages=(g++ cmake ninja-build ccache clang clang-19 clang-tidy-19 clang-format pkg-config git ca-certificates xz-utils bzip2 cppcheck codespell
   libboost-filesystem-dev libboost-system-dev libpugixml-dev libcli11-dev nlohmann-json3-dev libpng-dev zlib1g-dev libgtest-dev libgmock-dev
-  libbenchmark-dev clang-14 libclang-rt-14-dev python3 dpkg-dev file)
+  libbenchmark-dev clang-19 libclang-rt-19-dev python3 dpkg-dev file)
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine wine64)
 docs_packages=(doxygen)
 

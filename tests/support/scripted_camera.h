@@ -16,6 +16,8 @@ constexpr std::uint64_t kDescriptionAddress = 0x10000000;
 /** One register space with its description. The port node is called "Device". */
 struct Space {
   std::string description;
+  /** Where the port says that its description lies; when empty, where it does lie. */
+  std::vector<std::string> urls;
   bool bigEndian = false;
   std::vector<std::uint8_t> memory = std::vector<std::uint8_t>(kMemorySize);
   /** Called before a register is read and after one was written; a code other than 0 is the producer's answer. */

@@ -116,15 +116,20 @@ SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetPortInfo(PORT_HANDLE port, PORT_INFO_C
   return giveText("Device", type, buf, size);
 }
 SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetNumPortURLs(PORT_HANDLE port, uint32_t* count) {
-  *count = spaceOf(port)->description.empty() ? 0 : 1;
+  const scripted::Space& space = *spaceOf(port);
+  const bool isDefault = space.urls.empty() && !space.description.empty();
+  *count = isDefault ? 1 : static_cast<uint32_t>(space.urls.size());
   return GC_ERR_SUCCESS;
 }
-SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE port, uint32_t, URL_INFO_CMD, INFO_DATATYPE* type,
-                                                      void* buf, size_t* size) {
+SCRIPTED_EXPORT GC_ERROR GC_CALLTYPE GCGetPortURLInfo(PORT_HANDLE port, uint32_t index, URL_INFO_CMD,
+                                                      INFO_DATATYPE* type, void* buf, size_t* size) {
+  const scripted::Space& space = *spaceOf(port);
+  if (index < space.urls.size())
+    return giveText(space.urls[index], type, buf, size);
   char url[64];
   std::snprintf(url, sizeof url, "local:scripted.xml;%llx;%llx",
                 static_cast<unsigned long long>(scripted::kDescriptionAddress),
-                static_cast<unsigned long long>(spaceOf(port)->description.size()));
+                static_cast<unsigned long long>(space.description.size()));
   return giveText(url, type, buf, size);
 }
 
