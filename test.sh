@@ -27,6 +27,9 @@ else
 fi
 if [ "$linux" = 1 ]; then
   stage "check the code's format" scripts/check-format.sh
+  stage "check layers" scripts/check-layers.py
+  stage "check links" scripts/check-docs.py
+  stage "check spelling" scripts/check-spelling.sh
   stage "build (dev)" build_preset dev
   stage "test (dev)" test_preset dev
 fi
@@ -38,6 +41,9 @@ if [ "$linux" = 1 ] && [ "$windows" = 1 ]; then
   stage "compare pictures" scripts/compare-pictures.sh build/dev/out build/mingw/out
 fi
 if [ "$deep" = 1 ]; then
+  stage "check that headers compile alone" scripts/check-headers.py
+  stage "check with cppcheck" scripts/check-cppcheck.sh
+  stage "check with clang-tidy" scripts/check-tidy.sh
   for sanitizer in asan tsan; do
     stage "build ($sanitizer)" build_preset "$sanitizer"
     stage "test ($sanitizer)" test_preset "$sanitizer"

@@ -50,7 +50,7 @@ OUTSIDE = [
     (r"(boost/.*)", ["src/discovery"]),
     (r"(plog/.*)", ["src/core"]),
     (r"(pugixml\.hpp)", ["genapi/src/model"]),
-    (r"(miniz\.h)", ["genapi/src/nodemap", "src/gentl", "producers/virtual/camera"]),
+    (r"(miniz\.h)", ["genapi/include/ovi_genapi", "genapi/src/nodemap", "src/gentl", "producers/virtual/camera"]),
     (r"(png\.h)", ["producers/virtual/picture", "tools/ovi"]),
     (r"(CLI/.*|nlohmann/.*)", ["tools/ovi"]),
     (r"((windows|io|dbghelp|shl\w*|shellapi|unistd|fcntl|dlfcn|poll|signal|spawn|elf|link|execinfo|ucontext|pthread)\.h"
@@ -59,10 +59,6 @@ OUTSIDE = [
 # The systems are told apart in the same folders, and where an interface is declared.
 SYSTEM_MACRO = re.compile(r"^[ \t]*#[ \t]*(?:el)?if.*\b(_WIN32|_WIN64|__linux__|__unix__|__APPLE__)\b", re.M)
 SYSTEM_MACRO_FOLDERS = SYSTEM_FOLDERS + ["include", "interface", "producers/virtual/include", "genapi/include"]
-
-INCLUDE_FOLDERS = ["include", "interface/gentl/include", "genapi/include", "genapi/src", "producers/virtual/include",
-                   "producers/virtual", "tools/ovi"]
-
 
 def within(name, folder):
     return name.startswith(folder + "/")
@@ -73,15 +69,8 @@ def folder_of(name):
     return max(fitting, key=len) if fitting else None
 
 
-def include_folders(name):
-    """Where the build looks for what a file of this folder includes."""
-    layer = re.match(r"src/\w+", name)
-    layers = [f"src/{entry.name}/include" for entry in os.scandir(sources.ROOT / "src") if entry.is_dir()]
-    return [os.path.dirname(name)] + ([layer[0]] if layer else []) + INCLUDE_FOLDERS + layers
-
-
 def target_of(name, included, known):
-    for folder in include_folders(name):
+    for folder in sources.include_folders(name):
         candidate = os.path.normpath(os.path.join(folder, included))
         if candidate in known:
             return candidate

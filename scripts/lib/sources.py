@@ -1,5 +1,6 @@
 """The sources of this project as git knows them, and what they include. Shared by the checks of scripts/."""
 
+import os
 import pathlib
 import re
 import subprocess
@@ -8,6 +9,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 CODE = (".h", ".hpp", ".hh", ".c", ".cpp")
 HEADERS = (".h", ".hpp", ".hh")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"]+)[>"]', re.M)
+
+INCLUDE_FOLDERS = ["include", "interface/gentl/include", "genapi/include", "genapi/src", "producers/virtual/include",
+                   "producers/virtual", "tools/ovi"]
 
 
 def tracked(*endings, below=""):
@@ -28,3 +32,10 @@ def line_at(text, position):
 def includes(text):
     """Each include of a text: its line, whether it stands in quotes, and what it names."""
     return [(line_at(text, match.start(2)), match[1] == '"', match[2]) for match in INCLUDE.finditer(text)]
+
+
+def include_folders(name):
+    """Where the build looks for what a file of this folder includes."""
+    layer = re.match(r"src/\w+", name)
+    layers = [f"src/{entry.name}/include" for entry in os.scandir(ROOT / "src") if entry.is_dir()]
+    return [os.path.dirname(name)] + ([layer[0]] if layer else []) + INCLUDE_FOLDERS + layers
