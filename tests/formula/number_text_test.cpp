@@ -73,6 +73,37 @@ TEST(NumberText, ReadsTheFloatATextBeginsWith) {
   EXPECT_TRUE(std::isnan(wholeFloat("NaN").value_or(0)));
 }
 
+TEST(NumberText, ReadsTheNumbersOfADescription) {
+  struct Case {
+    const char* text;
+    std::optional<std::int64_t> integer;
+    std::optional<double> number;
+  };
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const std::vector<Case> cases = {
+      {" 7\n", 7, 7.0},
+      {"-0x10", -16, -16.0},
+      {"18446744073709551615", -1, 18446744073709551615.0},
+      {"0xFFFFFFFFFFFFFFFF", -1, -1.0},
+      {"99999999999999999999", kMax, 1e20},
+      {"-1e999", kMin, -kInfinity},
+      {"1.5", 2, 1.5},
+      {"-2.5e0", -3, -2.5},
+      {"1e-999", 0, 0.0},
+      {"0x1FFFFFFFFFFFFFFFF", {}, {}},
+      {"0x1.8", {}, {}},
+      {"8 abc", {}, {}},
+      {"+-1", {}, {}},
+      {"0x", {}, {}},
+      {"", {}, {}},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(describedInteger(test.text), test.integer) << test.text;
+    EXPECT_EQ(describedFloat(test.text), test.number) << test.text;
+  }
+  EXPECT_EQ(describedInteger("NaN"), std::nullopt);
+}
+
 TEST(NumberText, ShowsIntegersAsTheirRepresentation) {
   EXPECT_EQ(integerText(kMin, PureNumber), "-9223372036854775808");
   EXPECT_EQ(integerText(255, HexNumber), "0xff");

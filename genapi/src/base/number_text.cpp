@@ -51,25 +51,69 @@ struct Parsed {
   std::string_view rest;
 };
 
-std::optional<Parsed<std::int64_t>> parseIntegerPrefix(std::string_view text) {
-  text = withoutLeadingBlanks(text);
-  const bool negative = takeSign(text);
-  const bool hex = takeHexMark(text);
+// What a character is worth as a digit of a base up to 16; more than any base for what is no digit.
+constexpr std::array<std::uint8_t, 256> kDigitValues = [] {
+  std::array<std::uint8_t, 256> values{};
+  values.fill(0xFF);
+  for (std::uint8_t i = 0; i < 10; ++i)
+    values[static_cast<std::size_t>('0' + i)] = i;
+  for (std::uint8_t i = 0; i < 6; ++i)
+    values[static_cast<std::size_t>('a' + i)] = values[static_cast<std::size_t>('A' + i)] = 10 + i;
+  return values;
+}();
+
+// The digits of an integer, 64 bits of them at most.
+struct Digits {
   std::uint64_t magnitude = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), magnitude, hex ? 16 : 10);
-  constexpr auto kMostPositive = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-  if (failure != std::errc() || (!hex && magnitude > kMostPositive + (negative ? 1 : 0)))
-    return std::nullopt;
-  return Parsed<std::int64_t>{static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude),
-                              text.substr(static_cast<std::size_t>(end - text.data()))};
+  const char* end = nullptr;  // null when there is no number
+  bool negative = false;
+  bool hex = false;
+
+  std::int64_t value() const { return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude); }
+};
+
+Digits parseDigits(std::string_view text) {
+  text = withoutLeadingBlanks(text);
+  Digits digits;
+  digits.negative = takeSign(text);
+  digits.hex = takeHexMark(text);
+  const unsigned base = digits.hex ? 16 : 10;
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
+  const char* at = begin;
+  for (; at != end && kDigitValues[static_cast<unsigned char>(*at)] < base; ++at)
+    digits.magnitude = digits.magnitude * base + kDigitValues[static_cast<unsigned char>(*at)];
+  constexpr std::ptrdiff_t kDigitsThatFit = 16;
+  if (at - begin > kDigitsThatFit) {
+    const auto [last, failure] = std::from_chars(begin, end, digits.magnitude, static_cast<int>(base));
+    digits.end = failure == std::errc() ? last : nullptr;
+  } else if (at != begin) {
+    digits.end = at;
+  }
+  return digits;
 }
 
-std::optional<Parsed<double>> parseFloat(std::string_view text) {
+std::string_view restOf(std::string_view text, const char* end) {
+  return text.substr(static_cast<std::size_t>(end - text.data()));
+}
+
+// A decimal number must fit with its sign; hexadecimal digits are bits.
+std::optional<Parsed<std::int64_t>> parseInteger(std::string_view text) {
+  const Digits digits = parseDigits(text);
+  constexpr auto kMostPositive = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+  if (digits.end == nullptr || (!digits.hex && digits.magnitude > kMostPositive + (digits.negative ? 1 : 0)))
+    return std::nullopt;
+  return Parsed<std::int64_t>{digits.value(), restOf(text, digits.end)};
+}
+
+enum class TooLarge { IsNoNumber, IsInfinite };
+
+std::optional<Parsed<double>> parseFloat(std::string_view text, TooLarge tooLarge = TooLarge::IsNoNumber) {
   text = withoutLeadingBlanks(text);
   std::string_view unsignedText = text;
   const bool negative = takeSign(unsignedText);
   if (std::string_view digits = unsignedText; takeHexMark(digits)) {
-    const auto integer = parseIntegerPrefix(text);
+    const auto integer = parseInteger(text);
     if (!integer)
       return std::nullopt;
     return Parsed<double>{static_cast<double>(integer->value), integer->rest};
@@ -82,16 +126,26 @@ std::optional<Parsed<double>> parseFloat(std::string_view text) {
   if (failure == std::errc::invalid_argument)
     return std::nullopt;
   if (failure == std::errc::result_out_of_range) {
-    // Too large or too small for a double; only the latter is a number.
+    // Too large or too small for a double; the latter is as good as 0.
     const std::string_view number(begin, static_cast<std::size_t>(end - begin));
     const std::size_t exponent = number.find_first_of("eE");
     const bool tiny = exponent != std::string_view::npos ? number.substr(exponent).find('-') != std::string_view::npos
                                                          : number.find_first_not_of("0.") > number.find('.');
-    if (!tiny)
+    if (!tiny && tooLarge == TooLarge::IsNoNumber)
       return std::nullopt;
-    magnitude = 0;
+    magnitude = tiny ? 0 : std::numeric_limits<double>::infinity();
   }
   return Parsed<double>{negative ? -magnitude : magnitude, unsignedText.substr(static_cast<std::size_t>(end - begin))};
+}
+
+// Some descriptions group digits with underscores.
+bool isGrouped(std::string_view text) {
+  return text.find('_') != std::string_view::npos;
+}
+std::string withoutGroups(std::string_view text) {
+  std::string plain(text);
+  std::erase(plain, '_');
+  return plain;
 }
 
 template<class Number>
@@ -173,16 +227,39 @@ double halfLastDigit(std::string_view text) {
 }  // namespace
 
 std::optional<std::int64_t> integerPrefix(std::string_view text) {
-  return prefix(parseIntegerPrefix(text));
+  return prefix(parseInteger(text));
 }
 std::optional<std::int64_t> wholeInteger(std::string_view text) {
-  return whole(parseIntegerPrefix(text));
+  return whole(parseInteger(text));
 }
 std::optional<double> floatPrefix(std::string_view text) {
   return prefix(parseFloat(text));
 }
 std::optional<double> wholeFloat(std::string_view text) {
   return whole(parseFloat(text));
+}
+
+std::optional<double> describedFloat(std::string_view text) {
+  const auto number = whole(parseFloat(text, TooLarge::IsInfinite));
+  return number || !isGrouped(text) ? number : describedFloat(withoutGroups(text));
+}
+
+std::optional<std::int64_t> describedInteger(std::string_view text) {
+  if (const Digits digits = parseDigits(text); digits.end != nullptr && onlyBlanks(restOf(text, digits.end)))
+    return digits.value();
+  if (isGrouped(text))
+    return describedInteger(withoutGroups(text));
+  const auto number = describedFloat(text);
+  if (!number || std::isnan(*number))
+    return std::nullopt;
+  return nearestInteger(*number);
+}
+
+std::int64_t nearestInteger(double value) {
+  constexpr double kEdge = 9223372036854775808.0;  // 2^63
+  if (!(value > -kEdge))
+    return std::numeric_limits<std::int64_t>::min();
+  return value >= kEdge ? std::numeric_limits<std::int64_t>::max() : std::llround(value);
 }
 
 std::string integerText(std::int64_t value, ERepresentation representation) {

@@ -21,6 +21,16 @@ std::optional<std::int64_t> wholeInteger(std::string_view text);
 std::optional<double> floatPrefix(std::string_view text);
 std::optional<double> wholeFloat(std::string_view text);
 
+/// The integer that a description gives: the whole text, decimal or hexadecimal, up to 64 bits (18446744073709551615 is
+/// -1); a floating number is rounded.
+std::optional<std::int64_t> describedInteger(std::string_view text);
+/// The floating number that a description gives: as wholeFloat, but what is too large is infinite.
+std::optional<double> describedFloat(std::string_view text);
+
+/// The integer that is nearest to a value, halves away from zero; the outermost one for what is beyond, the least for
+/// NaN.
+std::int64_t nearestInteger(double value);
+
 /// An integer as its representation shows it: decimal, 0x..., dotted quad, or six bytes with colons.
 std::string integerText(std::int64_t value, GENAPI_NAMESPACE::ERepresentation representation);
 /// The reverse; decimal and hexadecimal are taken for every representation, the dotted and colon forms for their own.

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "Base/GCException.h"
+#include "base/number_text.h"
 #include "model/builder_detail.h"
 #include "model/limits.h"
 
@@ -27,7 +28,7 @@ constexpr unsigned kParseOptions = pugi::parse_escapes | pugi::parse_cdata | pug
 
 std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, NodeKind kind) {
   if (lexical == Lexical::Number) {
-    const auto number = parseNumber(text);
+    const auto number = describedFloat(text);
     return number ? std::optional(std::bit_cast<std::int64_t>(*number)) : std::nullopt;
   }
   if (kind == NodeKind::Boolean) {
@@ -38,7 +39,7 @@ std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, No
       return 0;
     }
   }
-  return parseInteger(text);
+  return describedInteger(text);
 }
 
 }  // namespace
@@ -219,7 +220,7 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
     if (const auto text = std::ranges::find_if(kTexts, isName); text != kTexts.end()) {
       info.*text->field = toUtf8(trim(attribute.value()));
     } else if (const auto number = std::ranges::find_if(numbers, isName); number != numbers.end()) {
-      const auto value = parseInteger(attribute.value());
+      const auto value = describedInteger(attribute.value());
       if (value && *value >= 0 && *value <= std::numeric_limits<std::uint16_t>::max()) {
         *number->field = static_cast<std::uint16_t>(*value);
       } else {

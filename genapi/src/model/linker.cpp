@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "Base/GCException.h"
+#include "base/number_text.h"
 #include "model/builder_detail.h"
 #include "model/limits.h"
 
@@ -79,7 +80,7 @@ NodeIndex ModelLinker::resolveDuplicate(NodeIndex first, NodeIndex second) {
   }
   if (injected) {
     const Property* property = model_.find(b, Element::MergePriority);
-    const auto priority = property != nullptr ? parseInteger(model_.text(*property)).value_or(0) : 0;
+    const auto priority = property != nullptr ? describedInteger(model_.text(*property)).value_or(0) : 0;
     if (priority != 0) {
       return priority > 0 ? first : second;
     }

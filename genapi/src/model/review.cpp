@@ -6,6 +6,7 @@
 #include <charconv>
 #include <optional>
 
+#include "base/number_text.h"
 #include "model/limits.h"
 
 namespace GenApiEngine {
@@ -134,7 +135,7 @@ bool isInteger(std::string_view text) {
 }
 
 bool isFloat(std::string_view text) {
-  return text.find_first_of("xX") == std::string_view::npos && parseNumber(text).has_value();
+  return text.find_first_of("xX") == std::string_view::npos && wholeFloat(text).has_value();
 }
 
 class Review {

@@ -1,40 +1,14 @@
-// Blanks, numbers and encodings as descriptions have them.
+// Words and encodings as descriptions have them.
 #include "model/text.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstring>
-#include <limits>
 
 namespace GenApiEngine {
 namespace {
 
 constexpr char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool isHexPrefixed(std::string_view text) {
-  return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-}
-
-// Some descriptions group digits with underscores.
-bool isGrouped(std::string_view number) {
-  return number.find('_') != std::string_view::npos;
-}
-std::string withoutGroups(std::string_view number) {
-  std::string plain(number);
-  std::erase(plain, '_');
-  return plain;
-}
-
-std::optional<std::uint64_t> parseHexDigits(std::string_view digits) {
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  if (error == std::errc{} && end == digits.data() + digits.size()) {
-    return value;
-  }
-  return isGrouped(digits) ? parseHexDigits(withoutGroups(digits)) : std::nullopt;
 }
 
 void appendUtf8(std::string& out, std::uint32_t code) {
@@ -198,67 +172,6 @@ DocumentText own(std::string_view text, bool cutAtFirstEnd) {
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() &&
          std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
-std::optional<std::int64_t> parseInteger(std::string_view text) {
-  text = trim(text);
-  const bool negative = !text.empty() && text.front() == '-';
-  const std::string_view digits = negative || (!text.empty() && text.front() == '+') ? text.substr(1) : text;
-  if (isHexPrefixed(digits)) {
-    const auto value = parseHexDigits(digits.substr(2));
-    if (!value) {
-      return std::nullopt;
-    }
-    return static_cast<std::int64_t>(negative ? 0 - *value : *value);
-  }
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, 10);
-  if (error == std::errc{} && end == digits.data() + digits.size()) {
-    return static_cast<std::int64_t>(negative ? 0 - value : value);
-  }
-  if (isGrouped(text)) {
-    return parseInteger(withoutGroups(text));
-  }
-  const auto number = parseNumber(text);
-  if (!number || std::isnan(*number)) {
-    return std::nullopt;
-  }
-  constexpr double kEdge = 9223372036854775808.0;
-  if (*number >= kEdge) {
-    return std::numeric_limits<std::int64_t>::max();
-  }
-  if (*number < -kEdge) {
-    return std::numeric_limits<std::int64_t>::min();
-  }
-  return std::llround(*number);
-}
-
-std::optional<double> parseNumber(std::string_view text) {
-  text = trim(text);
-  const bool negative = !text.empty() && text.front() == '-';
-  const std::string_view digits = negative || (!text.empty() && text.front() == '+') ? text.substr(1) : text;
-  if (isHexPrefixed(digits)) {
-    const auto value = parseHexDigits(digits.substr(2));
-    if (!value) {
-      return std::nullopt;
-    }
-    const auto number = static_cast<double>(static_cast<std::int64_t>(*value));
-    return negative ? -number : number;
-  }
-  double value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (end != digits.data() + digits.size() || digits.empty() || digits.front() == '-') {
-    return isGrouped(text) ? parseNumber(withoutGroups(text)) : std::nullopt;
-  }
-  if (error == std::errc::result_out_of_range) {
-    // Too large or too small to be a double: the exponent's sign tells which.
-    value = digits.find("e-") == std::string_view::npos && digits.find("E-") == std::string_view::npos
-                ? std::numeric_limits<double>::infinity()
-                : 0.0;
-  } else if (error != std::errc{}) {
-    return std::nullopt;
-  }
-  return negative ? -value : value;
 }
 
 bool parseYesNo(std::string_view text, bool otherwise) {

@@ -1,4 +1,4 @@
-// How texts of a description are read: blanks, numbers in every spelling found in the field, encodings.
+// How texts of a description are read: blanks, words, encodings.
 #pragma once
 
 #include <algorithm>
@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -80,13 +79,6 @@ inline bool sameText(const char* text, std::string_view other) {
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
-
-/// Decimal or hexadecimal, up to 64 bits (0xFFFFFFFFFFFFFFFF is -1); a float text is rounded. The whole text must be a
-/// number.
-std::optional<std::int64_t> parseInteger(std::string_view text);
-
-/// A float in any spelling, INF and NaN included, or a hexadecimal integer.
-std::optional<double> parseNumber(std::string_view text);
 
 /// Yes, true and 1, in any case.
 bool parseYesNo(std::string_view text, bool otherwise);

@@ -8,19 +8,6 @@
 #include "nodemap/node_map.h"
 
 namespace GenApiEngine {
-namespace {
-
-constexpr double kFloatEdge = 9223372036854775808.0;  // 2^63
-
-std::int64_t clampedToInt(double value) {
-  if (!(value > -kFloatEdge)) {
-    return std::numeric_limits<std::int64_t>::min();
-  }
-  return value >= kFloatEdge ? std::numeric_limits<std::int64_t>::max() : std::llround(value);
-}
-
-}  // namespace
-
 void FloatBase::SetValue(double value, bool verify) {
   WriteCall call(*this, "SetValue");
   writeFloat(value, verify);
@@ -93,8 +80,9 @@ void FloatBase::checkRange(double value) {
 }
 
 std::int64_t FloatBase::readInt(ReadFlags flags) {
+  constexpr double kEdge = 9223372036854775808.0;  // 2^63
   const double value = readFloat(flags);
-  if (!(value >= -kFloatEdge && value < kFloatEdge)) {
+  if (!(value >= -kEdge && value < kEdge)) {
     NODE_FAIL(*this, RuntimeException, "Value %f does not fit into an integer.", value);
   }
   return std::llround(value);
@@ -105,19 +93,19 @@ void FloatBase::writeInt(std::int64_t value, bool verify) {
 }
 
 std::int64_t FloatBase::intMin() {
-  return clampedToInt(floatMin());
+  return nearestInteger(floatMin());
 }
 std::int64_t FloatBase::intMax() {
-  return clampedToInt(floatMax());
+  return nearestInteger(floatMax());
 }
 std::int64_t FloatBase::intInc() {
   double inc = 0.0;
-  return floatInc(inc) ? std::max<std::int64_t>(1, clampedToInt(inc)) : 1;
+  return floatInc(inc) ? std::max<std::int64_t>(1, nearestInteger(inc)) : 1;
 }
 void FloatBase::validInts(std::vector<std::int64_t>& values) {
   std::vector<double> own;
   validFloats(own);
-  std::ranges::transform(own, std::back_inserter(values), clampedToInt);
+  std::ranges::transform(own, std::back_inserter(values), nearestInteger);
 }
 
 double FloatBase::GetMin() {

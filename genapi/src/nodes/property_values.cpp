@@ -5,6 +5,7 @@
 #include <array>
 #include <span>
 
+#include "base/number_text.h"
 #include "model/text.h"
 
 namespace GenApiEngine {
@@ -62,7 +63,7 @@ std::vector<double> validValuesFrom(std::string_view text) {
   std::vector<double> values;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find_first_of(";,"), text.size());
-    if (const auto value = parseNumber(text.substr(0, end))) {
+    if (const auto value = describedFloat(text.substr(0, end))) {
       values.push_back(*value);
     }
     text.remove_prefix(std::min(end + 1, text.size()));

@@ -6,6 +6,7 @@
 #include <cinttypes>
 #include <cstring>
 
+#include "base/number_text.h"
 #include "model/limits.h"
 #include "model/text.h"
 #include "nodemap/call.h"
@@ -112,7 +113,7 @@ std::int64_t RegisterAccess::computeAddress(NodeCore& owner) const {
     } else if (property.element() == Element::pIndex) {
       // An index counts in its offset: a constant, the next property's node, or the register's length.
       std::int64_t offset = 0;
-      if (const auto constant = parseInteger(owner.map().model().attribute(property))) {
+      if (const auto constant = describedInteger(owner.map().model().attribute(property))) {
         offset = *constant;
       } else if (i + 1 < all.size() && all[i + 1].element() == Element::pOffset) {
         offset = owner.other(all[i + 1].target)->readInt({});

@@ -6,6 +6,7 @@
 #include <bit>
 #include <type_traits>
 
+#include "base/number_text.h"
 #include "model/text.h"
 #include "nodemap/node_map.h"
 #include "nodes/node_core.h"
@@ -156,7 +157,7 @@ ValueSource<T>::ValueSource(const NodeCore& owner) {
   for (const Property& property : owner.properties()) {
     const Element element = property.element();
     if (element == Element::ValueIndexed || element == Element::pValueIndexed) {
-      const auto at = parseInteger(owner.map().model().attribute(property));
+      const auto at = describedInteger(owner.map().model().attribute(property));
       if (at) {
         table_->entries[next++] = {*at, slotOf(owner, property)};
       }
