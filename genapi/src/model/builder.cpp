@@ -42,6 +42,14 @@ std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, No
   return describedInteger(text);
 }
 
+// Gives back what was reserved in vain, where that is worth a copy.
+template<class T>
+void shrink(std::vector<T>& vector) {
+  if (vector.size() < vector.capacity() - vector.capacity() / 4) {
+    vector.shrink_to_fit();
+  }
+}
+
 }  // namespace
 
 void WarningList::add(std::uint32_t line, std::string text) {
@@ -109,10 +117,10 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
   if (prepared.size() == 1) {
     model.text_ = std::move(prepared.front().data);
   } else {
-    model.text_ = std::make_unique_for_overwrite<char[]>(total);
+    model.text_ = std::make_unique_for_overwrite<char[]>(total + kTextSlack);
     std::size_t at = 0;
     for (const DocumentText& document : prepared) {
-      std::memcpy(model.text_.get() + at, document.data.get(), document.size + 2);
+      std::memcpy(model.text_.get() + at, document.data.get(), document.size + 2 + kTextSlack);
       at += document.size + 2;
     }
   }
@@ -121,6 +129,7 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
   const LineTable lines(texts, cutAtFirstEnd);
   WarningList warnings;
   ModelBuilder builder(model, lines, warnings);
+  builder.reserve();
   std::uint32_t offset = 1;
   for (std::size_t i = 0; i < prepared.size(); ++i) {
     const std::size_t size = prepared[i].size;
@@ -145,25 +154,28 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
   ModelLinker(model, lines, warnings, builder.documentOfNode_).link();
   model.warningsSuppressed_ = warnings.suppressed();
   model.warnings_ = warnings.take();
-  model.nodes_.shrink_to_fit();
-  model.properties_.shrink_to_fit();
-  model.numbers_.shrink_to_fit();
+  shrink(model.nodes_);
+  shrink(model.properties_);
+  shrink(model.numbers_);
   model.times_.link = nanosecondsSince(clock);
   return true;
 }
 
+// About one property in 32 bytes, as real descriptions have it. Too much costs nothing before it is used.
+void ModelBuilder::reserve() {
+  model_.nodes_.reserve(model_.textSize_ / 160);
+  documentOfNode_.reserve(model_.textSize_ / 160);
+  model_.properties_.reserve(model_.textSize_ / 32);
+  model_.numbers_.reserve(model_.textSize_ / 100);
+}
+
 void ModelBuilder::addDocument(pugi::xml_node root, bool first) {
-  const ElementMatch match = findElement(root.name());
-  if (match.element != Element::RegisterDescription) {
+  if (!root || findElement(root.name()).element != Element::RegisterDescription) {
     throw RUNTIME_EXCEPTION(
         "The text is no camera description: its first element is '%.100s' instead of RegisterDescription", root.name());
   }
   if (first) {
     readRoot(root);
-    // About one node in 150 bytes and one property in 30, as real descriptions have it.
-    model_.nodes_.reserve(model_.textSize_ / 180);
-    model_.properties_.reserve(model_.textSize_ / 30);
-    model_.numbers_.reserve(model_.textSize_ / 100);
   } else {
     ++document_;
   }
@@ -250,73 +262,71 @@ void ModelBuilder::addAny(pugi::xml_node xml, ElementMatch match) {
 NodeIndex ModelBuilder::addNode(pugi::xml_node xml, NodeKind kind, NodeIndex owner,
                                 std::span<const Property> inherited) {
   const auto index = static_cast<NodeIndex>(model_.nodes_.size());
-  NodeRecord record;
+  Draft draft;
+  draft.element = kind;
+  NodeRecord& record = draft.record;
   record.kind = kind;
   record.owner = owner;
   record.firstProperty = static_cast<std::uint32_t>(model_.properties_.size());
-  emitAttributes(xml, record);
+  emitAttributes(xml, draft);
   if (record.nameLength == 0) {
     warn(xml, std::string(xml.name()) + " without a name is skipped");
     model_.properties_.resize(record.firstProperty);
     return kNoNode;
   }
-  std::vector<Nested> nested;
-  emitChildren(xml, kind, record, nested);
-  ElementSet present;
-  for (const Property& property : std::span(model_.properties_).subspan(record.firstProperty)) {
-    present.set(static_cast<std::size_t>(property.element()));
-  }
-  const ElementSet own = present;
+  emitChildren(xml, draft);
+  const ElementSet own = draft.present;
   for (const Property& property : inherited) {
-    const auto element = static_cast<std::size_t>(property.element());
-    if (!own.test(element)) {
-      present.set(element);
+    if (!own.has(property.element())) {
+      draft.present.add(property.element());
       model_.properties_.push_back(property);
     }
   }
-  completeRegister(xml, record, present);
+  if (hasRegister(kind)) {
+    completeRegister(xml, draft);
+  }
+  const ElementSet& present = draft.present;
+  record.guarded = present.has(Element::pIsImplemented) || present.has(Element::pIsAvailable) ||
+                   present.has(Element::pIsLocked) || present.has(Element::ImposedAccessMode);
+  record.hasErrors = present.has(Element::pError);
+  record.polled = present.has(Element::PollingTime);
   record.propertyCount = static_cast<std::uint32_t>(model_.properties_.size() - record.firstProperty);
   model_.nodes_.push_back(record);
   documentOfNode_.push_back(document_);
-  buildNested(nested, index);
+  buildNested(draft.nested, index);
   checkRequired(index, present);
   return index;
 }
 
 // Real descriptions forget a register's port or length; what is meant is plain.
-void ModelBuilder::completeRegister(pugi::xml_node xml, const NodeRecord& record, const ElementSet& present) {
-  if (!hasRegister(record.kind)) {
-    return;
+void ModelBuilder::completeRegister(pugi::xml_node xml, Draft& draft) {
+  if (!draft.present.has(Element::Length) && !draft.present.has(Element::pLength)) {
+    warn(xml, quotedNameOf(draft.record) + " has no Length, 4 bytes are assumed");
   }
-  const auto has = [&present](Element element) { return present.test(static_cast<std::size_t>(element)); };
-  if (!has(Element::Length) && !has(Element::pLength)) {
-    warn(xml, quotedNameOf(record) + " has no Length, 4 bytes are assumed");
-  }
-  if (!has(Element::pPort)) {
-    warn(xml, quotedNameOf(record) + " has no pPort, the device's port is assumed");
-    model_.properties_.push_back(makeProperty(Element::pPort, {}));
+  if (!draft.present.has(Element::pPort)) {
+    warn(xml, quotedNameOf(draft.record) + " has no pPort, the device's port is assumed");
+    emit(draft, Element::pPort, {});
   }
 }
 
 void ModelBuilder::addStruct(pugi::xml_node xml) {
   // The common part is made once, as the properties of no node, and handed to every entry.
-  NodeRecord record;
-  record.kind = NodeKind::StructEntry;
+  Draft draft;
+  draft.element = Element::StructReg;
   const std::size_t first = model_.properties_.size();
-  std::vector<Nested> nested;
-  emitChildren(xml, NodeKind::StructReg, record, nested);
+  emitChildren(xml, draft);
   std::vector<Property> common(model_.properties_.begin() + static_cast<std::ptrdiff_t>(first),
                                model_.properties_.end());
   model_.properties_.resize(first);
-  for (const Nested& inner : nested) {
+  for (const Nested& inner : draft.nested) {
     if (inner.kind != NodeKind::StructEntry) {
       common[inner.property - first].target = addNode(inner.xml, inner.kind, kNoNode);
     }
   }
-  for (const Nested& inner : nested) {
+  for (const Nested& inner : draft.nested) {
     if (inner.kind == NodeKind::StructEntry) {
       const NodeIndex entry = addNode(inner.xml, NodeKind::StructEntry, kNoNode, common);
-      if (entry != kNoNode && record.broken) {
+      if (entry != kNoNode && draft.record.broken) {
         model_.nodes_[entry].broken = true;
       }
     }
@@ -335,13 +345,15 @@ void ModelBuilder::buildNested(const std::vector<Nested>& nested, NodeIndex owne
   }
 }
 
-void ModelBuilder::emitAttributes(pugi::xml_node xml, NodeRecord& record) {
+void ModelBuilder::emitAttributes(pugi::xml_node xml, Draft& draft) {
+  NodeRecord& record = draft.record;
+  Element element = Element::Unknown;
   for (pugi::xml_attribute attribute = xml.first_attribute(); attribute; attribute = attribute.next_attribute()) {
     const Span span = spanOf(attribute.value());
     if (span.length == 0) {
       continue;
     }
-    const Element element = findElement(attribute.name()).element;
+    element = finder_.find(attribute.name(), element).element;
     if (element == Element::Name) {
       record.name = span.offset;
       record.nameLength = span.length;
@@ -351,88 +363,119 @@ void ModelBuilder::emitAttributes(pugi::xml_node xml, NodeRecord& record) {
       record.standard = equalsIgnoringCase({model_.text_.get() + span.offset, span.length}, "Standard");
     }
     if (element == Element::NameSpace || element == Element::MergePriority || element == Element::ExposeStatic) {
-      model_.properties_.push_back(makeProperty(element, span));
+      emit(draft, element, span);
     }
   }
 }
 
-void ModelBuilder::emitChildren(pugi::xml_node xml, NodeKind kind, NodeRecord& record, std::vector<Nested>& nested) {
-  for (pugi::xml_node child = xml.first_child(); child; child = child.next_sibling()) {
-    if (child.type() != pugi::node_element) {
-      continue;
-    }
-    const ElementMatch match = findElement(child.name());
-    const Element element = match.element;
-    if (element == Element::Extension) {
-      continue;
-    }
-    const bool entry = element == Element::EnumEntry && kind == NodeKind::Enumeration;
-    const bool member = element == Element::StructEntry && kind == NodeKind::StructReg;
-    const bool knife = element == Element::IntSwissKnife && kind != NodeKind::IntSwissKnife;
-    const bool key = (element == Element::TextDesc || element == Element::IntKey) && kind == NodeKind::ConfRom;
-    if (entry || knife) {
-      nested.push_back({child, element, static_cast<std::uint32_t>(model_.properties_.size())});
-      const pugi::xml_attribute name = child.attribute("Name");
-      model_.properties_.push_back(
-          makeProperty(entry ? Element::pEnumEntry : element, *name.value() == '\0' ? Span{} : spanOf(name.value())));
-    } else if (member || key) {
-      nested.push_back({child, element, kNoNode});
-    } else if (element == Element::Unknown || isNodeKind(element) || element == Element::Group) {
-      warn(child,
-           "element '" + std::string(child.name()) + "' in '" + nameOf(record) + "' is not known and is skipped");
-    } else {
-      if (!match.exact) {
-        warn(child, "element '" + std::string(child.name()) + "' in '" + nameOf(record) + "' is taken for " +
-                        std::string(infoOf(element).name));
-      }
-      emitChild(child, element, kind, record);
-    }
-  }
-}
-
-void ModelBuilder::emitChild(pugi::xml_node child, Element element, NodeKind kind, NodeRecord& record) {
-  const Span span = textOf(child);
-  if (span.length == 0) {
-    return;
-  }
-  Property property = makeProperty(element, span);
-  const ElementInfo& info = infoOf(element);
-  const Lexical lexical = lexicalOf(element, kind);
-  const std::string_view text = model_.text(property);
-  if (lexical == Lexical::Integer || lexical == Lexical::Number) {
-    if (const auto bits = parseBits(text, lexical, kind)) {
-      property.target = static_cast<std::uint32_t>(model_.numbers_.size());
-      model_.numbers_.push_back(*bits);
-    } else {
-      warn(child, std::string(info.name) + " of '" + nameOf(record) + "' is no number: '" +
-                      std::string(text.substr(0, 100)) + "'");
-      if (!info.essential) {
+void ModelBuilder::emitChildren(pugi::xml_node xml, Draft& draft) {
+  Element previous = draft.element;
+  for (pugi::xml_node child = xml.first_child();; child = child.next_sibling()) {
+    const char* const name = child.name();
+    if (*name == '\0') {
+      if (!child) {
         return;
       }
-      record.broken = true;
+      continue;  // text between the elements
     }
+    const ElementMatch match = finder_.find(name, previous);
+    previous = match.element;
+    if (!isPropertyElement(match.element)) {
+      emitOther(child, match.element, draft);
+      continue;
+    }
+    if (!match.exact) {
+      warn(child, "element '" + std::string(name) + "' in '" + nameOf(draft.record) + "' is taken for " +
+                      std::string(infoOf(match.element).name));
+    }
+    emitChild(child, match.element, draft);
   }
-  for (pugi::xml_attribute attribute = child.first_attribute(); attribute; attribute = attribute.next_attribute()) {
-    if (*attribute.value() != '\0' && equalsIgnoringCase(attribute.name(), "pOffset")) {
-      Property offset = makeProperty(Element::pOffset, spanOf(attribute.value()));
-      model_.properties_.push_back(property);
-      model_.properties_.push_back(offset);
+}
+
+// Nodes within nodes, and what does not belong there.
+void ModelBuilder::emitOther(pugi::xml_node child, Element element, Draft& draft) {
+  if (element == Element::Extension) {
+    return;
+  }
+  const bool entry = element == Element::EnumEntry && draft.element == Element::Enumeration;
+  const bool member = element == Element::StructEntry && draft.element == Element::StructReg;
+  const bool knife = element == Element::IntSwissKnife && draft.element != Element::IntSwissKnife;
+  const bool key = (element == Element::TextDesc || element == Element::IntKey) && draft.element == Element::ConfRom;
+  if (entry || knife) {
+    draft.nested.push_back({child, element, static_cast<std::uint32_t>(model_.properties_.size())});
+    const pugi::xml_attribute name = child.attribute("Name");
+    emit(draft, entry ? Element::pEnumEntry : element, *name.value() == '\0' ? Span{} : spanOf(name.value()));
+  } else if (member || key) {
+    draft.nested.push_back({child, element, kNoNode});
+  } else {
+    warn(child,
+         "element '" + std::string(child.name()) + "' in '" + nameOf(draft.record) + "' is not known and is skipped");
+  }
+}
+
+void ModelBuilder::emitChild(pugi::xml_node child, Element element, Draft& draft) {
+  const Span text = textOf(child);
+  if (text.length == 0) {
+    return;  // as if it were not there
+  }
+  std::uint32_t number = kNoNode;
+  if (const Lexical lexical = infoOf(element).lexical; lexical == Lexical::Integer || lexical == Lexical::Number) {
+    const auto place = addNumber(child, element, text, draft);
+    if (!place) {
       return;
     }
-    if (*attribute.value() != '\0' &&
-        (equalsIgnoringCase(attribute.name(), "Name") || equalsIgnoringCase(attribute.name(), "Index") ||
-         equalsIgnoringCase(attribute.name(), "Offset"))) {
-      property.attribute = spanOf(attribute.value()).offset;
+    number = *place;
+  }
+  Property& property = emit(draft, element, text);
+  property.target = number;
+  if (const pugi::xml_attribute attribute = child.first_attribute()) {
+    emitAttributeOfChild(attribute, draft);
+  }
+}
+
+// What an attribute of an element says belongs to the element's property, the last one that there is; the offset that
+// another node gives becomes one of its own.
+void ModelBuilder::emitAttributeOfChild(pugi::xml_attribute attribute, Draft& draft) {
+  for (; attribute; attribute = attribute.next_attribute()) {
+    if (*attribute.value() == '\0') {
+      continue;
+    }
+    const std::string_view name = attribute.name();
+    if (equalsIgnoringCase(name, "Name") || equalsIgnoringCase(name, "Index") || equalsIgnoringCase(name, "Offset")) {
+      model_.properties_.back().attribute = spanOf(attribute.value()).offset;
+    } else if (equalsIgnoringCase(name, "pOffset")) {
+      emit(draft, Element::pOffset, spanOf(attribute.value()));
+      return;
     }
   }
-  model_.properties_.push_back(property);
+}
+
+// The place of the number that a text is; kNoNode with a warning when it is none, or nothing when the node is better
+// off without the element.
+std::optional<std::uint32_t> ModelBuilder::addNumber(pugi::xml_node child, Element element, Span span, Draft& draft) {
+  const std::string_view text(model_.text_.get() + span.offset, span.length);
+  const Lexical lexical = lexicalOf(element, draft.element);
+  if (lexical == Lexical::Text) {
+    return kNoNode;
+  }
+  if (const auto bits = parseBits(text, lexical, draft.element)) {
+    model_.numbers_.push_back(*bits);
+    return static_cast<std::uint32_t>(model_.numbers_.size() - 1);
+  }
+  const ElementInfo& info = infoOf(element);
+  warn(child, std::string(info.name) + " of '" + nameOf(draft.record) + "' is no number: '" +
+                  std::string(text.substr(0, 100)) + "'");
+  if (!info.essential) {
+    return std::nullopt;
+  }
+  draft.record.broken = true;
+  return kNoNode;
 }
 
 void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
   NodeRecord& record = model_.nodes_[index];
   const auto has = [&present](std::initializer_list<Element> elements) {
-    return std::ranges::any_of(elements,
-                               [&present](Element element) { return present.test(static_cast<std::size_t>(element)); });
+    return std::ranges::any_of(elements, [&present](Element element) { return present.has(element); });
   };
   const auto require = [&](std::initializer_list<Element> elements, const char* what) {
     if (!has(elements)) {
@@ -467,20 +510,17 @@ void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
   }
 }
 
-Property ModelBuilder::makeProperty(Element element, Span span) {
-  Property property;
-  property.text = span.offset;
-  property.lengthAndElement = (std::min(span.length, kMaxTextLength) << 8) | static_cast<std::uint32_t>(element);
-  return property;
+ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) const {
+  if (const pugi::xml_node first = element.first_child()) {
+    return joinedTextOf(element, first);
+  }
+  const std::string_view text = element.value();
+  return text.empty() ? Span{} : spanOf(text);
 }
 
-ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) {
-  const pugi::xml_node first = element.first_child();
-  if (!first) {
-    return *element.value() == '\0' ? Span{} : spanOf(element.value());
-  }
-  // Comments and CDATA sections split a text into parts that lie behind each other in the buffer; they are moved
-  // together.
+// Comments and CDATA sections split a text into parts that lie behind each other in the buffer; they are moved
+// together.
+ModelBuilder::Span ModelBuilder::joinedTextOf(pugi::xml_node element, pugi::xml_node first) const {
   char* begin = nullptr;
   std::size_t length = 0;
   const auto append = [&](const char* part) {
@@ -502,16 +542,7 @@ ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) {
       append(child.value());
     }
   }
-  const std::string_view trimmed = trim({begin, length});
-  if (trimmed.empty()) {
-    return {};
-  }
-  return {static_cast<std::uint32_t>(trimmed.data() - model_.text_.get()), static_cast<std::uint32_t>(trimmed.size())};
-}
-
-ModelBuilder::Span ModelBuilder::spanOf(const char* text) const {
-  const std::string_view trimmed = trim(text);
-  return {static_cast<std::uint32_t>(trimmed.data() - model_.text_.get()), static_cast<std::uint32_t>(trimmed.size())};
+  return length == 0 ? Span{} : spanOf({begin, length});
 }
 
 void ModelBuilder::warn(pugi::xml_node xml, std::string text) {

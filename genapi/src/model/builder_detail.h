@@ -3,13 +3,14 @@
 
 #include <pugixml.hpp>
 
-#include <bitset>
 #include <chrono>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "model/limits.h"
 #include "model/model.h"
 #include "model/text.h"
 
@@ -71,27 +72,49 @@ class ModelBuilder {
     std::uint32_t offset = 0;
     std::uint32_t length = 0;
   };
-  using ElementSet = std::bitset<static_cast<std::size_t>(Element::Unknown) + 1>;
   struct Nested {
     pugi::xml_node xml;
     NodeKind kind;
     std::uint32_t property;
   };
+  // A node whose element is being read.
+  struct Draft {
+    Element element = Element::Node;  // its kind, or StructReg for what the entries have in common
+    NodeRecord record;
+    ElementSet present;          // the elements of its properties
+    std::vector<Nested> nested;  // nodes within it, which become nodes of their own after it
+  };
 
+  void reserve();
   void addDocument(pugi::xml_node root, bool first);
   void readRoot(pugi::xml_node root);
   void addAny(pugi::xml_node xml, ElementMatch match);
   NodeIndex addNode(pugi::xml_node xml, NodeKind kind, NodeIndex owner, std::span<const Property> inherited = {});
-  void completeRegister(pugi::xml_node xml, const NodeRecord& record, const ElementSet& present);
+  void completeRegister(pugi::xml_node xml, Draft& draft);
   void addStruct(pugi::xml_node xml);
-  void emitAttributes(pugi::xml_node xml, NodeRecord& record);
-  void emitChildren(pugi::xml_node xml, NodeKind kind, NodeRecord& record, std::vector<Nested>& nested);
-  void emitChild(pugi::xml_node child, Element element, NodeKind kind, NodeRecord& record);
+  void emitAttributes(pugi::xml_node xml, Draft& draft);
+  void emitChildren(pugi::xml_node xml, Draft& draft);
+  void emitOther(pugi::xml_node child, Element element, Draft& draft);
+  void emitChild(pugi::xml_node child, Element element, Draft& draft);
+  void emitAttributeOfChild(pugi::xml_attribute attribute, Draft& draft);
+  std::optional<std::uint32_t> addNumber(pugi::xml_node child, Element element, Span span, Draft& draft);
+  Property& emit(Draft& draft, Element element, Span text) {
+    draft.present.add(element);
+    Property& property = model_.properties_.emplace_back();
+    property.text = text.offset;
+    property.lengthAndElement = (std::min(text.length, kMaxTextLength) << 8) | static_cast<std::uint32_t>(element);
+    return property;
+  }
   void buildNested(const std::vector<Nested>& nested, NodeIndex owner);
   void checkRequired(NodeIndex index, const ElementSet& present);
-  Property makeProperty(Element element, Span span);
-  Span textOf(pugi::xml_node element);
-  Span spanOf(const char* text) const;
+  // Without text the span is empty; its offset then means nothing.
+  Span textOf(pugi::xml_node element) const;
+  Span joinedTextOf(pugi::xml_node element, pugi::xml_node first) const;
+  Span spanOf(std::string_view text) const {
+    const std::string_view trimmed = trim(text);
+    return {static_cast<std::uint32_t>(trimmed.data() - model_.text_.get()),
+            static_cast<std::uint32_t>(trimmed.size())};
+  }
   std::string nameOf(const NodeRecord& record) const { return std::string(model_.name(record)); }
   // Piece by piece: "'" + nameOf(record) makes gcc 12 warn of an overlap that is none.
   std::string quotedNameOf(const NodeRecord& record) const {
@@ -106,6 +129,7 @@ class ModelBuilder {
   WarningList& warnings_;
   std::vector<std::uint8_t> documentOfNode_;
   std::uint8_t document_ = 0;
+  ElementFinder finder_;
 };
 
 /// Second step: names, references, dependents, features, cycles.
@@ -120,6 +144,12 @@ class ModelLinker {
   void link();
 
  private:
+  // One node's influence on another.
+  struct Edge {
+    NodeIndex on;
+    Dependent dependent;
+  };
+
   void indexNames();
   bool insertName(NodeIndex index, std::string_view full);
   Model::IndexSlot slotOf(std::uint32_t hash, NodeIndex index) const;
@@ -128,16 +158,17 @@ class ModelLinker {
   void removeDropped();
   NodeIndex defaultPort() const;
   void resolveReferences();
+  bool resolve(NodeRecord& record, Property& property, NodeIndex impliedPort);
   void collectDependents();
   void markFeatures();
   void markCycles();
-  void collectLists();
   void warn(const NodeRecord& node, std::string text);
 
   Model& model_;
   const LineTable& lines_;
   WarningList& warnings_;
   const std::vector<std::uint8_t>& documentOfNode_;
+  std::vector<Edge> edges_;  // in the order of the references
   std::vector<bool> dropped_;
   bool anyDropped_ = false;
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <iterator>
 
 #include "model/text.h"
@@ -58,12 +59,12 @@ constexpr ElementInfo kElements[static_cast<std::size_t>(Element::Unknown) + 1] 
     holder("StructReg", Element::StructReg),
     holder("Group", Element::Group),
     holder("RegisterDescription", Element::RegisterDescription),
+    holder("Extension", Element::Extension),
     text("Name", Element::Name),
     text("NameSpace", Element::NameSpace),
     text("MergePriority", Element::MergePriority),
     text("ExposeStatic", Element::ExposeStatic),
     text("Comment", Element::Comment),
-    holder("Extension", Element::Extension),
     text("ToolTip", Element::ToolTip),
     text("Description", Element::Description),
     text("DisplayName", Element::DisplayName),
@@ -168,30 +169,76 @@ constexpr std::array kVariants{
     Variant{"SwapEndianness", Element::SwapEndianess},
 };
 
-constexpr std::size_t kSlots = 512;
+// A name as three words, zeros behind its end, so that names are compared and hashed by words.
+struct NameWords {
+  std::uint64_t first = 0;
+  std::uint64_t second = 0;
+  std::uint64_t third = 0;
 
-constexpr std::size_t slotOf(std::string_view name) {
-  const auto at = [&](std::size_t i) { return static_cast<std::size_t>(static_cast<unsigned char>(name[i])); };
-  return (name.size() * 37 + at(0) * 5 + at(name.size() / 2) * 91 + at(name.size() - 1) * 17) % kSlots;
+  constexpr bool operator==(const NameWords&) const = default;
+  constexpr std::size_t slot() const {
+    constexpr std::uint64_t kMultiplier = 0xD4620A8BB728B7F9ULL;
+    const std::uint64_t mixed = first ^ std::rotl(second, 23) ^ std::rotl(third, 41);
+    return static_cast<std::size_t>((mixed * kMultiplier) >> (64 - kSlotBits));
+  }
+
+  static constexpr unsigned kSlotBits = 10;
+  static constexpr std::size_t kLongest = 3 * sizeof(std::uint64_t) - 1;
+};
+static_assert(NameWords::kLongest <= kTextSlack);
+static_assert(std::endian::native == std::endian::little, "names are read as little-endian words");
+
+constexpr NameWords wordsOf(std::string_view name) {
+  std::uint64_t words[3] = {};
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    words[i / 8] |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * (i % 8));
+  }
+  return {words[0], words[1], words[2]};
 }
 
-constexpr std::array<Element, kSlots> makeSlots() {
-  std::array<Element, kSlots> slots{};
+// The high bits of a word's bytes that are zero; the lowest of the bits is exact.
+constexpr std::uint64_t zerosIn(std::uint64_t word) {
+  return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
+}
+// The bytes of a word in front of the first zero byte.
+constexpr std::uint64_t cut(std::uint64_t word, std::uint64_t zeros) {
+  return word & ((~zeros & (zeros - 1)) >> 7);
+}
+
+struct KnownName {
+  NameWords words;
+  NameWords mask;  // ones where the name and its NUL are
+
+  bool matches(const char* name) const {
+    return (((wordAt<std::uint64_t>(name) ^ words.first) & mask.first) |
+            ((wordAt<std::uint64_t>(name + 8) ^ words.second) & mask.second) |
+            ((wordAt<std::uint64_t>(name + 16) ^ words.third) & mask.third)) == 0;
+  }
+};
+
+constexpr auto kKnownNames = [] {
+  std::array<KnownName, std::size(kElements)> all;
+  std::ranges::transform(kElements, all.begin(), [](const ElementInfo& info) {
+    constexpr std::string_view kOnes =
+        "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"
+        "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF";
+    return KnownName{wordsOf(info.name), wordsOf(kOnes.substr(0, info.name.size() + 1))};
+  });
+  return all;
+}();
+
+// Each known name has a slot of its own.
+constexpr auto kSlotTable = [] {
+  std::array<Element, std::size_t{1} << NameWords::kSlotBits> slots{};
   slots.fill(Element::Unknown);
   for (const ElementInfo& info : kElements) {
-    if (info.element == Element::Unknown) {
-      continue;
-    }
-    std::size_t slot = slotOf(info.name);
-    while (slots[slot] != Element::Unknown) {
-      slot = (slot + 1) % kSlots;
-    }
-    slots[slot] = info.element;
+    slots[wordsOf(info.name).slot()] = info.element;
   }
   return slots;
-}
-
-constexpr std::array<Element, kSlots> kSlotTable = makeSlots();
+}();
+static_assert(std::ranges::all_of(kElements, [](const ElementInfo& info) {
+  return info.name.size() <= NameWords::kLongest && kSlotTable[wordsOf(info.name).slot()] == info.element;
+}));
 
 Element findForgiving(std::string_view name) {
   if (const std::size_t colon = name.rfind(':'); colon != std::string_view::npos) {
@@ -205,6 +252,14 @@ Element findForgiving(std::string_view name) {
   const auto* variant =
       std::ranges::find_if(kVariants, [&](const Variant& v) { return equalsIgnoringCase(v.name, name); });
   return variant == kVariants.end() ? Element::Unknown : variant->element;
+}
+
+ElementMatch find(const NameWords& words, const char* name) {
+  const Element found = kSlotTable[words.slot()];
+  if (found != Element::Unknown && kKnownNames[static_cast<std::size_t>(found)].words == words) {
+    return {found, true};
+  }
+  return {findForgiving(name), false};
 }
 
 }  // namespace
@@ -233,17 +288,32 @@ Lexical lexicalOf(Element element, NodeKind kind) {
   return lexical == Lexical::Number && element != Element::NumericValue && !isFloat ? Lexical::Integer : lexical;
 }
 
-ElementMatch findElement(std::string_view name) {
-  if (name.empty()) {
-    return {};
+ElementMatch findElement(const char* name) {
+  const auto first = wordAt<std::uint64_t>(name);
+  if (const std::uint64_t zeros = zerosIn(first); zeros != 0) {
+    return find({cut(first, zeros), 0, 0}, name);
   }
-  for (std::size_t slot = slotOf(name); kSlotTable[slot] != Element::Unknown; slot = (slot + 1) % kSlots) {
-    const std::string_view known = infoOf(kSlotTable[slot]).name;
-    if (known == name) {
-      return {kSlotTable[slot], true};
-    }
+  const auto second = wordAt<std::uint64_t>(name + 8);
+  if (const std::uint64_t zeros = zerosIn(second); zeros != 0) {
+    return find({first, cut(second, zeros), 0}, name);
+  }
+  const auto third = wordAt<std::uint64_t>(name + 16);
+  if (const std::uint64_t zeros = zerosIn(third); zeros != 0) {
+    return find({first, second, cut(third, zeros)}, name);
   }
   return {findForgiving(name), false};
+}
+
+ElementMatch ElementFinder::find(const char* name, Element previous) {
+  Element& follower = followers_[static_cast<std::size_t>(previous)];
+  if (kKnownNames[static_cast<std::size_t>(follower)].matches(name)) {
+    return {follower, true};
+  }
+  const ElementMatch match = findElement(name);
+  if (match.exact) {
+    follower = match.element;
+  }
+  return match;
 }
 
 }  // namespace GenApiEngine

@@ -1,6 +1,7 @@
 // The vocabulary of a camera description: every element's number, its kind of value, and what a reference in it means.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -38,6 +39,7 @@ enum class Element : std::uint8_t {
   StructReg,
   Group,
   RegisterDescription,
+  Extension,
   // Attributes.
   Name,
   NameSpace,
@@ -45,7 +47,6 @@ enum class Element : std::uint8_t {
   ExposeStatic,
   Comment,
   // Common children.
-  Extension,
   ToolTip,
   Description,
   DisplayName,
@@ -134,6 +135,24 @@ inline constexpr std::uint8_t kNodeKinds = static_cast<std::uint8_t>(Element::Sm
 constexpr bool isNodeKind(Element e) {
   return static_cast<std::uint8_t>(e) < kNodeKinds;
 }
+/// Whether the element says something about the node that it stands in, rather than being a node or something to skip.
+inline constexpr bool isPropertyElement(Element e) {
+  return e > Element::Extension && e < Element::Unknown;
+}
+
+/// The elements of a node, as a set.
+class ElementSet {
+ public:
+  void add(Element e) { words_[index(e) / 64] |= bit(e); }
+  bool has(Element e) const { return (words_[index(e) / 64] & bit(e)) != 0; }
+
+ private:
+  static constexpr std::size_t index(Element e) { return static_cast<std::size_t>(e); }
+  static constexpr std::uint64_t bit(Element e) { return std::uint64_t{1} << (index(e) % 64); }
+
+  std::uint64_t words_[2] = {};
+  static_assert(static_cast<std::size_t>(Element::Unknown) < 128);
+};
 
 /// What a reference is for. Each class contains the ones after it: what is written is also read, what is read
 /// invalidates.
@@ -174,6 +193,23 @@ struct ElementMatch {
 };
 
 /// Finds an element by its name; name spaces, spelling variants and the wrong case are forgiven.
-ElementMatch findElement(std::string_view name);
+///
+/// @param name  not empty; ends with a NUL, behind which kTextSlack bytes can be read
+ElementMatch findElement(const char* name);
+
+/// Finds elements that follow each other, in the order that the last ones had: descriptions say the same things of one
+/// node after the other, and to compare with a name is faster than to search it.
+class ElementFinder {
+ public:
+  ElementFinder() { followers_.fill(Element::Unknown); }
+
+  /// As findElement.
+  ///
+  /// @param previous  the element before it, or the one around it
+  ElementMatch find(const char* name, Element previous);
+
+ private:
+  std::array<Element, static_cast<std::size_t>(Element::Unknown) + 1> followers_;
+};
 
 }  // namespace GenApiEngine

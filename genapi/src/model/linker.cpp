@@ -1,6 +1,7 @@
 // Resolves once what a description says by name: duplicates, references, who depends on whom, features, cycles.
 #include <algorithm>
 #include <bit>
+#include <numeric>
 
 #include "Base/GCException.h"
 #include "base/number_text.h"
@@ -18,7 +19,6 @@ void ModelLinker::link() {
   collectDependents();
   markFeatures();
   markCycles();
-  collectLists();
 }
 
 void ModelLinker::indexNames() {
@@ -28,10 +28,12 @@ void ModelLinker::indexNames() {
   std::string scratch;
   for (NodeIndex i = 0; i < count; ++i) {
     const NodeRecord& record = model_.nodes_[i];
+    std::string_view full = model_.name(record);
     if (record.owner != kNoNode) {
-      scratch = model_.fullName(record);
+      scratch.clear();
+      model_.appendFullName(scratch, record);
+      full = scratch;
     }
-    const std::string_view full = record.owner != kNoNode ? std::string_view(scratch) : model_.name(record);
     if ((record.owner != kNoNode && dropped_[record.owner]) || !insertName(i, full)) {
       dropped_[i] = true;
       anyDropped_ = true;
@@ -169,62 +171,67 @@ NodeIndex ModelLinker::defaultPort() const {
 }
 
 void ModelLinker::resolveReferences() {
-  const NodeIndex implied = defaultPort();
-  for (NodeRecord& record : model_.nodes_) {
-    for (std::uint32_t i = 0; i < record.propertyCount; ++i) {
-      Property& property = model_.properties_[record.firstProperty + i];
+  const NodeIndex impliedPort = defaultPort();
+  edges_.reserve(model_.properties_.size() / 2);
+  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
+    NodeRecord& record = model_.nodes_[i];
+    if (record.kind == NodeKind::Port) {
+      model_.ports_.push_back(i);
+    }
+    if (record.polled) {
+      model_.polled_.push_back(i);
+    }
+    for (Property& property : std::span(model_.properties_).subspan(record.firstProperty, record.propertyCount)) {
       const ElementInfo& info = infoOf(property.element());
-      if (info.lexical != Lexical::Reference || property.target != kNoNode) {
+      if (info.lexical != Lexical::Reference) {
         continue;
       }
-      property.target = property.element() == Element::pPort && property.length() == 0
-                            ? implied
-                            : model_.indexOf(model_.text(property));
-      if (property.target != kNoNode) {
+      if (property.target == kNoNode && !resolve(record, property, impliedPort)) {
         continue;
       }
-      if (property.element() == Element::pVariable) {
-        // "Gain.Max" as the text of a variable is the limit of Gain.
-        const std::string_view text = model_.text(property);
-        property.target = model_.indexOf(text.substr(0, text.find('.')));
-        if (property.target != kNoNode) {
-          continue;
-        }
+      if (property.element() == Element::pSelected) {
+        edges_.push_back({i, Dependent::of(property.target, Link::Invalidates)});
+        model_.selectors_.emplace_back(property.target, i);
+      } else if (info.link != Link::None) {
+        edges_.push_back({property.target, Dependent::of(i, info.link)});
       }
-      warn(record, std::string(info.name) + " of '" + model_.fullName(record) + "' means '" +
-                       std::string(model_.text(property).substr(0, 100)) + "', which is not there");
-      record.broken = record.broken || info.essential;
     }
   }
+  std::ranges::stable_sort(model_.selectors_, {}, &std::pair<NodeIndex, NodeIndex>::first);
+}
+
+// False, with a warning, when the node that is meant is not there.
+bool ModelLinker::resolve(NodeRecord& record, Property& property, NodeIndex impliedPort) {
+  const std::string_view text = model_.text(property);
+  const bool implied = property.element() == Element::pPort && text.empty();
+  property.target = implied ? impliedPort : model_.indexOf(text);
+  if (property.target == kNoNode && property.element() == Element::pVariable) {
+    // "Gain.Max" as the text of a variable is the limit of Gain.
+    property.target = model_.indexOf(text.substr(0, text.find('.')));
+  }
+  if (property.target != kNoNode) {
+    return true;
+  }
+  const ElementInfo& info = infoOf(property.element());
+  warn(record, std::string(info.name) + " of '" + model_.fullName(record) + "' means '" +
+                   std::string(text.substr(0, 100)) + "', which is not there");
+  record.broken = record.broken || info.essential;
+  return false;
 }
 
 void ModelLinker::collectDependents() {
-  const std::size_t count = model_.nodes_.size();
   std::vector<std::uint32_t>& start = model_.dependentsStart_;
-  start.assign(count + 1, 0);
-  // Twice over the same references: first to count, then to fill.
-  const auto forEach = [&](auto&& visit) {
-    for (NodeIndex i = 0; i < count; ++i) {
-      for (const Property& property : model_.properties(model_.nodes_[i])) {
-        const ElementInfo& info = infoOf(property.element());
-        if (info.lexical != Lexical::Reference || property.target == kNoNode) {
-          continue;
-        }
-        if (info.element == Element::pSelected) {
-          visit(i, Dependent::of(property.target, Link::Invalidates));
-        } else if (info.link != Link::None) {
-          visit(property.target, Dependent::of(i, info.link));
-        }
-      }
-    }
-  };
-  forEach([&](NodeIndex node, Dependent) { ++start[node + 1]; });
-  for (std::size_t i = 0; i < count; ++i) {
-    start[i + 1] += start[i];
+  start.assign(model_.nodes_.size() + 1, 0);
+  for (const Edge& edge : edges_) {
+    ++start[edge.on + 1];
   }
-  model_.dependents_.resize(start[count]);
+  std::partial_sum(start.begin(), start.end(), start.begin());
+  model_.dependents_.resize(edges_.size());
   std::vector<std::uint32_t> next(start.begin(), start.end() - 1);
-  forEach([&](NodeIndex node, Dependent dependent) { model_.dependents_[next[node]++] = dependent; });
+  for (const Edge& edge : edges_) {
+    model_.dependents_[next[edge.on]++] = edge.dependent;
+  }
+  edges_ = {};
 }
 
 void ModelLinker::markFeatures() {
@@ -286,26 +293,6 @@ void ModelLinker::markCycles() {
       warn(record, "the value of '" + model_.fullName(record) + "' depends on itself, the node is not implemented");
     }
   }
-}
-
-void ModelLinker::collectLists() {
-  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
-    const NodeRecord& record = model_.nodes_[i];
-    if (record.kind == NodeKind::Port) {
-      model_.ports_.push_back(i);
-    }
-    bool polled = false;
-    for (const Property& property : model_.properties(record)) {
-      polled = polled || property.element() == Element::PollingTime;
-      if (property.element() == Element::pSelected && property.target != kNoNode) {
-        model_.selectors_.emplace_back(property.target, i);
-      }
-    }
-    if (polled) {
-      model_.polled_.push_back(i);
-    }
-  }
-  std::ranges::stable_sort(model_.selectors_, {}, &std::pair<NodeIndex, NodeIndex>::first);
 }
 
 void ModelLinker::warn(const NodeRecord& node, std::string text) {

@@ -20,10 +20,15 @@ const Property* Model::find(const NodeRecord& node, Element element) const {
 
 std::string Model::fullName(const NodeRecord& node) const {
   std::string full;
+  appendFullName(full, node);
+  return full;
+}
+
+void Model::appendFullName(std::string& text, const NodeRecord& node) const {
   if (node.owner != kNoNode) {
-    full.append(kEntryPrefix).append(name(nodes_[node.owner])).push_back('_');
+    text.append(kEntryPrefix).append(name(nodes_[node.owner])).push_back('_');
   }
-  return full.append(name(node));
+  text.append(name(node));
 }
 
 bool Model::hasFullName(const NodeRecord& node, std::string_view full) const {

@@ -36,10 +36,13 @@ struct NodeRecord {
   std::uint32_t propertyCount = 0;
   NodeIndex owner = kNoNode;  ///< the enumeration of an entry
   NodeKind kind = Element::Node;
-  bool standard = false;  ///< in the standard name space
-  bool feature = false;   ///< reachable from Root through categories
-  bool broken = false;    ///< cannot be built: not implemented
-  bool inCycle = false;   ///< its value would need itself
+  bool standard : 1 = false;   ///< in the standard name space
+  bool feature : 1 = false;    ///< reachable from Root through categories
+  bool broken : 1 = false;     ///< cannot be built: not implemented
+  bool inCycle : 1 = false;    ///< its value would need itself
+  bool guarded : 1 = false;    ///< other nodes or an imposed mode restrict its access
+  bool hasErrors : 1 = false;  ///< error nodes report on its writes
+  bool polled : 1 = false;     ///< has a polling time
 };
 
 /// A node that depends on another, and how.
@@ -84,6 +87,7 @@ class Model {
   std::string_view name(const NodeRecord& node) const { return {text_.get() + node.name, node.nameLength}; }
   /// The name under which the node map knows the node; for an entry it holds its enumeration's name.
   std::string fullName(const NodeRecord& node) const;
+  void appendFullName(std::string& text, const NodeRecord& node) const;
   std::string_view text(const Property& property) const { return {text_.get() + property.text, property.length()}; }
   const char* attribute(const Property& property) const { return text_.get() + property.attribute; }
   /// Whether blanks stood around the text.

@@ -157,12 +157,12 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
 DocumentText own(std::string_view text, bool cutAtFirstEnd) {
   text = text.substr(0, documentSize(text, cutAtFirstEnd));
   DocumentText out;
-  out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2);
+  out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2 + kTextSlack);
   out.data[0] = '\0';
   if (!text.empty()) {
     std::memcpy(out.data.get() + 1, text.data(), text.size());
   }
-  out.data[text.size() + 1] = '\0';
+  std::fill_n(out.data.get() + text.size() + 1, 1 + kTextSlack, '\0');
   out.size = text.size();
   return out;
 }
@@ -171,7 +171,8 @@ DocumentText own(std::string_view text, bool cutAtFirstEnd) {
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); });
+         (sameText(a.data(), b) ||
+          std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); }));
 }
 
 bool parseYesNo(std::string_view text, bool otherwise) {

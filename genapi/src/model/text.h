@@ -25,6 +25,9 @@ inline std::string_view trim(std::string_view text) {
   return text;
 }
 
+/// So many bytes can be read behind the NUL of every text of a description, which lets texts be read in words.
+inline constexpr std::size_t kTextSlack = 3 * sizeof(std::uint64_t) - 1;
+
 /// A word of a text's bytes, wherever it lies.
 template<class Word>
 std::uint64_t wordAt(const char* text) {
@@ -75,7 +78,7 @@ inline bool sameText(const char* text, std::string_view other) {
     return wordAt<std::uint32_t>(at) == wordAt<std::uint32_t>(text) &&
            wordAt<std::uint32_t>(at + size - 4) == wordAt<std::uint32_t>(text + size - 4);
   }
-  return std::equal(at, at + size, text);
+  return size == 0 || (at[0] == text[0] && at[size / 2] == text[size / 2] && at[size - 1] == text[size - 1]);
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
@@ -86,10 +89,10 @@ bool parseYesNo(std::string_view text, bool otherwise);
 /// Text as UTF-8: bytes that are no UTF-8 are taken for Latin-1.
 std::string toUtf8(std::string_view text);
 
-/// A description ready to be parsed in place: UTF-8, cut to its document, NUL at the end.
+/// A description ready to be parsed in place: UTF-8, cut to its document, NUL and kTextSlack bytes at the end.
 struct DocumentText {
   std::unique_ptr<char[]> data;  ///< one byte in front of the text is reserved, so that no text has the offset 0
-  std::size_t size = 0;          ///< without the byte in front and the NUL at the end
+  std::size_t size = 0;          ///< of the text alone
 };
 
 /// Copies a description, converting UTF-16, UTF-32 and declared Latin-1, and cuts what follows the document: behind the

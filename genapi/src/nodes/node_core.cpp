@@ -55,12 +55,10 @@ struct NodeCore::Callbacks {
 };
 
 NodeCore::NodeCore(NodeMap& map, NodeIndex index) : map_(map), index_(index) {
-  broken_ = record().broken;
-  for (const Property& property : properties()) {
-    const Element element = property.element();
-    hasGuards_ = hasGuards_ || isGuard(element) || element == Element::ImposedAccessMode;
-    hasErrors_ = hasErrors_ || element == Element::pError;
-  }
+  const NodeRecord& known = record();
+  broken_ = known.broken;
+  hasGuards_ = known.guarded;
+  hasErrors_ = known.hasErrors;
 }
 
 NodeCore::~NodeCore() {
