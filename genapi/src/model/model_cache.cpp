@@ -26,7 +26,7 @@ class Cache {
 
   ContentKey keyOf(std::span<const std::string_view> documents) const {
     ContentKey key;
-    std::transform(documents.begin(), documents.end(), std::back_inserter(key), hash_);
+    std::ranges::transform(documents, std::back_inserter(key), hash_);
     return key;
   }
 

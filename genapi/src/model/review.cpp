@@ -192,8 +192,7 @@ class Review {
     for (const Property& property : model_.properties(record)) {
       const Element element = property.element();
       const std::string_view text = model_.text(property);
-      const auto words =
-          std::find_if(kWords.begin(), kWords.end(), [=](const Words& w) { return w.element == element; });
+      const auto words = std::ranges::find(kWords, element, &Words::element);
       if (words != kWords.end() && !isWord(text, words->words)) {
         remarkOn(property, "which is none of" + std::string(words->words.substr(0, words->words.size() - 1)));
       } else if (record.kind == NodeKind::Boolean && element == Element::Value) {
