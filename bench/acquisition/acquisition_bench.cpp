@@ -33,6 +33,7 @@
 #include "machine.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
+#include "report.h"
 
 namespace {
 
@@ -218,17 +219,18 @@ int main(int argc, char** argv) {
   }
   std::filesystem::remove(copy);
 
-  std::printf("%-34s %9s %7s %12s\n", "", "ns/image", "ratio", "allocations");
-  const auto row = [&](const char* name, const Cost& cost) {
-    std::printf("%-34s %9.1f %7.3f %12.6f\n", name, cost.nanoseconds, cost.nanoseconds / rawCost.nanoseconds,
-                cost.allocations);
+  bench::Report report("acquisition_bench");
+  const auto row = [&](const char* name, const Cost& cost, double target) {
+    report.atMost(std::string(name) + " / without the library", cost.nanoseconds / rawCost.nanoseconds, target,
+                  bench::withUnit(cost.nanoseconds, "ns an image"));
+    report.atMost(std::string(name) + ", allocations", cost.allocations, 0);
   };
-  row("without the library", rawCost);
-  row("oviWaitForEvent + oviReleaseImage", waitCost);
-  row("oviGetNextImage + oviReleaseImage", nextCost);
-  std::printf("the library's own: %.1f ns an image\n", waitCost.nanoseconds - rawCost.nanoseconds);
-  std::printf("two streams on two threads: %.2f times the images of one; two threads of arithmetic: %.2f times one\n",
-              waitCost.nanoseconds / twoCost.nanoseconds, machine.factor());
+  report.plain("ns an image without the library", rawCost.nanoseconds);
+  row("oviWaitForEvent + oviReleaseImage", waitCost, 1.25);
+  row("oviGetNextImage + oviReleaseImage", nextCost, 1.3);
+  report.atMost("the library's own ns an image", waitCost.nanoseconds - rawCost.nanoseconds, 500);
+  report.atLeast("images of two streams on two threads / one", waitCost.nanoseconds / twoCost.nanoseconds, 1.8,
+                 bench::withUnit(machine.factor(), "times for two threads of arithmetic"));
   oviClose();
-  return 0;
+  return report.result();
 }

@@ -17,6 +17,7 @@
 #include "gentl_interface/GenTL.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
+#include "report.h"
 
 namespace {
 
@@ -166,9 +167,9 @@ class Raw {
   PDevClose closeDevice_ = find<PDevClose>("DevClose");
 };
 
-void print(const char* what, double alone, double withLibrary, double target) {
-  std::printf("%-22s %8.1f us, producer alone %8.1f us, the library's own %6.1f us (at most %.0f)\n", what, withLibrary,
-              alone, withLibrary - alone, target);
+void tell(bench::Report& report, const std::string& what, double alone, double withLibrary, double target) {
+  report.atMost(what + ", the library's own us", withLibrary - alone, target,
+                bench::withUnit(alone, "us of the producer"));
 }
 
 }  // namespace
@@ -207,10 +208,10 @@ int main(int argc, char** argv) {
     rawOpening = std::min(rawOpening, microseconds([&] { raw.openAndClose(); }));
     opening = std::min(opening, microseconds(openAndClose));
   }
-  std::printf("%zu devices, of which the library lists %u\n", devices, found->deviceCount);
-  print("discovery", rawDiscovery, discovery, 100);
-  print("opening and closing", rawOpening, opening, 200);
+  bench::Report report("discovery_bench");
+  tell(report, "discovery of " + std::to_string(devices) + " devices", rawDiscovery, discovery, 100);
+  tell(report, "opening and closing a camera", rawOpening, opening, 200);
   oviClose();
   fs::remove_all(folder);
-  return EXIT_SUCCESS;
+  return report.result();
 }

@@ -17,6 +17,7 @@
 #include "machine.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
+#include "report.h"
 #include "scripted_camera.h"
 
 namespace {
@@ -87,9 +88,11 @@ void require(bool good, const char* what) {
   }
 }
 
-void print(const char* what, const Measured& measured, const Measured& engine, double target) {
-  std::printf("%-34s %8.1f ns  %6.2f x  (at most %4.1f)  %4.1f allocations\n", what, measured.nanoseconds,
-              measured.nanoseconds / engine.nanoseconds, target, measured.allocations);
+void tell(bench::Report& report, const std::string& what, const Measured& measured, const Measured& engine,
+          double target) {
+  report.atMost(what + " / the engine's integer by name", measured.nanoseconds / engine.nanoseconds, target,
+                bench::withUnit(measured.nanoseconds, "ns"));
+  report.atMost(what + ", allocations", measured.allocations, 0);
 }
 
 std::uint64_t openCamera() {
@@ -139,7 +142,7 @@ double secondsToRead(std::span<const std::uint64_t> devices, int reads) {
 }
 
 /** How many times as much four threads read as one does; rounds alternate and the best of each counts. */
-void printScaling() {
+void tellScaling(bench::Report& report) {
   constexpr int kRounds = 30;
   constexpr int kReads = 20000;
   const std::array devices = openFourCameras();
@@ -151,10 +154,8 @@ void printScaling() {
     four = std::min(four, secondsToRead(devices, kReads));
     machine.round();
   }
-  std::printf(
-      "four threads on four cameras read %.2f times as much as one, on %u cores (at least 1.8 on two);\n"
-      "four threads of arithmetic do %.2f times as much as one\n",
-      4 * one / four, std::thread::hardware_concurrency(), machine.factor());
+  report.atLeast("reads of four threads on four cameras / one", 4 * one / four, 1.8,
+                 bench::withUnit(machine.factor(), "times for four threads of arithmetic"));
   for (const std::uint64_t device : devices)
     oviCloseDevice(device);
 }
@@ -190,25 +191,29 @@ int main() {
   const Measured engineFlag = measure([&] { flag = heldFlag.GetValue(); });
   const Measured engineFormat = measure([&] { text[0] = heldFormat.GetCurrentEntry()->GetSymbolic().c_str()[0]; });
 
-  std::printf("engine, held pointer: integer %.1f, float %.1f, boolean %.1f, entry's name %.1f ns\n",
-              onPointer.nanoseconds, engineFloat.nanoseconds, engineFlag.nanoseconds, engineFormat.nanoseconds);
-  std::printf("engine, integer by name with access check: %.1f ns, the unit of what follows\n", engine.nanoseconds);
+  bench::Report report("features_bench");
+  report.plain("the engine's integer by held pointer, ns", onPointer.nanoseconds);
+  report.plain("the engine's float by held pointer, ns", engineFloat.nanoseconds);
+  report.plain("the engine's boolean by held pointer, ns", engineFlag.nanoseconds);
+  report.plain("the engine's entry's name by held pointer, ns", engineFormat.nanoseconds);
+  report.plain("the engine's integer by name, access checked, ns", engine.nanoseconds);
   require(oviGetFeatureInt(device, "AcquisitionFrameCount", &integer, kCamera) == OVI_SUCCESS, "the integer read");
-  print("integer", measure([&] { oviGetFeatureInt(device, "AcquisitionFrameCount", &integer, kCamera); }), engine, 2.5);
-  print("float", measure([&] { oviGetFeatureFloat(device, "ExposureTime", &number, kCamera); }), engine, 2.5);
-  print("boolean", measure([&] { oviGetFeatureBool(device, "ReverseX", &flag, kCamera); }), engine, 2.5);
-  print("enumeration by name", measure([&] {
-          size = sizeof text;
-          oviGetFeatureString(device, "PixelFormat", text, &size, kCamera);
-        }),
-        engine, 2.5);
-  print("record", measure([&] { oviGetFeatureParameter(device, "AcquisitionFrameCount", &record, kCamera); }), engine,
-        12);
-  print("text", measure([&] { oviGetFeature(device, "AcquisitionFrameCount", text); }), engine, 16);
+  tell(report, "integer", measure([&] { oviGetFeatureInt(device, "AcquisitionFrameCount", &integer, kCamera); }),
+       engine, 2.5);
+  tell(report, "float", measure([&] { oviGetFeatureFloat(device, "ExposureTime", &number, kCamera); }), engine, 2.5);
+  tell(report, "boolean", measure([&] { oviGetFeatureBool(device, "ReverseX", &flag, kCamera); }), engine, 2.5);
+  tell(report, "enumeration by name", measure([&] {
+         size = sizeof text;
+         oviGetFeatureString(device, "PixelFormat", text, &size, kCamera);
+       }),
+       engine, 2.5);
+  tell(report, "record", measure([&] { oviGetFeatureParameter(device, "AcquisitionFrameCount", &record, kCamera); }),
+       engine, 12);
+  tell(report, "text", measure([&] { oviGetFeature(device, "AcquisitionFrameCount", text); }), engine, 16);
 
   GenApi::CPointer<GenApi::IDestroy, GenApi::INodeMap>(map)->Destroy();
   oviCloseDevice(device);
-  printScaling();
+  tellScaling(report);
   oviClose();
-  return EXIT_SUCCESS;
+  return report.result();
 }

@@ -15,6 +15,7 @@
 
 #include "ovi/ovi.h"
 #include "platform/platform.h"
+#include "report.h"
 #include "scripted_camera.h"
 
 namespace {
@@ -147,7 +148,7 @@ double perChunk(std::chrono::steady_clock::duration time) {
 
 /** The best of some transfers. */
 template<class Transfer>
-void measure(const char* what, FileCamera& camera, Transfer&& transfer) {
+void measure(bench::Report& report, const char* what, FileCamera& camera, Transfer&& transfer) {
   constexpr int kRounds = 10;
   double chunks = 1e9;
   double all = 1e9;
@@ -159,8 +160,9 @@ void measure(const char* what, FileCamera& camera, Transfer&& transfer) {
     all = std::min(all, perChunk(std::chrono::steady_clock::now() - start));
     chunks = std::min(chunks, perChunk(clock.last - clock.first));
   }
-  std::printf("%-24s %5.2f us a chunk (under 2), %5.2f with the host's file; %5.2f register accesses (at most 20)\n",
-              what, chunks, all, static_cast<double>(camera.accesses) / static_cast<double>(kChunks));
+  report.atMost(std::string(what) + ", us a chunk", chunks, 2, bench::withUnit(all, "us with the host's file"));
+  report.atMost(std::string(what) + ", register accesses a chunk",
+                static_cast<double>(camera.accesses) / static_cast<double>(kChunks), 20);
 }
 
 }  // namespace
@@ -187,17 +189,18 @@ int main() {
   }
   std::ofstream(in, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
 
-  measure("oviFileDownloadToDevice", camera, [&](Clock* clock) {
+  bench::Report report("file_transfer_bench");
+  measure(report, "oviFileDownloadToDevice", camera, [&](Clock* clock) {
     return oviFileDownloadToDevice(device, in.c_str(), "UserData", 1000, Clock::note, clock);
   });
   require(std::memcmp(camera.file.data(), content.data(), kFileSize) == 0, "comparing the file");
   require(oviSetFeatureInt(device, "FileChecksum", sum, OVI_MODULE_REMOTE_DEVICE) == OVI_SUCCESS, "the checksum");
-  measure("oviFileUploadFromDevice", camera, [&](Clock* clock) {
+  measure(report, "oviFileUploadFromDevice", camera, [&](Clock* clock) {
     return oviFileUploadFromDevice(device, out.c_str(), "UserData", 1000, Clock::note, clock);
   });
   std::filesystem::remove(in);
   std::filesystem::remove(out);
   oviCloseDevice(device);
   oviClose();
-  return EXIT_SUCCESS;
+  return report.result();
 }

@@ -13,6 +13,7 @@
 #include "GenApi/GenApi.h"
 #include "allocations.h"
 #include "description.h"
+#include "report.h"
 
 namespace {
 
@@ -47,23 +48,7 @@ double nanoseconds(int repeats, Work&& work) {
   return best;
 }
 
-int failures = 0;
-
-void heading(const char* text) {
-  std::printf("\n%s\n", text);
-}
-
-void figure(const char* what, double ratio, double target, const char* note = "") {
-  const bool met = ratio <= target;
-  failures += met ? 0 : 1;
-  std::printf("  %-46s %8.2f  target %5.2f  %s %s\n", what, ratio, target, met ? "met   " : "MISSED", note);
-}
-
-std::string asText(double value, const char* unit) {
-  char text[64];
-  std::snprintf(text, sizeof text, "(%.1f %s)", value, unit);
-  return text;
-}
+bench::Report report("genapi_bench");
 
 volatile int64_t sink = 0;
 
@@ -100,12 +85,8 @@ void read(const char* what, double floor, double target, Work&& work) {
   work();
   const std::size_t allocated = bench::allocationCount() - before;
   const double taken = nanoseconds(kReads, work);
-  std::string note = asText(taken, "ns");
-  if (allocated != 0) {
-    note += " ALLOCATES " + std::to_string(allocated);
-    ++failures;
-  }
-  figure(what, taken / floor, target, note.c_str());
+  report.atMost(std::string(what) + " / floor", taken / floor, target, bench::withUnit(taken, "ns"));
+  report.atMost(std::string(what) + ", allocations", static_cast<double>(allocated), 0);
 }
 
 void measureReads(std::size_t size) {
@@ -119,7 +100,8 @@ void measureReads(std::size_t size) {
   const GENICAM_NAMESPACE::gcstring floatName("Float0");
   const GENICAM_NAMESPACE::gcstring uncachedName("Uncached0");
   const double floor = measureFloor(*map, "Integer0");
-  heading(("Reading, " + std::to_string(map->GetNumNodes()) + " nodes; floor " + asText(floor, "ns")).c_str());
+  bench::Report::heading("Reading, " + std::to_string(map->GetNumNodes()) + " nodes");
+  report.plain("floor of a read, ns", floor);
   read("integer by name, cached", floor, 1.5,
        [&] { sink = sink + CIntegerPtr(map->GetNode(integerName))->GetValue(); });
   const CIntegerPtr held(map->GetNode(integerName));
@@ -134,7 +116,8 @@ void measureReads(std::size_t size) {
 
 void measureLoading(std::size_t size) {
   const std::string xml = bench::makeDescription(size, 10);
-  heading(("Loading " + std::to_string(size) + " nodes, " + std::to_string(xml.size() / 1024) + " KB").c_str());
+  const std::string nodes = std::to_string(size) + " nodes: ";
+  bench::Report::heading("Loading " + std::to_string(size) + " nodes, " + std::to_string(xml.size() / 1024) + " KB");
   constexpr int kLoads = 5;
   const double parsing = nanoseconds(kLoads, [&] {
     std::vector<char> copy(xml.begin(), xml.end());
@@ -145,16 +128,16 @@ void measureLoading(std::size_t size) {
     return NodeMap(CNodeMapFactory(ContentType_Xml, xml.data(), xml.size(), usage).CreateNodeMap());
   };
   const double first = nanoseconds(kLoads, [&] { load(CacheUsage_Ignore); });
-  figure("text to node map / pugixml in place", first / parsing, 3, asText(first / 1e6, "ms").c_str());
+  report.atMost(nodes + "text to map / pugixml's parse", first / parsing, 3, bench::withUnit(first / 1e6, "ms"));
 
   CNodeMapFactory::ClearCache();
   const std::size_t before = bench::allocatedBytes();
   const NodeMap kept = load(CacheUsage_Automatic);
   const std::size_t used = bench::allocatedBytes() - before;
   const double second = nanoseconds(kLoads, [&] { load(CacheUsage_Automatic); });
-  figure("second map of the same content / first", second / first, 0.2, asText(second / 1e6, "ms").c_str());
-  figure("memory of map and model / text", static_cast<double>(used) / static_cast<double>(xml.size()), 4,
-         asText(static_cast<double>(used) / 1024 / 1024, "MB").c_str());
+  report.atMost(nodes + "second map / first", second / first, 0.2, bench::withUnit(second / 1e6, "ms"));
+  report.atMost(nodes + "memory / text", static_cast<double>(used) / static_cast<double>(xml.size()), 4,
+                bench::withUnit(static_cast<double>(used) / 1024 / 1024, "MB"));
 }
 
 double writeTime(std::size_t size, std::size_t dependents) {
@@ -169,13 +152,12 @@ double writeTime(std::size_t size, std::size_t dependents) {
 }
 
 void measureWriting() {
-  heading("Writing an integer with 10 dependents");
+  bench::Report::heading("Writing");
   const double small = writeTime(100, 10);
   const double large = writeTime(50000, 10);
-  figure("in 50,000 nodes / in 100", large / small, 1.2, asText(large, "ns").c_str());
+  report.atMost("10 dependents, in 50,000 nodes / in 100", large / small, 1.2, bench::withUnit(large, "ns"));
   const double many = writeTime(5000, 1000);
-  std::printf("  %-46s %8.2f  (%.1f us; in proportion to the dependents)\n", "1,000 dependents / 10", many / small,
-              many / 1000);
+  report.plain("1,000 dependents / 10", many / small, bench::withUnit(many / 1000, "us"));
 }
 
 }  // namespace
@@ -190,7 +172,5 @@ int main() {
     std::fprintf(stderr, "%s\n", failure.what());
     return 2;
   }
-  std::printf("\n%s\n",
-              failures == 0 ? "All targets are met." : (std::to_string(failures) + " targets are missed.").c_str());
-  return failures == 0 ? 0 : 1;
+  return report.result();
 }

@@ -12,6 +12,7 @@
 
 #include "gentl_interface/GenTL.h"
 #include "platform/platform.h"
+#include "report.h"
 
 namespace {
 
@@ -183,7 +184,8 @@ int main(int argc, char** argv) {
     frame = std::min(frame, producer.measure(false));
     asked = std::min(asked, producer.measure(true));
   }
-  std::printf("frame taken and given back:            %6.1f ns (target: at most 150)\n", frame);
-  std::printf("the same with seven questions about it: %6.1f ns\n", asked);
-  return 0;
+  bench::Report report("producer_bench");
+  report.atMost("the virtual camera's ns a frame", frame, 150);
+  report.plain("the same with seven questions about it", asked);
+  return report.result();
 }
