@@ -51,6 +51,7 @@ oviErr startStream(GenTLCpp::DataStream& stream, std::uint32_t imageCount) {
                                   ? GENTL_INFINITE
                                   : static_cast<std::uint64_t>(std::int64_t{static_cast<std::int32_t>(imageCount)});
   return guardedWithFixedText(kSite, "Failed to start acquisition on stream!", [&] {
+    const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.startAcquisition(ACQ_START_FLAGS_DEFAULT, count);
     if (status != GC_ERR_SUCCESS) {
       OVI_LOG_ERROR(kSite) << "Failed to start acquisition for data stream: [" << streamId(stream) << "]";
@@ -75,6 +76,7 @@ oviErr unlockParameters(std::uint64_t deviceHandle, const Ending& ending, oviErr
 
 void stopStream(GenTLCpp::DataStream& stream, const Ending& ending, oviErr& result) {
   const oviErr stopped = guardedWithFixedText(ending.site, "Failed to stop acquisition on stream!", [&] {
+    const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.stopAcquisition(ending.stopFlags);
     if (status != GC_ERR_SUCCESS) {
       OVI_LOG_ERROR(ending.site) << "Failed to stop acquisition for data stream: [" << streamId(stream) << "]";
@@ -92,6 +94,7 @@ void flushToInput(GenTLCpp::DataStream& stream, const Ending& ending, oviErr& re
     record << "Error during flush of queues for data stream: [" << streamId(stream) << "] Error: ";
   };
   const oviErr flushed = guarded(ending.site, Severity::Warning, prefix, [&] {
+    const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.flushQueue(ACQ_QUEUE_ALL_TO_INPUT);
     if (status != GC_ERR_SUCCESS) {
       OVI_LOG_WARNING(ending.site) << "Error during flush of queues for data stream: [" << streamId(stream)

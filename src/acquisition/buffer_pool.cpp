@@ -74,6 +74,7 @@ oviErr allocateBuffers(DataStream& stream, std::uint64_t streamHandle, std::uint
   };
   oviErr result = OVI_SUCCESS;
   return guarded(kSite, Severity::Error, failed, [&] {
+    const DataStream::Use use(stream);
     for (std::uint32_t i = 0; i < count; ++i) {
       oviNewBufferEventData* record = i < records.size() ? records[i] : createImageRecord();
       const std::shared_ptr<Buffer> buffer = stream.allocAndAnnounceBuffer(size, record);

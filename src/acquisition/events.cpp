@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -107,9 +108,17 @@ std::uint64_t handleOfTarget(const std::shared_ptr<BaseModule>& module, const st
 
 std::shared_ptr<Event> registerAt(const Registration& registration) {
   if (registration.type == EVENT_NEW_BUFFER) {
-    return std::static_pointer_cast<DataStream>(registration.target)->registerNewBufferEvent();
+    return static_cast<DataStream&>(*registration.target).registerNewBufferEvent();
   }
   return registration.target->registerEvent(registration.type);
+}
+
+/** Whoever closes a stream meets either an event that is registered and listed, or none. */
+std::optional<DataStream::Use> useOf(const BaseModule& module) {
+  if (module.moduleType() != DataStream::kModuleType) {
+    return {};
+  }
+  return std::optional<DataStream::Use>(std::in_place, static_cast<const DataStream&>(module));
 }
 
 /** Waits for an event that brings no image. The record's address goes out before the wait. */
@@ -163,6 +172,7 @@ oviErr oviRegisterEvent(std::uint64_t moduleHandle, std::uint32_t kind, std::uin
     record << "Failed to register event on module:  Handle: [" << moduleHandle << "] Error: ";
   };
   return guarded(kSite, Severity::Error, failed, [&]() -> oviErr {
+    const auto use = useOf(*registration.target);
     const std::shared_ptr<Event> event = registerAt(registration);
     if (event == nullptr) {
       OVI_LOG_ERROR(kSite) << "Failed to register event on module:  Handle: [" << moduleHandle
@@ -224,9 +234,11 @@ oviErr oviEventKill(std::uint64_t eventHandle) {
   if (found != OVI_SUCCESS) {
     return found;
   }
-  return guarded(kSite, Severity::Error, "Failed killingevent! Error: ", [&] {
-    event->flush();
-    event->killWaits();
+  return guarded(kSite, Severity::Error, "Failed killingevent! Error: ", [&]() -> oviErr {
+    if (!event->killWaits()) {
+      OVI_LOG_ERROR(kSite) << kNoEvent;  // Its module is being closed.
+      return OVI_ERR_NOT_FOUND;
+    }
     return OVI_SUCCESS;
   });
 }

@@ -59,6 +59,7 @@ oviErr oviGetAcquisitionStatistics(std::uint64_t streamHandle, oviAcquistionStat
     }
   }
   return guarded(kSite, Severity::Error, "Failed request acquisition statistics. Error: ", [&] {
+    const GenTLCpp::DataStream::Use use(*stream);
     statistics->underruns = static_cast<std::uint64_t>(stream->getNumUnderrun());
     statistics->delivered = static_cast<std::uint64_t>(stream->getNumDelivered());
     return OVI_SUCCESS;

@@ -156,8 +156,10 @@ oviErr oviCheckAndReallocBuffers(std::uint64_t deviceHandle) {
   for (const std::uint64_t handle : streams) {
     std::shared_ptr<DataStream> stream;
     if (lookupModule(handle, stream) == OVI_SUCCESS && stream->isOpen()) {
-      result = guardedWithFixedText(kSite, "Failed to reallocate buffers as the configuration is changed!",
-                                    [&] { return checkBufferSizeAndRecreate(handle); });
+      result = guardedWithFixedText(kSite, "Failed to reallocate buffers as the configuration is changed!", [&] {
+        const DataStream::Use use(*stream);
+        return checkBufferSizeAndRecreate(handle);
+      });
     }
   }
   return result;

@@ -64,29 +64,37 @@ void Event::kill() {
   checkGenTLError(functions_.EventKill(eventHandle()));
 }
 
-void Event::killWaits() {
-  // These kills are the application's: one that its thread does not need, because data came first, ends the next wait.
+bool Event::killWaits() {
+  const WaitGate::Call call(gate_);
+  if (!call) {
+    return false;
+  }
+  flush();
   GC_ERROR status = GC_ERR_SUCCESS;
-  for (std::uint32_t left = std::max(gate_.waiting(), 1U); left != 0; --left) {
+  gate_.killWaits([&] {
     const GC_ERROR one = functions_.EventKill(eventHandle());
     status = one != GC_ERR_SUCCESS ? one : status;
-  }
+    return one == GC_ERR_SUCCESS;
+  });
   checkGenTLError(status);
+  return true;
 }
 
-void Event::endWaits() noexcept {
-  if (gate_.endWaits([this] { return sendKill(); }) != 0) {
-    gate_.drain(kPatience);
-  }
+bool Event::endWaits() noexcept {
+  const WaitGate::Kill kill = [this] { return sendKill(); };
+  gate_.endWaits(kill);
+  return gate_.drain(kill, kPatience);
 }
 
-void Event::shutWaits() noexcept {
-  gate_.shut([this] { return sendKill(); });
-  gate_.drain(kPatience);
+bool Event::shutWaits() noexcept {
+  const WaitGate::Kill kill = [this] { return sendKill(); };
+  gate_.shut(kill);
+  return gate_.drain(kill, kPatience);
 }
 
 bool Event::sendKill() noexcept {
-  return functions_.EventKill(eventHandle()) == GC_ERR_SUCCESS;
+  // Whoever unregisters waits for the waits to be over, but not for ever.
+  return !isUnregistered() && functions_.EventKill(eventHandle()) == GC_ERR_SUCCESS;
 }
 
 Event::Stay::Stay(Event& event) : gate_(event.gate_) {

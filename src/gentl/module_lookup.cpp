@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "core/log.h"
 #include "gentl/buffer.h"
 #include "gentl/data_stream.h"
 #include "gentl/device.h"
@@ -23,6 +24,18 @@ void forEachEvent(std::uint64_t moduleHandle, Function&& function) {
       function(*event);
     }
   }
+}
+
+void warnUnless(bool areOver, const char* site) {
+  if (!areOver) {
+    OVI_LOG_WARNING(site)
+        << "A producer has not ended a wait for an event within two seconds after EventKill; what was "
+           "to follow is done while it waits.";
+  }
+}
+
+void shutEvents(std::uint64_t moduleHandle) {
+  forEachEvent(moduleHandle, [](GenTLCpp::Event& event) { warnUnless(event.shutWaits(), "OVI::shutWaits"); });
 }
 
 }  // namespace
@@ -47,17 +60,19 @@ std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& modul
 void endStreamWaits(std::uint64_t streamHandle) {
   forEachEvent(streamHandle, [](GenTLCpp::Event& event) {
     if (event.getEventType() == EVENT_NEW_BUFFER) {
-      event.endWaits();
+      warnUnless(event.endWaits(), "OVI::endWaits");
     }
   });
 }
 
 void shutStreamWaits(std::uint64_t streamHandle) {
-  forEachEvent(streamHandle, [](GenTLCpp::Event& event) { event.shutWaits(); });
+  shutEvents(streamHandle);
   std::shared_ptr<GenTLCpp::DataStream> stream;
   if (lookupModule(streamHandle, stream) == OVI_SUCCESS) {
     stream->shutUses();
   }
+  // Registering is a use: from here on there is no new event, but one may have come before.
+  shutEvents(streamHandle);
 }
 
 void endDeviceWaits(std::uint64_t deviceHandle) {
@@ -66,16 +81,20 @@ void endDeviceWaits(std::uint64_t deviceHandle) {
   for (const HandleRegistry::Handle stream : streams) {
     shutStreamWaits(stream);
   }
-  forEachEvent(deviceHandle, [](GenTLCpp::Event& event) { event.shutWaits(); });
+  shutEvents(deviceHandle);
 }
 
 void endAllWaits() {
-  for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
-    static_cast<GenTLCpp::Event&>(*module).shutWaits();
-  }
+  const auto shutAll = [] {
+    for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
+      warnUnless(static_cast<GenTLCpp::Event&>(*module).shutWaits(), "OVI::shutWaits");
+    }
+  };
+  shutAll();
   for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::DataStream)) {
     static_cast<GenTLCpp::DataStream&>(*module).shutUses();
   }
+  shutAll();  // As with one stream.
 }
 
 }  // namespace OVI

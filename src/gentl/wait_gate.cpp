@@ -1,7 +1,24 @@
 // Who waits for an event inside a producer, so that others can end these waits and know when they are over.
 #include "gentl/wait_gate.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace GenTLCpp {
+
+namespace {
+
+/** How long a wait may take to end before its kill counts as lost. */
+constexpr std::chrono::milliseconds kKillAgain{100};
+
+/** @return whether there was one left */
+bool takeOne(std::uint32_t& count) noexcept {
+  const bool isThere = count != 0;
+  count -= isThere ? 1U : 0U;
+  return isThere;
+}
+
+}  // namespace
 
 void WaitGate::leaveEnded() noexcept {
   // Notified under the lock: whoever drains may destroy the gate as soon as it can see that all have left.
@@ -11,33 +28,74 @@ void WaitGate::leaveEnded() noexcept {
   }
 }
 
-bool WaitGate::abortIsMine(Ticket ticket, const Kill& kill) {
+bool WaitGate::beginCall() noexcept {
+  const std::lock_guard lock(mutex_);
+  const bool isOpen = (state_.load(std::memory_order_relaxed) & kShut) == 0;
+  calls_ += isOpen ? 1U : 0U;
+  return isOpen;
+}
+
+void WaitGate::endCall() noexcept {
+  const std::lock_guard lock(mutex_);
+  if (--calls_ == 0) {
+    left_.notify_all();
+  }
+}
+
+void WaitGate::killWaits(const Kill& kill) {
+  std::uint32_t kills = 0;
   {
     const std::lock_guard lock(mutex_);
-    const bool wasOwed = owed_ != 0;
-    if (wasOwed) {
-      --owed_;
+    kills = std::max(static_cast<std::uint32_t>(state_.load(std::memory_order_acquire) & kWaiters), 1U);
+    asked_ += kills;
+  }
+  for (std::uint32_t i = 0; i < kills; ++i) {
+    if (!kill()) {
+      const std::lock_guard lock(mutex_);
+      static_cast<void>(takeOne(asked_) || takeOne(askedBefore_));
     }
-    if (ticketOf(state_.load(std::memory_order_acquire)) != ticket || !wasOwed) {
+  }
+}
+
+bool WaitGate::abortIsMine(Ticket ticket, const Kill& kill) {
+  bool isMine = true;
+  {
+    const std::lock_guard lock(mutex_);
+    const std::uint64_t state = state_.load(std::memory_order_acquire);
+    // A wait that was ended leaves the kills which came after its end to those that they are for.
+    if (ticketOf(state) != ticket) {
+      static_cast<void>(takeOne(askedBefore_) || takeOne(owed_) || takeOne(asked_));
       return true;
     }
-    if (owed_ >= ended_) {
-      return false;
+    if (takeOne(asked_) || takeOne(askedBefore_)) {
+      // The next one that the same kill was for gets it from here, should the producer have forgotten it.
+      if (asked_ == 0 || (state & kWaiters) < 2) {
+        return true;
+      }
+    } else {
+      isMine = !takeOne(owed_);
+      if (isMine || owed_ >= ended_) {
+        return isMine;
+      }
     }
     ++owed_;
   }
   send(kill);
-  return false;
+  return isMine;
 }
 
 void WaitGate::send(const Kill& kill) {
   if (!kill()) {
     const std::lock_guard lock(mutex_);
-    owed_ -= owed_ != 0 ? 1U : 0U;
+    takeOne(owed_);
   }
 }
 
 std::uint32_t WaitGate::end(const Kill& kill, std::uint64_t flags) {
+  const Call call(*this);
+  if (!call) {
+    return 0;  // Whoever shut the gate has ended all waits.
+  }
   std::uint32_t waiters = 0;
   {
     const std::lock_guard lock(mutex_);
@@ -50,6 +108,7 @@ std::uint32_t WaitGate::end(const Kill& kill, std::uint64_t flags) {
     waiters = static_cast<std::uint32_t>(state & kWaiters);
     ended_ += waiters;
     owed_ += waiters;
+    askedBefore_ += std::exchange(asked_, 0);
   }
   for (std::uint32_t i = 0; i < waiters; ++i) {
     send(kill);
@@ -57,9 +116,26 @@ std::uint32_t WaitGate::end(const Kill& kill, std::uint64_t flags) {
   return waiters;
 }
 
-bool WaitGate::drain(std::chrono::milliseconds limit) {
+bool WaitGate::drain(const Kill& kill, std::chrono::milliseconds limit) {
+  const auto end = std::chrono::steady_clock::now() + limit;
   std::unique_lock lock(mutex_);
-  return left_.wait_for(lock, limit, [this] { return ended_ == 0; });
+  const auto haveLeft = [this] { return ended_ == 0 && calls_ == 0; };
+  while (!left_.wait_until(lock, std::min(end, std::chrono::steady_clock::now() + kKillAgain), haveLeft)) {
+    if (std::chrono::steady_clock::now() >= end) {
+      return false;
+    }
+    if (ended_ == 0) {
+      continue;
+    }
+    ++owed_;
+    ++calls_;
+    lock.unlock();
+    send(kill);
+    lock.lock();
+    --calls_;
+    left_.notify_all();  // Others may drain as well.
+  }
+  return true;
 }
 
 }  // namespace GenTLCpp

@@ -127,6 +127,10 @@ GC_ERROR EventGetData(EVENT_HANDLE, void* buf, size_t* size, uint64_t timeoutMs)
   }
   if (script().pendingKills > 0) {
     --script().pendingKills;
+    ++script().held;
+    script().changed.notify_all();
+    script().changed.wait(lock, [] { return !script().holdsAborts; });
+    --script().held;
     return GC_ERR_ABORT;
   }
   --script().filledBuffers;
@@ -149,7 +153,7 @@ GC_ERROR EventFlush(EVENT_HANDLE) {
 GC_ERROR EventKill(EVENT_HANDLE) {
   const GC_ERROR status = enter("EventKill");
   const std::lock_guard lock(script().mutex);
-  ++script().pendingKills;
+  script().pendingKills = script().remembersOneKill ? 1 : script().pendingKills + 1;
   script().changed.notify_all();
   return status;
 }

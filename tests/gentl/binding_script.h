@@ -28,6 +28,9 @@ struct Script {
   std::size_t bufferSize = 0;
   int filledBuffers = 0;  // Waiting to be fetched as events.
   int pendingKills = 0;
+  bool remembersOneKill = false;  // However many are sent.
+  bool holdsAborts = false;       // A wait that met a kill does not return yet.
+  int held = 0;
   int waiting = 0;
 };
 

@@ -82,14 +82,16 @@ class Event : public BaseModule {
   void flush();
   /** Ends one wait: one that is under way, or else the next. */
   void kill();
-  /** Ends every wait that is under way, or else the next: also that of a thread which has just read its data and comes
-   * back, so that no thread that is to end waits for ever. */
-  void killWaits();
+  /** For the application: drops what is queued and ends every wait that is under way, or else the next: also that of a
+   * thread which has just read its data and comes back, so that no thread that is to end waits for ever.
+   * @return false, and nothing is done, when the event's waits are over for good */
+  bool killWaits();
   /** Ends the stays that are under way and waits until they are over, for two seconds at most; later ones are not
-   * touched. May be called from any thread that does not stay itself, and never throws. */
-  void endWaits() noexcept;
+   * touched. May be called from any thread that does not stay itself, and never throws. @return whether they are over
+   */
+  bool endWaits() noexcept;
   /** The same, and every later wait is aborted at once. For whoever closes the module. */
-  void shutWaits() noexcept;
+  bool shutWaits() noexcept;
 
   /** Once, and only while the module is open. The producer's status is ignored. */
   void unregister() noexcept;

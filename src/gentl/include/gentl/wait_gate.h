@@ -10,7 +10,7 @@
 
 namespace GenTLCpp {
 
-/** How long whoever ends waits waits for them to be over; a producer that takes longer has lost a kill. */
+/** How long whoever ends waits waits for them to be over. */
 inline constexpr std::chrono::seconds kPatience{2};
 
 /**
@@ -19,7 +19,9 @@ inline constexpr std::chrono::seconds kPatience{2};
  * A producer's kill ends one wait, or the next one when nobody waits. So a kill that an ending sent to a thread and
  * that the thread did not need, because data came first, would hit a later wait, which nobody wanted to end. The gate
  * sends one kill to each thread that waits, remembers the kills that no wait has met yet, and lets a later wait that
- * meets one go on.
+ * meets one go on. Kills of the application are counted apart: one that came first to a thread which an ending reached
+ * as well is used up there, and none is ever taken for a left-over, whatever the producer did with the others. Some
+ * producers remember one kill only: a thread that meets a kill of the application sends one on to the others.
  *
  * Coming and going cost one atomic exchange each and take no lock, unless somebody ends waits at that moment.
  */
@@ -50,10 +52,26 @@ class WaitGate {
     leaveEnded();
   }
 
-  /** @return how many wait whose wait has not been ended */
-  std::uint32_t waiting() const noexcept {
-    return static_cast<std::uint32_t>(state_.load(std::memory_order_relaxed) & kWaiters);
-  }
+  /** A call about the event that is no wait. Whoever drains the gate waits for its end as well. */
+  class Call {
+   public:
+    explicit Call(WaitGate& gate) noexcept : gate_(gate.beginCall() ? &gate : nullptr) {}
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    ~Call() {
+      if (gate_ != nullptr) {
+        gate_->endCall();
+      }
+    }
+    /** @return false when the gate is shut, and the call must not be made */
+    explicit operator bool() const noexcept { return gate_ != nullptr; }
+
+   private:
+    WaitGate* gate_;
+  };
+
+  /** For the application, within a call: ends the waits that are under way, or else the next. */
+  void killWaits(const Kill& kill);
 
   /** Asked by a wait that the producer aborted: whether the abort was meant for it. If not, the wait goes on.
    * @param kill  sends one more kill, for a thread whose kill this wait has met */
@@ -64,9 +82,10 @@ class WaitGate {
   /** The same, and nobody gets in any more. */
   std::uint32_t shut(const Kill& kill) { return end(kill, kShut); }
 
-  /** Waits until every thread whose wait was ended has left, or until the time is over.
+  /** Waits until every thread whose wait was ended has left, or until the time is over. A producer may have lost a
+   * kill: some end one wait however many kills they were sent. So kills are sent again to who does not leave.
    * @return whether they all left */
-  bool drain(std::chrono::milliseconds limit);
+  bool drain(const Kill& kill, std::chrono::milliseconds limit);
 
  private:
   // The state: whether the gate is shut, the number of endings so far, and how many wait since the last of them.
@@ -76,6 +95,8 @@ class WaitGate {
 
   static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kWaiters); }
   void leaveEnded() noexcept;
+  bool beginCall() noexcept;
+  void endCall() noexcept;
   std::uint32_t end(const Kill& kill, std::uint64_t flags);
   void send(const Kill& kill);
 
@@ -83,8 +104,11 @@ class WaitGate {
 
   std::mutex mutex_;
   std::condition_variable left_;
-  std::uint32_t ended_ = 0;  // Threads whose wait was ended and that have not left yet.
-  std::uint32_t owed_ = 0;   // Kills that were sent and that no wait has met yet.
+  std::uint32_t ended_ = 0;        // Threads whose wait was ended and that have not left yet.
+  std::uint32_t calls_ = 0;        // Under way.
+  std::uint32_t owed_ = 0;         // Kills that endings sent and that no wait has met yet.
+  std::uint32_t asked_ = 0;        // Kills of the application that no wait has met yet.
+  std::uint32_t askedBefore_ = 0;  // The same, from before the last ending.
 };
 
 }  // namespace GenTLCpp
