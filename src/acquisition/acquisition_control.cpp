@@ -54,7 +54,7 @@ oviErr startStream(GenTLCpp::DataStream& stream, std::uint32_t imageCount) {
     const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.startAcquisition(ACQ_START_FLAGS_DEFAULT, count);
     if (status != GC_ERR_SUCCESS) {
-      OVI_LOG_ERROR(kSite) << "Failed to start acquisition for data stream: [" << streamId(stream) << "]";
+      OVI_LOG_ERROR(kSite) << "Failed to start acquisition for data stream: [" << stream.id() << "]";
     }
     return mapGenTLError(status);
   });
@@ -79,7 +79,7 @@ void stopStream(GenTLCpp::DataStream& stream, const Ending& ending, oviErr& resu
     const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.stopAcquisition(ending.stopFlags);
     if (status != GC_ERR_SUCCESS) {
-      OVI_LOG_ERROR(ending.site) << "Failed to stop acquisition for data stream: [" << streamId(stream) << "]";
+      OVI_LOG_ERROR(ending.site) << "Failed to stop acquisition for data stream: [" << stream.id() << "]";
     }
     return mapGenTLError(status);
   });
@@ -91,13 +91,13 @@ void stopStream(GenTLCpp::DataStream& stream, const Ending& ending, oviErr& resu
 /** Gives every buffer back to the input pool, so that the next start needs no work on them. */
 void flushToInput(GenTLCpp::DataStream& stream, const Ending& ending, oviErr& result) {
   const auto prefix = [&](LogRecord& record) {
-    record << "Error during flush of queues for data stream: [" << streamId(stream) << "] Error: ";
+    record << "Error during flush of queues for data stream: [" << stream.id() << "] Error: ";
   };
   const oviErr flushed = guarded(ending.site, Severity::Warning, prefix, [&] {
     const GenTLCpp::DataStream::Use use(stream);
     const GC_ERROR status = stream.flushQueue(ACQ_QUEUE_ALL_TO_INPUT);
     if (status != GC_ERR_SUCCESS) {
-      OVI_LOG_WARNING(ending.site) << "Error during flush of queues for data stream: [" << streamId(stream)
+      OVI_LOG_WARNING(ending.site) << "Error during flush of queues for data stream: [" << stream.id()
                                    << "] Error: " << status;
     }
     return mapGenTLError(status);

@@ -28,6 +28,7 @@ using GenTLCpp::DataStream;
 /** What the stream itself says; 0 when it does not define the size. */
 std::uint64_t payloadSizeOfStream(const DataStream& stream) {
   try {
+    const DataStream::Use use(stream);
     return stream.definesPayloadSize() ? stream.getPayloadSize() : 0;
   } catch (const GenTLCpp::GenTLException& error) {
     OVI_LOG_DEBUG("OVI::getPayloadSize") << "The stream does not define its payload size: " << error.what();
@@ -70,7 +71,7 @@ oviErr allocateBuffers(DataStream& stream, std::uint64_t streamHandle, std::uint
   constexpr const char* kSite = "OVI::allocateBuffers";
   OVI_LOG_INFO(kSite) << "allocate Buffers: [" << count << "] Size: [" << size << "]";
   const auto failed = [&](LogRecord& record) {
-    record << "Failed to create buffer for stream with ID: [" << streamId(stream) << "] Error: ";
+    record << "Failed to create buffer for stream with ID: [" << stream.id() << "] Error: ";
   };
   oviErr result = OVI_SUCCESS;
   return guarded(kSite, Severity::Error, failed, [&] {
@@ -79,7 +80,7 @@ oviErr allocateBuffers(DataStream& stream, std::uint64_t streamHandle, std::uint
       oviNewBufferEventData* record = i < records.size() ? records[i] : createImageRecord();
       const std::shared_ptr<Buffer> buffer = stream.allocAndAnnounceBuffer(size, record);
       if (buffer == nullptr) {
-        OVI_LOG_ERROR(kSite) << "Failed to create buffer for stream with ID: [" << streamId(stream)
+        OVI_LOG_ERROR(kSite) << "Failed to create buffer for stream with ID: [" << stream.id()
                              << "] Error: Buffer object was NULL";
         continue;
       }
@@ -132,7 +133,7 @@ oviErr discardQueues(DataStream& stream) {
   try {
     const GC_ERROR status = stream.flushQueue(ACQ_QUEUE_ALL_DISCARD);
     if (status != GC_ERR_SUCCESS) {
-      OVI_LOG_WARNING(kSite) << "Error during flush of queues for data stream: [" << streamId(stream)
+      OVI_LOG_WARNING(kSite) << "Error during flush of queues for data stream: [" << stream.id()
                              << "] Error: " << status;
     }
     return mapGenTLError(status);
@@ -209,8 +210,8 @@ oviErr removeAllBuffersFromStream(std::uint64_t streamHandle, BufferRecords& out
         outRecords.push_back(static_cast<oviNewBufferEventData*>(buffer->getUserData()));
       }
     } catch (const GenTLCpp::GenTLException& error) {
-      OVI_LOG_ERROR("OVI::removeAllBuffersFromStream") << "Failed to revoke buffer from data stream: Stream ID: ["
-                                                       << streamId(*stream) << "] Error: " << error.what();
+      OVI_LOG_ERROR("OVI::removeAllBuffersFromStream")
+          << "Failed to revoke buffer from data stream: Stream ID: [" << stream->id() << "] Error: " << error.what();
     }
   }
   return result;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -113,14 +112,6 @@ std::shared_ptr<Event> registerAt(const Registration& registration) {
   return registration.target->registerEvent(registration.type);
 }
 
-/** Whoever closes a stream meets either an event that is registered and listed, or none. */
-std::optional<DataStream::Use> useOf(const BaseModule& module) {
-  if (module.moduleType() != DataStream::kModuleType) {
-    return {};
-  }
-  return std::optional<DataStream::Use>(std::in_place, static_cast<const DataStream&>(module));
-}
-
 /** Waits for an event that brings no image. The record's address goes out before the wait. */
 oviErr waitForData(Event& event, std::uint64_t timeout, void** data) {
   constexpr const char* kSite = "OVI::oviWaitForEvent";
@@ -172,7 +163,8 @@ oviErr oviRegisterEvent(std::uint64_t moduleHandle, std::uint32_t kind, std::uin
     record << "Failed to register event on module:  Handle: [" << moduleHandle << "] Error: ";
   };
   return guarded(kSite, Severity::Error, failed, [&]() -> oviErr {
-    const auto use = useOf(*registration.target);
+    // Whoever closes the module meets an event that is registered and listed, or none.
+    const BaseModule::Use use(*registration.target);
     const std::shared_ptr<Event> event = registerAt(registration);
     if (event == nullptr) {
       OVI_LOG_ERROR(kSite) << "Failed to register event on module:  Handle: [" << moduleHandle
@@ -251,7 +243,7 @@ oviErr oviUnregisterEvent(std::uint64_t eventHandle) {
   oviErr result = lookupModule(eventHandle, event);
   if (result == OVI_SUCCESS) {
     result = guarded("OVI::oviUnregisterEvent", Severity::Error, "Error when unregistering event! Error: ", [&] {
-      event->shutWaits();
+      shutWaits(*event);
       event->unregister();
       return OVI_SUCCESS;
     });

@@ -50,16 +50,16 @@ oviErr oviGetAcquisitionStatistics(std::uint64_t streamHandle, oviAcquistionStat
   }
   const std::uint64_t deviceHandle = HandleRegistry::instance().handleOf(stream->getParent().get());
   const bool counted = hasPacketCounters(deviceHandle);
-  for (const PacketCounter& counter : kPacketCounters) {
-    std::int64_t& field = statistics->*counter.field;
-    if (counted) {
-      OVI::oviGetFeatureInt(streamHandle, counter.feature, &field, OVI_MODULE_DATA_STREAM);
-    } else {
-      field = -1;
-    }
-  }
   return guarded(kSite, Severity::Error, "Failed request acquisition statistics. Error: ", [&] {
     const GenTLCpp::DataStream::Use use(*stream);
+    for (const PacketCounter& counter : kPacketCounters) {
+      std::int64_t& field = statistics->*counter.field;
+      if (counted) {
+        OVI::oviGetFeatureInt(streamHandle, counter.feature, &field, OVI_MODULE_DATA_STREAM);
+      } else {
+        field = -1;
+      }
+    }
     statistics->underruns = static_cast<std::uint64_t>(stream->getNumUnderrun());
     statistics->delivered = static_cast<std::uint64_t>(stream->getNumDelivered());
     return OVI_SUCCESS;

@@ -1,11 +1,10 @@
-// What the log calls streams and devices, and catches whose log line has no room for a reason.
+// What the log calls devices, and catches whose log line has no room for a reason.
 #pragma once
 
 #include <string>
 #include <utility>
 
 #include "core/log.h"
-#include "gentl/data_stream.h"
 #include "gentl/device.h"
 #include "gentl/guard.h"
 #include "ovi/ovi.h"
@@ -13,14 +12,6 @@
 namespace OVI {
 
 /** The ID that the producer gives; empty when it gives none, which is no reason to fail a message. */
-inline std::string streamId(const GenTLCpp::DataStream& stream) {
-  try {
-    return stream.getInfoString(STREAM_INFO_ID);
-  } catch (const GenTLCpp::GenTLException&) {
-    return {};
-  }
-}
-
 inline std::string deviceId(const GenTLCpp::Device& device) {
   try {
     return device.getInfoString(DEVICE_INFO_ID);

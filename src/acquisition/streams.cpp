@@ -54,20 +54,17 @@ oviErr oviCreateDataStream(std::uint64_t deviceHandle, std::uint32_t streamIndex
     record << "Failed to open data stream id from TL for device! Requested index: [" << streamIndex << "] Device: ["
            << deviceId(*device) << "] Error: ";
   };
-  std::shared_ptr<DataStream> stream;
-  result = guarded(kSite, Severity::Error, failed, [&] {
-    stream = device->openDataStream(std::size_t{streamIndex});
-    return OVI_SUCCESS;
+  result = guarded(kSite, Severity::Error, failed, [&]() -> oviErr {
+    // Whoever closes the device meets a stream that is open and listed, or none.
+    const Device::Use use(*device);
+    const std::shared_ptr<DataStream> stream = device->openDataStream(std::size_t{streamIndex});
+    if (stream == nullptr) {
+      OVI_LOG_ERROR(kSite) << "Failed to open data stream id from TL for device! Requested index: [" << streamIndex
+                           << "] Device: [" << deviceId(*device) << "]";
+      return OVI_ERR_UNKNOWN;
+    }
+    return HandleRegistry::instance().registerOwned(deviceHandle, stream, ModuleKind::DataStream, *streamHandle);
   });
-  if (result != OVI_SUCCESS) {
-    return result;
-  }
-  if (stream == nullptr) {
-    OVI_LOG_ERROR(kSite) << "Failed to open data stream id from TL for device! Requested index: [" << streamIndex
-                         << "] Device: [" << deviceId(*device) << "]";
-    return OVI_ERR_UNKNOWN;
-  }
-  result = HandleRegistry::instance().registerOwned(deviceHandle, stream, ModuleKind::DataStream, *streamHandle);
   if (result != OVI_SUCCESS) {
     return result;
   }
@@ -84,7 +81,7 @@ oviErr oviCloseDataStream(std::uint64_t streamHandle) {
   oviErr result = lookupModule(streamHandle, stream);
   if (result == OVI_SUCCESS) {
     // A stream that did not close cannot be asked for its ID any more either.
-    const auto failed = [id = streamId(*stream)](LogRecord& record) {
+    const auto failed = [id = stream->id()](LogRecord& record) {
       record << "Data stream close failed: Stream ID: [" << id << "] Error: ";
     };
     shutStreamWaits(streamHandle);

@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "gentl/description.h"
+#include "gentl/exceptions.h"
 #include "gentl/feature_list.h"
 #include "gentl/trace.h"
+#include "gentl/wait_gate.h"
 
 namespace GenTLCpp {
 
@@ -18,6 +20,16 @@ const char* moduleTypeName(int moduleType) noexcept {
 }
 
 BaseModule::~BaseModule() = default;
+
+BaseModule::Use::Use(const BaseModule& module) {
+  if (!module.beginUse(inside_)) {
+    throw ClosedException(std::string(moduleTypeName(module.moduleType())) + " is closed, cannot return handle");
+  }
+}
+
+bool BaseModule::shutUses() noexcept {
+  return uses_.shut(kPatience);
+}
 
 GC_ERROR BaseModule::close() {
   std::shared_ptr<FeatureList> list = takeOut(featureList_);

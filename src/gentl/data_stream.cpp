@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 #include "gentl/buffer.h"
 #include "gentl/event.h"
@@ -27,8 +28,9 @@ std::int64_t signedCounter(std::uint64_t value) {
 
 }  // namespace
 
-DataStream::DataStream(const std::shared_ptr<Device>& device, LibraryHandle library, DS_HANDLE handle)
-    : OpenModule(device, library, handle, kStreamTexts) {
+DataStream::DataStream(const std::shared_ptr<Device>& device, LibraryHandle library, DS_HANDLE handle, std::string id)
+    : OpenModule(device, library, handle, kStreamTexts),
+      id_(std::move(id)) {
   traceLine("DataStream()");
 }
 
@@ -42,16 +44,6 @@ GC_ERROR DataStream::closeModule() {
     traceLine("DSClose()");
   }
   return OpenModule::closeModule();
-}
-
-DataStream::Use::Use(const DataStream& stream) {
-  if (!stream.uses_.enter(inside_)) {
-    throw ClosedException(kStreamTexts.closed);
-  }
-}
-
-void DataStream::shutUses() noexcept {
-  uses_.shut(kPatience);
 }
 
 std::shared_ptr<Buffer> DataStream::allocAndAnnounceBuffer(std::size_t size, void* userData) {

@@ -108,7 +108,7 @@ std::shared_ptr<DataStream> Device::openDataStream(const std::string& id) {
   traceLine("DevOpenDataStream()");
   DS_HANDLE stream =
       openHandle([&](DS_HANDLE* handle) { return functions().DevOpenDataStream(getHandle(), id.c_str(), handle); });
-  return std::make_shared<DataStream>(sharedAs<Device>(), getLibraryHandle(), stream);
+  return std::make_shared<DataStream>(sharedAs<Device>(), getLibraryHandle(), stream, id);
 }
 
 std::shared_ptr<DataStream> Device::openDataStream(std::size_t index) {

@@ -104,7 +104,8 @@ Event::Stay::Stay(Event& event) : gate_(event.gate_) {
 }
 
 void Event::unregister() noexcept {
-  if (!parent_->isClosed() && !unregistered_.exchange(true)) {
+  OVI::Hold inside;  // Whoever closes the module waits, or does it in place of this.
+  if (parent_->beginUse(inside) && !parent_->isClosed() && !unregistered_.exchange(true)) {
     static_cast<void>(functions_.GCUnregisterEvent(moduleHandle_, eventType_));
   }
 }

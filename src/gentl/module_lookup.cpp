@@ -26,16 +26,17 @@ void forEachEvent(std::uint64_t moduleHandle, Function&& function) {
   }
 }
 
-void warnUnless(bool areOver, const char* site) {
+constexpr const char* kWait = "A producer has not ended a wait for an event two seconds after EventKill";
+constexpr const char* kUse = "A producer has not returned from a call of a device or a stream for two seconds";
+
+void warnUnless(bool areOver, const char* what) {
   if (!areOver) {
-    OVI_LOG_WARNING(site)
-        << "A producer has not ended a wait for an event within two seconds after EventKill; what was "
-           "to follow is done while it waits.";
+    OVI_LOG_WARNING("OVI::endWaits") << what << "; what was to follow is done beside it.";
   }
 }
 
-void shutEvents(std::uint64_t moduleHandle) {
-  forEachEvent(moduleHandle, [](GenTLCpp::Event& event) { warnUnless(event.shutWaits(), "OVI::shutWaits"); });
+void shutUses(GenTLCpp::BaseModule& module) {
+  warnUnless(module.shutUses(), kUse);
 }
 
 }  // namespace
@@ -57,44 +58,49 @@ std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& modul
   }
 }
 
+void shutWaits(GenTLCpp::Event& event) {
+  warnUnless(event.shutWaits(), kWait);
+}
+
 void endStreamWaits(std::uint64_t streamHandle) {
   forEachEvent(streamHandle, [](GenTLCpp::Event& event) {
     if (event.getEventType() == EVENT_NEW_BUFFER) {
-      warnUnless(event.endWaits(), "OVI::endWaits");
+      warnUnless(event.endWaits(), kWait);
     }
   });
 }
 
+// Registering an event and opening a stream are uses: once these are over, there is nothing new to miss.
 void shutStreamWaits(std::uint64_t streamHandle) {
-  shutEvents(streamHandle);
   std::shared_ptr<GenTLCpp::DataStream> stream;
   if (lookupModule(streamHandle, stream) == OVI_SUCCESS) {
-    stream->shutUses();
+    shutUses(*stream);
   }
-  // Registering is a use: from here on there is no new event, but one may have come before.
-  shutEvents(streamHandle);
+  forEachEvent(streamHandle, shutWaits);
 }
 
 void endDeviceWaits(std::uint64_t deviceHandle) {
+  std::shared_ptr<GenTLCpp::Device> device;
+  if (lookupModule(deviceHandle, device) == OVI_SUCCESS) {
+    shutUses(*device);
+  }
   std::vector<HandleRegistry::Handle> streams;
   static_cast<void>(HandleRegistry::instance().listRelated(deviceHandle, ModuleKind::DataStream, streams));
   for (const HandleRegistry::Handle stream : streams) {
     shutStreamWaits(stream);
   }
-  shutEvents(deviceHandle);
+  forEachEvent(deviceHandle, shutWaits);
 }
 
 void endAllWaits() {
-  const auto shutAll = [] {
-    for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
-      warnUnless(static_cast<GenTLCpp::Event&>(*module).shutWaits(), "OVI::shutWaits");
+  for (const ModuleKind kind : {ModuleKind::Device, ModuleKind::DataStream}) {
+    for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(kind)) {
+      shutUses(*module);
     }
-  };
-  shutAll();
-  for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::DataStream)) {
-    static_cast<GenTLCpp::DataStream&>(*module).shutUses();
   }
-  shutAll();  // As with one stream.
+  for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
+    shutWaits(static_cast<GenTLCpp::Event&>(*module));
+  }
 }
 
 }  // namespace OVI

@@ -31,6 +31,20 @@ class WaitsTest : public ManualCameraTest {
   void closeCamera(const Stream& /*stream*/) { closeDevice(); }
   void closeLibrary(const Stream& /*stream*/) { EXPECT_EQ(oviClose(), OVI_SUCCESS); }
 
+  /** After an end, which may have closed the device or everything. */
+  void backToAnOpenDevice(End end, const Stream& stream) {
+    if (end == &WaitsTest::closeLibrary) {
+      forgetDevice();
+      TearDown();
+      SetUp();
+    } else if (end == &WaitsTest::closeCamera) {
+      open();
+    } else {
+      oviStopAcquisition(device());
+      oviCloseDataStream(stream.handle);
+    }
+  }
+
   /** Starts threads that wait for ever and returns when they all do. */
   std::vector<std::thread> startWaiters(std::uint64_t event, std::vector<oviErr>& results) {
     results.assign(kWaiters, 1);
@@ -72,16 +86,79 @@ TEST_F(WaitsTest, EndWithWhateverEndsThem) {
     }
     EXPECT_THAT(results, Each(OVI_ERR_ABORTED));
     EXPECT_THAT(script().violations(), IsEmpty());
-    // Back to an open device.
-    if (each.name == std::string("close library")) {
-      forgetDevice();
-      TearDown();
-      SetUp();
-    } else if (each.name == std::string("close device")) {
-      open();
-    } else {
-      oviStopAcquisition(device());
-      oviCloseDataStream(stream.handle);
+    backToAnOpenDevice(each.end, stream);
+  }
+}
+
+// Whatever an application does with a stream while another thread closes it, nothing is closed under the producer.
+TEST_F(WaitsTest, NothingIsClosedUnderACall) {
+  struct Case {
+    const char* function;  // Held while something is closed.
+    void (*call)(std::uint64_t device, const Stream& stream);
+    std::vector<End> ends;
+  };
+  const End ofStream = &WaitsTest::closeStream;
+  const End ofCamera = &WaitsTest::closeCamera;
+  const End ofLibrary = &WaitsTest::closeLibrary;
+  const auto registerAndWait = [](std::uint64_t /*device*/, const Stream& stream) {
+    std::uint64_t event = 0;
+    void* data = nullptr;
+    oviUnregisterEvent(stream.event);
+    if (oviRegisterEvent(stream.handle, OVI_EVENT_NEW_BUFFER, &event, OVI_MODULE_DATA_STREAM) == OVI_SUCCESS) {
+      EXPECT_NE(oviWaitForEvent(event, UINT64_MAX, &data), OVI_SUCCESS);
+    }
+  };
+  const auto registerOnDevice = [](std::uint64_t device, const Stream& /*stream*/) {
+    std::uint64_t event = 0;
+    void* data = nullptr;
+    if (oviRegisterEvent(device, OVI_EVENT_MODULE, &event, OVI_MODULE_LOCAL_DEVICE) == OVI_SUCCESS) {
+      EXPECT_NE(oviWaitForEvent(event, UINT64_MAX, &data), OVI_SUCCESS);
+    }
+  };
+  const auto start = [](std::uint64_t device, const Stream& /*stream*/) { oviStartAcquisition(device, 1); };
+  const auto stop = [](std::uint64_t device, const Stream& /*stream*/) { oviStopAcquisition(device); };
+  const auto kill = [](std::uint64_t /*device*/, const Stream& stream) { oviEventKill(stream.event); };
+  const auto unregister = [](std::uint64_t /*device*/, const Stream& stream) { oviUnregisterEvent(stream.event); };
+  const auto count = [](std::uint64_t /*device*/, const Stream& stream) {
+    oviAcquistionStatistics statistics{};
+    oviGetAcquisitionStatistics(stream.handle, &statistics);
+  };
+  const auto reallocate = [](std::uint64_t device, const Stream& /*stream*/) { oviCheckAndReallocBuffers(device); };
+  const auto create = [](std::uint64_t device, const Stream& /*stream*/) {
+    std::uint64_t stream = 0;
+    oviCreateDataStream(device, 1, &stream, 2, 0);
+  };
+  const std::vector<End> all = {ofStream, ofCamera, ofLibrary};
+  const Case cases[] = {{"EventFlush", kill, {&WaitsTest::unregister, ofStream, ofCamera}},
+                        {"EventKill", kill, {&WaitsTest::unregister, ofStream, ofLibrary}},
+                        {"GCRegisterEvent", registerAndWait, all},
+                        {"GCRegisterEvent", registerOnDevice, {ofCamera, ofLibrary}},
+                        {"GCUnregisterEvent", unregister, all},
+                        {"DSStartAcquisition", start, all},
+                        {"DSStopAcquisition", stop, all},
+                        {"DSFlushQueue", stop, all},
+                        {"DSGetInfo", count, all},
+                        {"DSGetInfo", reallocate, all},
+                        {"DSAllocAndAnnounceBuffer", reallocate, all},
+                        {"DevOpenDataStream", create, {ofCamera, ofLibrary}}};
+  for (const Case& each : cases) {
+    for (const End end : each.ends) {
+      SCOPED_TRACE(each.function);
+      const Stream stream = openStream();
+      script().setRegister(kPayloadSize, script().getRegister(kPayloadSize) + 1);
+      script().hold(each.function);
+      std::thread caller(each.call, device(), stream);
+      while (!script().holds()) {
+        std::this_thread::yield();
+      }
+      // Whoever closes has time enough to do so, were the call in nobody's way.
+      std::thread closer([&] { (this->*end)(stream); });
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      script().hold("");
+      closer.join();
+      caller.join();
+      EXPECT_THAT(script().violations(), IsEmpty());
+      backToAnOpenDevice(end, stream);
     }
   }
 }
@@ -102,7 +179,7 @@ TEST_F(WaitsTest, NobodyIsKilledWhoDoesNotWait) {
 TEST_F(WaitsTest, AKillOfTheApplicationEndsTheNextWaitWhenAnImageCameFirst) {
   const Stream stream = openStream(0, 8);
   start();
-  script().holdBufferInfos(true);
+  script().hold("DSGetBufferInfo");
   std::vector<oviErr> results;
   std::thread waiter([&] {
     while (results.empty() || results.back() == OVI_SUCCESS) {
@@ -111,11 +188,11 @@ TEST_F(WaitsTest, AKillOfTheApplicationEndsTheNextWaitWhenAnImageCameFirst) {
     }
   });
   script().deliver(0, {});
-  while (script().held() == 0) {
+  while (!script().holds()) {
     std::this_thread::yield();
   }
   kill(stream);  // the waiter has its image already, and does not know yet
-  script().holdBufferInfos(false);
+  script().hold("");
   waiter.join();
   EXPECT_THAT(results, testing::ElementsAre(OVI_SUCCESS, OVI_ERR_ABORTED));
 }

@@ -1,7 +1,6 @@
 // The manual camera: the GenTL functions that acquisition needs, and nothing that acts by itself.
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -11,7 +10,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -149,14 +147,13 @@ class Producer final : public Script {
     const std::lock_guard lock(mutex);
     return std::exchange(calls_, {});
   }
-  void holdBufferInfos(bool hold) override { holdsInfos_ = hold; }
-  unsigned held() override { return held_; }
-  void answerWhenLetGo() {
-    ++held_;
-    while (holdsInfos_) {
-      std::this_thread::yield();
-    }
-    --held_;
+  void hold(const std::string& function) override {
+    locked([&] { toHold_ = function; });
+    letGo_.notify_all();
+  }
+  bool holds() override {
+    const std::lock_guard lock(mutex);
+    return holds_;
   }
   unsigned waiting() override {
     const std::lock_guard lock(mutex);
@@ -174,8 +171,12 @@ class Producer final : public Script {
     return violations_;
   }
 
-  /** The failure that is ordered for the call, or success. The lock is held. */
-  GC_ERROR ordered(const char* function) {
+  /** The failure that is ordered for the call, or success. The lock is held, but for as long as the call is. */
+  GC_ERROR ordered(std::unique_lock<std::mutex>& lock, const char* function) {
+    if (toHold_ == function && !std::exchange(holds_, true)) {
+      letGo_.wait(lock, [&] { return toHold_.empty(); });
+      holds_ = false;
+    }
     const auto found = failures_.find(function);
     if (found == failures_.end() || found->second.times == 0) {
       return GC_ERR_SUCCESS;
@@ -189,6 +190,7 @@ class Producer final : public Script {
     }
     return found->second.code;
   }
+  bool holdsLocked() const { return holds_; }
   void call(const std::string& text) { calls_.push_back(text); }
   void violate(const std::string& text) { violations_.push_back(text); }
 
@@ -294,8 +296,9 @@ class Producer final : public Script {
   std::vector<std::string> calls_;
   std::vector<std::string> violations_;
   std::deque<Frame> playlist_;
-  std::atomic<bool> holdsInfos_{false};
-  std::atomic<unsigned> held_{0};
+  std::string toHold_;
+  bool holds_ = false;
+  std::condition_variable letGo_;
   std::map<std::uint32_t, std::uint32_t> registers_;
 };
 
@@ -360,8 +363,8 @@ Buffer* bufferOf(Stream& stream, BUFFER_HANDLE handle) {
 template<class Work>
 GC_ERROR run(const char* function, Work&& work) {
   Producer& p = producer();
-  const std::lock_guard lock(p.mutex);
-  const GC_ERROR ordered = p.ordered(function);
+  std::unique_lock lock(p.mutex);
+  const GC_ERROR ordered = p.ordered(lock, function);
   return ordered != GC_ERR_SUCCESS ? ordered : work(p);
 }
 
@@ -378,10 +381,15 @@ std::string named(const char* function, unsigned stream, std::int64_t argument) 
   return std::string(function) + "(" + std::to_string(stream) + "," + std::to_string(argument) + ")";
 }
 
-void endRegistration(Event& event, const char* what) {
-  if (event.waiters != 0) {
-    producer().violate(std::string(what) + " under a wait");
+/** What a consumer must not do while a call is under way, or a wait. */
+void closes(const char* what, bool isWaitedFor) {
+  if (isWaitedFor || producer().holdsLocked()) {
+    producer().violate(std::string(what) + (isWaitedFor ? " under a wait" : " under a call"));
   }
+}
+
+void endRegistration(Event& event, const char* what) {
+  closes(what, event.waiters != 0);
   event.isRegistered = false;
   event.queue.clear();
   event.kills = 0;
@@ -507,7 +515,7 @@ GC_ERROR GCUnregisterEvent(EVENTSRC_HANDLE module, EVENT_TYPE type) {
 GC_ERROR EventGetData(EVENT_HANDLE handle, void* buf, size_t* size, uint64_t timeoutMs) {
   Producer& p = producer();
   std::unique_lock lock(p.mutex);
-  const GC_ERROR ordered = p.ordered("EventGetData");
+  const GC_ERROR ordered = p.ordered(lock, "EventGetData");
   if (ordered != GC_ERR_SUCCESS) {
     return ordered;
   }
@@ -806,7 +814,6 @@ GC_ERROR DSGetInfo(DS_HANDLE ds, STREAM_INFO_CMD cmd, INFO_DATATYPE* type, void*
 }
 GC_ERROR DSGetBufferInfo(DS_HANDLE ds, BUFFER_HANDLE handle, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type, void* buf,
                          size_t* size) {
-  producer().answerWhenLetGo();
   return runStream("DSGetBufferInfo", ds, [&](Producer& p, Stream& stream) -> GC_ERROR {
     const Buffer* buffer = bufferOf(stream, handle);
     if (buffer == nullptr) {

@@ -69,10 +69,10 @@ class Script {
   /** A buffer info or a stream info always answers this code; 0 withdraws it. */
   virtual void failBufferInfo(BUFFER_INFO_CMD command, GC_ERROR code) = 0;
   virtual void failStreamInfo(STREAM_INFO_CMD command, GC_ERROR code) = 0;
-  /** Questions about buffers are not answered before they are let go on. */
-  virtual void holdBufferInfos(bool hold) = 0;
-  /** Threads whose question is held. */
-  virtual unsigned held() = 0;
+  /** The next call of the function does not begin before it is let go, with "". */
+  virtual void hold(const std::string& function) = 0;
+  /** Whether a call is held. */
+  virtual bool holds() = 0;
 
   virtual std::uint32_t getRegister(std::uint32_t address) = 0;
   virtual void setRegister(std::uint32_t address, std::uint32_t value) = 0;
@@ -86,7 +86,7 @@ class Script {
   virtual std::vector<std::string> takeCalls() = 0;
   /** Threads inside EventGetData. */
   virtual unsigned waiting() = 0;
-  /** What a consumer must not do: calls on closed modules, closing under a wait. */
+  /** What a consumer must not do: calls on closed modules, closing under a wait or under a call that is held. */
   virtual std::vector<std::string> violations() = 0;
 
  protected:

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 
+#include "core/hold.h"
 #include "gentl/export_table.h"
 #include "gentl/feature_list_place.h"
 #include "gentl/port.h"
@@ -40,6 +41,23 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   BaseModule(const BaseModule&) = delete;
   BaseModule& operator=(const BaseModule&) = delete;
   virtual ~BaseModule();
+
+  /**
+   * A thread's use of the module for one of the calls that applications make while others close it. Whoever closes a
+   * device or a stream waits for the end of all uses first.
+   */
+  class Use {
+   public:
+    /** @throws ClosedException when the module is being closed already */
+    explicit Use(const BaseModule& module);
+
+   private:
+    OVI::Hold inside_;
+  };
+  /** The same without an exception. @return whether the use may begin; it lasts as long as the hold */
+  bool beginUse(OVI::Hold& inside) const noexcept { return uses_.enter(inside); }
+  /** No use begins any more. @return whether those that were under way were over in time */
+  bool shutUses() noexcept;
 
   /** Closes the module and drops its feature list and port. @return the producer's status, not checked */
   virtual GC_ERROR close();
@@ -96,6 +114,7 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
 
  private:
   std::atomic<void*> handle_;
+  OVI::UseGate uses_;
 };
 
 }  // namespace GenTLCpp

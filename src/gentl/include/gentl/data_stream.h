@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 
-#include "core/hold.h"
 #include "gentl/buffer_table.h"
 #include "gentl/device.h"
 #include "gentl/open_module.h"
@@ -42,29 +41,15 @@ class DataStream final : public OpenModule<Device, DSFunctions, &DSFunctions::DS
  public:
   static constexpr int kModuleType = kDataStreamModule;
 
-  DataStream(const std::shared_ptr<Device>& device, LibraryHandle library, DS_HANDLE handle);
+  DataStream(const std::shared_ptr<Device>& device, LibraryHandle library, DS_HANDLE handle, std::string id);
   ~DataStream() override;
 
   int moduleType() const override { return kModuleType; }
+  /** The ID that it was opened by. */
+  const std::string& id() const noexcept { return id_; }
   GC_ERROR closeModule() override;
   /** As the device does: the entry points are the producer's. */
   LibraryHandle getLibraryHandle() const override { return getParent()->getLibraryHandle(); }
-
-  /**
-   * A thread's use of the stream for one of the calls that applications make while others close it. Whoever closes the
-   * stream waits for the end of all uses first.
-   *
-   * @throws ClosedException when that has happened already
-   */
-  class Use {
-   public:
-    explicit Use(const DataStream& stream);
-
-   private:
-    OVI::Hold inside_;
-  };
-  /** No use begins any more, and those that were under way are over. */
-  void shutUses() noexcept;
 
   /** A buffer in the producer's memory, not queued; empty when the producer succeeds without one. Checked. */
   std::shared_ptr<Buffer> allocAndAnnounceBuffer(std::size_t size, void* userData);
@@ -104,7 +89,7 @@ class DataStream final : public OpenModule<Device, DSFunctions, &DSFunctions::DS
   }
 
  private:
-  OVI::UseGate uses_;
+  const std::string id_;
   BufferTable buffers_;
 
   template<class T>

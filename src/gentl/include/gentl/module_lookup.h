@@ -60,8 +60,10 @@ std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& modul
 
 /** Ends the waits for filled buffers that are under way on a stream, and returns when they are over. */
 void endStreamWaits(std::uint64_t streamHandle);
-/** Ends the waits for events of all kinds on a stream and the uses of the stream, and none begins any more; for whoever
- * closes it. */
+/** Ends the waits for one event, and no other starts; for whoever unregisters it. */
+void shutWaits(GenTLCpp::Event& event);
+/** Ends the uses of a stream and the waits for events of all kinds on it, and none begins any more; for whoever closes
+ * it. */
 void shutStreamWaits(std::uint64_t streamHandle);
 /** The same on a device and all its streams; for whoever closes it. */
 void endDeviceWaits(std::uint64_t deviceHandle);
