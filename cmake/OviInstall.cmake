@@ -53,13 +53,12 @@ function(ovi_install)
 
   if(TARGET ovi-tool)
     install(TARGETS ovi-tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
-    file(GLOB pages CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tools/ovi/man/*.1")
-    install(FILES ${pages} DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
-    if(EXISTS "${CMAKE_SOURCE_DIR}/tools/ovi/completion/ovi.bash")
+    if(OVI_MAN_PAGE)
+      install(FILES "${OVI_MAN_PAGE}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+    endif()
+    if(UNIX)
       install(FILES tools/ovi/completion/ovi.bash DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
         RENAME ovi COMPONENT tools)
-    endif()
-    if(EXISTS "${CMAKE_SOURCE_DIR}/tools/ovi/completion/_ovi")
       # Debian keeps its own packages' functions apart.
       set(zsh_dir site-functions)
       if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -54,3 +54,15 @@ GC_ERROR GC_CALLTYPE GCInitLib(void) {
     oviVirtualHostility()->busyCommands(nullptr, 5);
   return code;
 }
+
+// Other programs, which the virtual camera knows nothing of, may hold its cameras.
+GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE interface, const char* device, DEVICE_INFO_CMD command,
+                                     INFO_DATATYPE* type, void* buffer, size_t* size) {
+  const auto real = reinterpret_cast<PIFGetDeviceInfo>(dlsym(RTLD_NEXT, "IFGetDeviceInfo"));
+  const GC_ERROR code = real(interface, device, command, type, buffer, size);
+  const char* const text = std::getenv("OVI_TEST_ORDER");
+  if (text != nullptr && std::string(text).rfind("access ", 0) == 0 && command == DEVICE_INFO_ACCESS_STATUS &&
+      code == GC_ERR_SUCCESS && buffer != nullptr)
+    *static_cast<std::int32_t*>(buffer) = std::stoi(text + 7);
+  return code;
+}

@@ -192,14 +192,5 @@ TEST(Images, ThatDoNotComeAreExplained) {
   }
 }
 
-#ifndef _WIN32
-TEST(Images, StopAtAnInterruptWithTheCameraClosed) {
-  freshFolder("pictures");
-  const Outcome run = oviInterrupted(words("stream --camera Mono --save pictures --format raw"));
-  EXPECT_EQ(run.code, 130);
-  EXPECT_THAT(run.err, AllOf(HasSubstr("interrupted"), HasSubstr("every image arrived whole")));
-}
-#endif
-
 }  // namespace
 }  // namespace tool_test

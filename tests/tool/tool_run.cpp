@@ -67,11 +67,16 @@ void setVariable(const char* name, const std::string& value) {
 
 #endif
 
-std::string commandLine(const std::vector<std::string>& arguments) {
-  std::string line = quoted(std::filesystem::path(OVI_PROGRAM).make_preferred().string());
-  for (const std::string& argument : arguments)
-    line += " " + quoted(argument);
-  return line + " >" + kOut + " 2>" + kErr;
+std::string commandLine(const std::vector<std::string>& words) {
+  std::string line;
+  for (const std::string& word : words)
+    line += quoted(word) + " ";
+  return line + ">" + kOut + " 2>" + kErr;
+}
+
+std::string oviCommand(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), std::filesystem::path(OVI_PROGRAM).make_preferred().string());
+  return commandLine(arguments);
 }
 
 std::string printed(const char* file) {
@@ -91,14 +96,18 @@ Outcome finish(const std::string& command) {
 }  // namespace
 
 Outcome ovi(const std::vector<std::string>& arguments) {
-  return finish(wholeLine(commandLine(arguments)));
+  return finish(wholeLine(oviCommand(arguments)));
 }
 
 #ifndef _WIN32
-Outcome oviInterrupted(const std::vector<std::string>& arguments) {
-  return finish("rm -f " + std::string(kOut) + "; " + commandLine(arguments) +
-                " & child=$!; while kill -0 $child && [ ! -s " + kOut +
-                " ]; do sleep 0.02; done; kill -INT $child; wait $child");
+Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
+  const std::string files = std::string(kOut) + " " + kErr;
+  return finish("rm -f " + files + "; " + oviCommand(arguments) + " & child=$!; while kill -0 $child && ! grep -qs " +
+                quoted(text) + " " + files + "; do sleep 0.02; done; kill -INT $child; wait $child");
+}
+
+Outcome shell(const std::vector<std::string>& words) {
+  return finish(commandLine(words));
 }
 #endif
 

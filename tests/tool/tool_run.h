@@ -18,8 +18,11 @@ struct Outcome {
 /// Runs the tool in the current folder with these arguments.
 Outcome ovi(const std::vector<std::string>& arguments);
 
-/// Runs it, and sends it an interrupt as soon as it has written to standard output. Not on Windows.
-Outcome oviInterrupted(const std::vector<std::string>& arguments);
+/// Runs it, and sends it an interrupt as soon as it has written this text to either output. Not on Windows.
+Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text);
+
+/// Runs another program. Not on Windows.
+Outcome shell(const std::vector<std::string>& words);
 
 /// Sets an environment variable for the runs that follow, and puts it back in the end.
 class Environment {

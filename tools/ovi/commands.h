@@ -14,6 +14,9 @@ using Action = std::function<void(Session&)>;
 /// Adds a command to the command line, with its options; `action` is what it does when chosen.
 using AddCommand = void (*)(CLI::App& app, CommonOptions& common, Action& action);
 
+/// What is there, and what to type next: what the tool does without a command.
+void showOverview(Session& session);
+
 void addList(CLI::App& app, CommonOptions& common, Action& action);
 void addInfo(CLI::App& app, CommonOptions& common, Action& action);
 void addFeatures(CLI::App& app, CommonOptions& common, Action& action);
@@ -33,7 +36,11 @@ void addDoctor(CLI::App& app, CommonOptions& common, Action& action);
 void addXml(CLI::App& app, CommonOptions& common, Action& action);
 void addCheck(CLI::App& app, CommonOptions& common, Action& action);
 void addComplete(CLI::App& app, CommonOptions& common, Action& action);
+void addMan(CLI::App& app, CommonOptions& common, Action& action);
 void addProbe(CLI::App& app, CommonOptions& common, Action& action);
+
+/// The groups of rules of ovi check.
+std::vector<std::string> checkGroupNames();
 
 /// The option that names the camera, for commands that work on one.
 void addCameraOption(CLI::App& command, CommonOptions& common);

@@ -27,13 +27,18 @@ constexpr std::array kModules = {ModuleName{"device", ovi::Module::kRemoteDevice
 
 }  // namespace
 
+std::vector<std::string> moduleNames() {
+  std::vector<std::string> names;
+  for (const ModuleName& name : kModules)
+    names.emplace_back(name.text);
+  return names;
+}
+
 ovi::Module moduleFromText(const std::string& text) {
   for (const ModuleName& name : kModules)
     if (equalsIgnoringCase(text, name.text))
       return name.module;
-  std::vector<std::string> names;
-  for (const ModuleName& name : kModules)
-    names.emplace_back(name.text);
+  const std::vector<std::string> names = moduleNames();
   const std::string nearest = nearestMatch(text, names);
   throw ToolError("there is no module \"" + text + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?"),
                   "--module with one of " + join(names, ", "), ExitCode::kUsage);

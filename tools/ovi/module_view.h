@@ -11,6 +11,7 @@ namespace tool {
 
 /// Module by its name on the command line: device, local, interface, system, stream. Throws ToolError.
 ovi::Module moduleFromText(const std::string& text);
+std::vector<std::string> moduleNames();
 
 /// Opens the camera that is meant, and its stream when that is the module. Features are asked of handle() with
 /// module().

@@ -2,9 +2,6 @@
 #include "session.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <csignal>
 
 #include "paths.h"
 #include "platform/console.h"
@@ -18,18 +15,6 @@ namespace {
 
 constexpr const char* kVirtualProducer = "VirtualCamera.cti";
 constexpr std::size_t kMaxMessages = 200;
-
-// Written by the handler, read by the threads that take images.
-std::atomic<bool> interruptFlag{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-// The first one lets the command stop the camera and close everything; a second one ends the process as usual.
-void onInterrupt(int signal) {
-  const int error = errno;
-  interruptFlag = true;
-  std::signal(signal, SIG_DFL);
-  errno = error;
-}
 
 // As a shell would need it.
 std::string quoted(const std::string& word) {
@@ -45,18 +30,6 @@ std::vector<std::filesystem::path> virtualCameraFolders() {
 bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
   std::error_code error;
   return std::filesystem::equivalent(a, b, error) && !error;
-}
-
-std::vector<std::string> split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::size_t start = 0;
-  while (start <= text.size()) {
-    const std::size_t end = std::min(text.find(separator, start), text.size());
-    if (end > start)
-      parts.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return parts;
 }
 
 Camera describe(const ovi::DeviceInfo& info, std::size_t number) {
@@ -89,15 +62,6 @@ std::string cameraLines(const std::vector<const Camera*>& cameras) {
 }
 
 }  // namespace
-
-bool interrupted() {
-  return interruptFlag;
-}
-
-void catchInterrupt() {
-  std::signal(SIGINT, onInterrupt);
-  std::signal(SIGTERM, onInterrupt);
-}
 
 std::string Camera::shortName() const {
   if (!serial.empty())
@@ -154,7 +118,7 @@ std::string Session::searchPath() const {
     return pathText(std::filesystem::is_directory(file, error) ? file : file.parent_path());
   }
   // The environment's folders are searched anyway; the virtual camera joins them unless it is there already.
-  const std::vector<std::string> known = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparator());
+  const std::vector<std::string> known = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparators());
   for (const std::filesystem::path& folder : virtualCameraFolders()) {
     std::error_code error;
     if (!std::filesystem::exists(folder / kVirtualProducer, error))
@@ -294,7 +258,7 @@ std::vector<std::string> Session::producers() {
 std::vector<std::string> Session::folders() const {
   std::vector<std::string> folders;
   if (options_.producer.empty())
-    folders = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparator());
+    folders = split(environmentVariable("GENICAM_GENTL64_PATH"), searchPathSeparators());
   if (const std::string own = searchPath(); !own.empty())
     folders.push_back(own);
   return folders;

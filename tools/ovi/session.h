@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "interrupt.h"
 #include "ovi/ovi.hpp"
 
 namespace tool {
@@ -97,11 +98,5 @@ class Session {
   std::unique_ptr<ovi::Library> library_;
   std::optional<std::vector<Camera>> cameras_;
 };
-
-/// True after the user pressed Ctrl-C.
-bool interrupted();
-
-/// Makes Ctrl-C set the flag that interrupted() tells, instead of ending the process.
-void catchInterrupt();
 
 }  // namespace tool

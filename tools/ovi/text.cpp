@@ -109,6 +109,17 @@ std::string fixedText(double value, int decimals) {
   return {text.data(), end.ptr};
 }
 
+std::vector<std::string> split(std::string_view text, std::string_view separators) {
+  std::vector<std::string> parts;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find_first_of(separators, start), text.size());
+    if (end > start)
+      parts.emplace_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
 std::string join(const std::vector<std::string>& parts, std::string_view separator) {
   std::string text;
   for (const std::string& part : parts) {

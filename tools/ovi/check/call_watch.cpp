@@ -3,7 +3,6 @@
 #include "check/call_watch.h"
 
 #include <array>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -16,9 +15,6 @@ namespace tool::check {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// Longer than any time-out that the check asks for.
-constexpr std::chrono::seconds kLimit{8};
 
 struct Call {
   const char* function;
@@ -61,15 +57,15 @@ WatchedCall::~WatchedCall() {
   currentFunction = nullptr;
 }
 
-void watchCalls(std::function<void(const std::string& function)> hung) {
+void watchCalls(std::chrono::milliseconds limit, std::function<void(const std::string& function)> hung) {
   for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL})
     std::signal(signal, onCrash);
-  std::thread([hung = std::move(hung)] {
+  std::thread([limit, hung = std::move(hung)] {
     for (;;) {
       std::this_thread::sleep_for(std::chrono::milliseconds(200));
       const std::lock_guard lock(calls().mutex);
       for (const Call& call : calls().running) {
-        if (Clock::now() - call.start < kLimit)
+        if (Clock::now() - call.start < limit)
           continue;
         hung(call.function);
         std::_Exit(EXIT_FAILURE);

@@ -2,6 +2,7 @@
 // back.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -16,8 +17,9 @@ class WatchedCall {
   WatchedCall& operator=(const WatchedCall&) = delete;
 };
 
-/// Starts the watch. `hung` is told the function that did not come back in time; then the process ends.
+/// Starts the watch. `hung` is told the function that did not come back within the limit; then the process ends. The
+/// limit must be longer than any time-out that functions are given.
 /// A crash leaves "crashed in FUNCTION" on standard error before it takes its course.
-void watchCalls(std::function<void(const std::string& function)> hung);
+void watchCalls(std::chrono::milliseconds limit, std::function<void(const std::string& function)> hung);
 
 }  // namespace tool::check

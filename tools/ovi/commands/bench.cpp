@@ -113,8 +113,7 @@ void bench(Session& session, const BenchOptions& options) {
   const ovi::Device& device = view.device();
   Measurement m = measure(device, options);
   if (m.images == 0) {
-    if (interrupted())
-      throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+    throwIfInterrupted();
     const std::string trigger = triggerText(device);
     throw ToolError("no image came" + (trigger.empty() ? "" : ": the camera waits for a trigger, " + trigger),
                     session.command(trigger.empty() ? "features Acquisition" : "set TriggerMode=Off"));
@@ -147,8 +146,7 @@ void bench(Session& session, const BenchOptions& options) {
     printData("processor time:   " + fixedText(m.processorSeconds * 1e6 / static_cast<double>(m.images), 1) +
               " us an image in this process, the producer's threads included");
   }
-  if (interrupted())
-    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+  throwIfInterrupted();
 }
 
 }  // namespace
@@ -156,8 +154,8 @@ void bench(Session& session, const BenchOptions& options) {
 void addBench(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("bench", "Measure how fast this machine takes images from this camera");
   auto options = std::make_shared<BenchOptions>();
-  command->add_option("-s,--seconds", options->seconds, "How long; 5 when not given");
-  command->add_option("--buffers", options->buffers, "Buffers of the stream");
+  command->add_option("-s,--seconds", options->seconds, "How long; 5 when not given")->type_name("SECONDS");
+  command->add_option("--buffers", options->buffers, "Buffers of the stream")->type_name("N");
   command->add_flag("--touch", options->touch, "Read every byte of every image");
   addCameraOption(*command, common);
   command->footer("Examples:\n  ovi bench\n  ovi bench --seconds 10 --touch --json");

@@ -22,6 +22,8 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::chrono::seconds kGroupTime{90};
+// Longer than any time-out that the rules ask for.
+constexpr std::chrono::seconds kCallTime{8};
 
 constexpr std::array kGroups = {check::Group{"exports", "Exports", check::checkExports},
                                 check::Group{"life", "Life cycle", check::checkLifeCycle},
@@ -54,8 +56,10 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
     printData(line.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
   };
   std::string current;
-  check::watchCalls([&](const std::string& function) {
-    print({{"rule", current}, {"result", "fail"}, {"seen", function + " did not come back within 8 s"}});
+  check::watchCalls(kCallTime, [&](const std::string& function) {
+    print({{"rule", current},
+           {"result", "fail"},
+           {"seen", function + " did not come back within " + std::to_string(kCallTime.count()) + " s"}});
   });
   // Never unloaded: a broken producer may have threads that still run.
   static const DynamicLibrary* const library = new DynamicLibrary(pathFromText(options.producer));
@@ -125,17 +129,37 @@ void printLine(const ordered_json& line) {
                           : "\n        " + seen));
 }
 
-void runAll(const Session& session, const CheckOptions& options) {
+// The producers on the search path, for whoever does not know the path of his own.
+std::vector<std::string> knownProducers(const Session& session) {
+  std::vector<std::string> files;
   std::error_code error;
-  if (!std::filesystem::is_regular_file(pathFromText(options.producer), error))
-    throw ToolError("there is no producer " + options.producer, "give the path of a .cti file", ExitCode::kUsage);
+  for (const std::string& folder : session.folders())
+    for (const auto& entry : std::filesystem::directory_iterator(pathFromText(folder), error))
+      if (entry.path().extension() == ".cti")
+        files.push_back(pathText(entry.path()));
+  return files;
+}
+
+void requireProducer(const Session& session, const std::string& producer) {
+  std::error_code error;
+  if (std::filesystem::is_regular_file(pathFromText(producer), error))
+    return;
+  const std::vector<std::string> known = knownProducers(session);
+  throw ToolError((producer.empty() ? "no producer was named" : "there is no producer " + producer) +
+                      (known.empty() ? "" : "; on the search path are:\n  " + join(known, "\n  ")),
+                  "ovi check " + (known.empty() ? "FILE.cti" : known.front()), ExitCode::kUsage);
+}
+
+void runAll(const Session& session, CheckOptions options) {
+  if (options.producer.empty())
+    options.producer = session.options().producer;
+  requireProducer(session, options.producer);
   const bool json = session.options().json;
   Totals totals;
   ordered_json all = ordered_json::array();
   ProgressLine progress;
   for (const check::Group& group : kGroups) {
-    if (interrupted())
-      throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+    throwIfInterrupted();
     if (!options.only.empty() && std::ranges::find(options.only, group.name) == options.only.end())
       continue;
     progress.show(-1.0, group.title, true);
@@ -181,13 +205,18 @@ void runAll(const Session& session, const CheckOptions& options) {
 
 }  // namespace
 
-void addCheck(CLI::App& app, CommonOptions& common, Action& action) {
-  CLI::App* command = app.add_subcommand("check", "Hold a producer against the rules of GenTL");
-  auto options = std::make_shared<CheckOptions>();
-  command->add_option("PRODUCER", options->producer, "The producer's file")->required();
+std::vector<std::string> checkGroupNames() {
   std::vector<std::string> names;
   for (const check::Group& group : kGroups)
     names.emplace_back(group.name);
+  return names;
+}
+
+void addCheck(CLI::App& app, CommonOptions& common, Action& action) {
+  CLI::App* command = app.add_subcommand("check", "Hold a producer against the rules of GenTL");
+  auto options = std::make_shared<CheckOptions>();
+  command->add_option("PRODUCER", options->producer, "The producer's file; --producer names it too");
+  const std::vector<std::string> names = checkGroupNames();
   command->add_option("--only", options->only, "Only these groups: " + join(names, ", "))
       ->type_name("GROUP")
       ->check(CLI::IsMember(names))

@@ -43,8 +43,7 @@ void grab(Session& session, const std::string& output) {
   };
   const Ledger ledger = acquire(device, options, reports);
   if (ledger.delivered == 0) {
-    if (interrupted())
-      throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+    throwIfInterrupted();
     const std::string trigger = triggerText(device);
     throw ToolError(
         "no image came within 3 seconds" + (trigger.empty() ? "" : ": the camera waits for a trigger, " + trigger),

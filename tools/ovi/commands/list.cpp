@@ -1,7 +1,9 @@
 // ovi list: the cameras that there are.
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "commands.h"
+#include "platform/console.h"
 #include "terminal.h"
 #include "tool_error.h"
 
@@ -28,17 +30,21 @@ nlohmann::ordered_json cameraJson(const Camera& camera) {
   return json;
 }
 
+nlohmann::ordered_json camerasJson(const std::vector<Camera>& cameras) {
+  nlohmann::ordered_json json = nlohmann::ordered_json::array();
+  for (const Camera& camera : cameras)
+    json.push_back(cameraJson(camera));
+  return json;
+}
+
 void list(Session& session) {
   const std::vector<Camera>& cameras = session.cameras();
-  if (session.options().json) {
-    nlohmann::ordered_json json = nlohmann::ordered_json::array();
-    for (const Camera& camera : cameras)
-      json.push_back(cameraJson(camera));
-    printData(json.dump(2));
-    return;
-  }
+  if (session.options().json)
+    printData(camerasJson(cameras).dump(2));
   if (cameras.empty())
     throw ToolError("no camera was found\n" + session.explainNoCameras(), session.command("doctor", {}));
+  if (session.options().json)
+    return;
   Table table({"#", "model", "serial", "name", "type", "interface", "state"});
   for (const Camera& camera : cameras)
     table.add({std::to_string(camera.number), camera.model, camera.serial, camera.userName, camera.tlType,
@@ -72,6 +78,31 @@ void info(Session& session, const std::string& name) {
 }
 
 }  // namespace
+
+void showOverview(Session& session) {
+  const std::vector<Camera>& cameras = session.cameras();
+  if (session.options().json) {
+    printData(nlohmann::ordered_json{{"version", ovi::Library::version()}, {"cameras", camerasJson(cameras)}}.dump(2));
+    return;
+  }
+  const bool terminal = standardOutputIsTerminal();
+  printData(coloured("ovi " + ovi::Library::version(), Colour::kBold, terminal) + ", cameras for machine vision");
+  if (cameras.empty()) {
+    printData("\nNo camera was found.\n" + session.explainNoCameras());
+    printData("\nNext: " + session.command("doctor") + ", ovi --help");
+    return;
+  }
+  const auto real = std::count_if(cameras.begin(), cameras.end(), [](const Camera& c) { return !c.isVirtual; });
+  printData("\n" + std::to_string(cameras.size()) + " camera" + (cameras.size() == 1 ? "" : "s") + ", " +
+            std::to_string(real) + " real and " + std::to_string(cameras.size() - static_cast<std::size_t>(real)) +
+            " virtual.");
+  const auto first =
+      std::find_if(cameras.begin(), cameras.end(), [&](const Camera& c) { return real == 0 || !c.isVirtual; });
+  const std::string name = cameras.size() == 1 ? "" : first->shortName();
+  printData("\nNext:\n  " + session.command("list") + "\n  " + session.command("grab -o first.png", name) + "\n  " +
+            session.command("stream --frames 100", name) + "\n  " + session.command("features", name) +
+            "\n  ovi --help");
+}
 
 void addList(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   CLI::App* command = app.add_subcommand("list", "Show the cameras that there are");

@@ -70,11 +70,13 @@ void read(Session& session, const MemoryOptions& options) {
     if (reversed)
       std::reverse(first, first + static_cast<std::ptrdiff_t>(part));
   }
-  if (interrupted())
-    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+  throwIfInterrupted();
   if (!options.output.empty()) {
     writeRaw(bytes, pathFromText(options.output));
-    printNote("wrote " + std::to_string(bytes.size()) + " bytes to " + options.output);
+    if (session.options().json)
+      printData(nlohmann::ordered_json{{"address", address}, {"length", length}, {"file", options.output}}.dump(2));
+    else
+      printNote("wrote " + std::to_string(bytes.size()) + " bytes to " + options.output);
     return;
   }
   if (session.options().json) {
@@ -113,7 +115,10 @@ void write(Session& session, const MemoryOptions& options) {
   } catch (const ovi::Error& error) {
     fail(session, "writing " + std::to_string(bytes->size()) + " bytes at " + hexNumber(address), error);
   }
-  printNote("wrote " + std::to_string(bytes->size()) + " bytes at " + hexNumber(address));
+  if (session.options().json)
+    printData(nlohmann::ordered_json{{"address", address}, {"length", bytes->size()}}.dump(2));
+  else
+    printNote("wrote " + std::to_string(bytes->size()) + " bytes at " + hexNumber(address));
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-// ovi probe: asks one producer about itself. Run by ovi doctor in a process of its own, which a broken producer may
-// take down.
+// ovi probe: asks one producer about itself and its cameras. Run by ovi doctor in a process of its own, which a broken
+// producer may take down.
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "commands.h"
+#include "doctor/producer_probe.h"
+#include "paths.h"
 #include "platform/console.h"
 #include "terminal.h"
 
@@ -11,16 +12,26 @@ namespace tool {
 
 namespace {
 
-void probe(Session& session, const std::string& path) {
+void tellLine(const nlohmann::ordered_json& line) {
+  printData(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
+// What the library demands of the machine before it loads a producer of this name. Nothing is loaded: there is no file
+// below a file.
+bool isRefused(const std::string& path) {
+  const std::filesystem::path file = pathFromText(path);
   const auto info = std::make_unique<oviTLProducerInfos>();
-  const oviErr code = oviGetTLProducerInfobyFilePath(info.get(), toLibraryText(path).c_str());
-  nlohmann::ordered_json json;
-  json["loads"] = code == OVI_SUCCESS;
-  json["result"] = code == OVI_SUCCESS ? "Success" : ovi::makeErrorCode(code).message();
-  json["name"] = fromLibraryText(info->name);
-  json["displayName"] = fromLibraryText(info->displayName);
-  json["messages"] = session.takeMessages();
-  printData(json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+  const oviErr code =
+      oviGetTLProducerInfobyFilePath(info.get(), toLibraryText(pathText(file / file.filename())).c_str());
+  if (code != OVI_ERR_HYPERVISOR_NOT_DISABLED && code != OVI_ERR_NO_KITHARA_PROCESSORS)
+    return false;
+  tellLine({{"is", "refused"}, {"reason", ovi::makeErrorCode(code).message()}});
+  return true;
+}
+
+void probe(Session& session, const std::string& path) {
+  if (!isRefused(path))
+    probeProducer(pathFromText(path), std::chrono::milliseconds(session.options().timeout), tellLine);
 }
 
 }  // namespace

@@ -84,8 +84,7 @@ void scan(Session& session, const ScanOptions& options) {
   } else {
     printNote(scan.text() + " in " + fixedText(seconds, 2) + " s");
   }
-  if (interrupted())
-    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+  throwIfInterrupted();
   if (code != OVI_SUCCESS) {
     const std::vector<std::string> messages = session.takeMessages();
     throw ToolError("the scan ended early: " + ovi::makeErrorCode(code).message() +
@@ -104,8 +103,8 @@ void scan(Session& session, const ScanOptions& options) {
 void addScan(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("scan", "Take images through the library's blocking scan");
   auto options = std::make_shared<ScanOptions>();
-  command->add_option("-n,--images", options->images, "So many images");
-  command->add_option("--minutes", options->minutes, "For so long");
+  command->add_option("-n,--images", options->images, "So many images")->type_name("N");
+  command->add_option("--minutes", options->minutes, "For so long")->type_name("MINUTES");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
   addCameraOption(*command, common);
   command->footer("Examples:\n  ovi scan --images 100\n  ovi scan --minutes 10 --check-pattern");

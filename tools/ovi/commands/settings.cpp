@@ -29,10 +29,33 @@ std::vector<Setting> settingsOf(const std::string& path) {
   return parseSettings(text.str(), path);
 }
 
+nlohmann::ordered_json settingJson(const Setting& setting, const char* value) {
+  nlohmann::ordered_json json;
+  json["feature"] = setting.feature;
+  for (const auto& [selector, position] : setting.selectors)
+    json["selectors"][selector] = position;
+  json[value] = setting.value;
+  return json;
+}
+
+nlohmann::ordered_json problemJson(const SettingProblem& problem, const char* wanted, const char* found) {
+  nlohmann::ordered_json json = settingJson(problem.setting, wanted);
+  json[found] = problem.reason;
+  return json;
+}
+
 void save(Session& session, const SettingsOptions& options) {
   const ModuleView view(session, "device", Use::kControl);
   std::vector<std::string> notes;
   const std::vector<Setting> settings = readSettings(view, notes);
+  const bool toOutput = options.path.empty() || options.path == "-";
+  if (toOutput && session.options().json) {
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    for (const Setting& setting : settings)
+      json.push_back(settingJson(setting, "value"));
+    printData(json.dump(2));
+    return;
+  }
   const Camera& camera = session.pick(session.options().camera);
   std::string text = "# Settings of " + camera.vendor + " " + camera.model + ", serial number " + camera.serial +
                      ", saved by ovi " + ovi::Library::version() + "\n" +
@@ -41,7 +64,7 @@ void save(Session& session, const SettingsOptions& options) {
     text += "# " + note + "\n";
   for (const Setting& setting : settings)
     text += settingLine(setting) + "\n";
-  if (options.path.empty() || options.path == "-") {
+  if (toOutput) {
     text.pop_back();
     printData(text);
     return;
@@ -51,16 +74,6 @@ void save(Session& session, const SettingsOptions& options) {
     printData(nlohmann::ordered_json{{"file", options.path}, {"settings", settings.size()}}.dump(2));
   else
     printNote("saved " + std::to_string(settings.size()) + " settings in " + options.path);
-}
-
-nlohmann::ordered_json problemJson(const SettingProblem& problem, const char* wanted, const char* found) {
-  nlohmann::ordered_json json;
-  json["feature"] = problem.setting.feature;
-  for (const auto& [selector, position] : problem.setting.selectors)
-    json["selectors"][selector] = position;
-  json[wanted] = problem.setting.value;
-  json[found] = problem.reason;
-  return json;
 }
 
 void load(Session& session, const SettingsOptions& options) {

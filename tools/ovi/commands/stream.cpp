@@ -225,8 +225,7 @@ void failForRuns(const Session& session, const StreamOptions& options, const std
     throw ToolError(text + ": the camera is waiting for a trigger (" + run->trigger() + ")",
                     session.command("set TriggerMode=Off", run->name()));
   }
-  if (interrupted())
-    throw ToolError("interrupted", {}, ExitCode::kInterrupted);
+  throwIfInterrupted();
   for (const auto& run : runs)
     if (run->ledger().badPattern > 0)
       throw ToolError(run->name() + ": " + std::to_string(run->ledger().badPattern) +
@@ -268,12 +267,15 @@ void stream(Session& session, const StreamOptions& options) {
 void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   CLI::App* command = app.add_subcommand("stream", "Take images, count what is lost, and save them if wanted");
   auto options = std::make_shared<StreamOptions>();
-  command->add_option("-n,--frames", options->acquisition.frames, "Number of images; without it until Ctrl-C");
-  command->add_option("-s,--seconds", options->acquisition.seconds, "For so long at most");
+  command->add_option("-n,--frames", options->acquisition.frames, "Number of images; without it until Ctrl-C")
+      ->type_name("N");
+  command->add_option("-s,--seconds", options->acquisition.seconds, "For so long at most")->type_name("SECONDS");
   command->add_option("--save", options->folder, "Folder to save every image in")->type_name("DIR");
   command->add_option("--format", options->format, "png, raw or none")->type_name("FORMAT");
-  command->add_option("--buffers", options->buffers, "Buffers of the stream; 16 when not given, more for saving");
-  command->add_option("--image-timeout", options->imageTimeout, "Milliseconds without an image that end it");
+  command->add_option("--buffers", options->buffers, "Buffers of the stream; 16 when not given, more for saving")
+      ->type_name("N");
+  command->add_option("--image-timeout", options->imageTimeout, "Milliseconds without an image that end it")
+      ->type_name("MS");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
   command
       ->add_option("-c,--camera", options->cameras,

@@ -13,10 +13,12 @@
 #endif
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 
+#include "interrupt.h"
 #include "paths.h"
 
 #ifndef _WIN32
@@ -94,10 +96,16 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
       Handle thread;
       process.value = info.hProcess;
       thread.value = info.hThread;
-      if (WaitForSingleObject(info.hProcess, static_cast<DWORD>(timeout.count())) == WAIT_TIMEOUT) {
-        result.timedOut = true;
+      constexpr DWORD kSlice = 50;  // ms
+      const auto end = std::chrono::steady_clock::now() + timeout;
+      while (WaitForSingleObject(info.hProcess, kSlice) == WAIT_TIMEOUT) {
+        result.stopped = interrupted();
+        result.timedOut = !result.stopped && std::chrono::steady_clock::now() >= end;
+        if (!result.stopped && !result.timedOut)
+          continue;
         TerminateProcess(info.hProcess, 1);
         WaitForSingleObject(info.hProcess, INFINITE);
+        break;
       }
       DWORD code = 0;
       GetExitCodeProcess(info.hProcess, &code);
@@ -147,32 +155,39 @@ struct Pipe {
   }
 };
 
-// Reads what there is; closes the end when there will be no more.
-void drain(int& end, std::string& text) {
-  std::array<char, 4096> part{};
-  const ssize_t size = ::read(end, part.data(), part.size());
+// Reads what there is; closes the end when there will be no more. @return whether there was something
+bool drain(int& end, std::string& text) {
+  std::array<char, 65536> part{};
+  const ssize_t size = end < 0 ? 0 : ::read(end, part.data(), part.size());
   if (size > 0)
     text.append(part.data(), static_cast<std::size_t>(size));
-  else
+  else if (size == 0 || (errno != EAGAIN && errno != EINTR))
     Pipe::closeEnd(end);
+  return size > 0;
 }
 
-void readUntilEnd(Pipe& output, Pipe& messages, std::chrono::milliseconds timeout, pid_t child, ChildResult& result) {
+// Until the child ends, which its pipes do not tell: what it started itself may hold them open.
+int waitForEnd(Pipe& output, Pipe& messages, std::chrono::milliseconds timeout, pid_t child, ChildResult& result) {
   const auto end = std::chrono::steady_clock::now() + timeout;
-  while (output.read >= 0 || messages.read >= 0) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-    if (left.count() <= 0) {
-      result.timedOut = true;
-      kill(child, SIGKILL);
-      return;
-    }
+  for (const int pipe : {output.read, messages.read})
+    fcntl(pipe, F_SETFL, O_NONBLOCK);
+  for (;;) {
     std::array<pollfd, 2> ends{pollfd{output.read, POLLIN, 0}, pollfd{messages.read, POLLIN, 0}};
-    if (poll(ends.data(), ends.size(), static_cast<int>(left.count())) <= 0)
-      continue;
-    if (ends[0].revents != 0)
-      drain(output.read, result.output);
-    if (ends[1].revents != 0)
-      drain(messages.read, result.messages);
+    const bool allClosed = output.read < 0 && messages.read < 0;
+    poll(ends.data(), ends.size(), allClosed ? 2 : 50);
+    int status = 0;
+    const bool ended = waitpid(child, &status, WNOHANG) == child;
+    while (drain(output.read, result.output) || drain(messages.read, result.messages))
+      ;
+    if (ended)
+      return status;
+    result.stopped = interrupted();
+    result.timedOut = !result.stopped && std::chrono::steady_clock::now() >= end;
+    if (result.stopped || result.timedOut) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      return status;
+    }
   }
 }
 
@@ -201,12 +216,10 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
     return result;
   Pipe::closeEnd(output.write);
   Pipe::closeEnd(messages.write);
-  readUntilEnd(output, messages, timeout, child, result);
-  int status = 0;
-  waitpid(child, &status, 0);
+  const int status = waitForEnd(output, messages, timeout, child, result);
   if (WIFEXITED(status))
     result.exitCode = WEXITSTATUS(status);
-  if (WIFSIGNALED(status) && !result.timedOut) {
+  if (WIFSIGNALED(status) && !result.timedOut && !result.stopped) {
     result.crashed = true;
     result.crash = strsignal(WTERMSIG(status));
   }

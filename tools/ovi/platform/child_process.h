@@ -11,6 +11,7 @@ namespace tool {
 struct ChildResult {
   bool started = false;
   bool timedOut = false;  ///< and was ended
+  bool stopped = false;   ///< and was ended, because the user pressed Ctrl-C
   bool crashed = false;
   std::string crash;  ///< the signal or exception, when it crashed
   int exitCode = -1;
@@ -18,7 +19,7 @@ struct ChildResult {
   std::string messages;  ///< standard error
 };
 
-/// Runs a program and waits for its end, for so long at most.
+/// Runs a program and waits for its end, for so long at most, or until Ctrl-C. What it started itself may go on.
 ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                      std::chrono::milliseconds timeout);
 

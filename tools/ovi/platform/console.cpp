@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -14,6 +15,10 @@
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
+#endif
+
+#ifndef _WIN32
+extern char** environ;
 #endif
 
 namespace tool {
@@ -131,8 +136,18 @@ std::string fromLibraryText(std::string_view text) {
   return narrow(widen(text, CP_ACP), CP_UTF8);
 }
 
-char searchPathSeparator() {
-  return ';';
+std::vector<std::string> environmentVariables() {
+  std::vector<std::string> variables;
+  wchar_t* const block = GetEnvironmentStringsW();
+  for (const wchar_t* entry = block; entry != nullptr && *entry != L'\0'; entry += std::wcslen(entry) + 1)
+    variables.push_back(narrow(entry, CP_UTF8));
+  if (block != nullptr)
+    FreeEnvironmentStringsW(block);
+  return variables;
+}
+
+const char* searchPathSeparators() {
+  return ";";
 }
 
 #else
@@ -194,8 +209,15 @@ std::string fromLibraryText(std::string_view narrow) {
   return std::string(narrow);
 }
 
-char searchPathSeparator() {
-  return ':';
+std::vector<std::string> environmentVariables() {
+  std::vector<std::string> variables;
+  for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry)
+    variables.emplace_back(*entry);
+  return variables;
+}
+
+const char* searchPathSeparators() {
+  return ";:";
 }
 
 #endif

@@ -34,11 +34,14 @@ std::filesystem::path programFolder();
 std::string environmentVariable(const char* name);
 void setEnvironmentVariable(const char* name, const std::string& value);
 
+/// All of them, as NAME=VALUE.
+std::vector<std::string> environmentVariables();
+
 /// Converts between the tool's UTF-8 and the narrow text of the library's interface.
 std::string toLibraryText(std::string_view utf8);
 std::string fromLibraryText(std::string_view narrow);
 
-/// Between search-path entries: ';' or ':'.
-char searchPathSeparator();
+/// What separates the folders of a search path: ";", outside Windows ":" too.
+const char* searchPathSeparators();
 
 }  // namespace tool

@@ -1,4 +1,4 @@
-// A library that is loaded while the program runs.
+// A library that is loaded while the program runs, and what keeps one from being loaded.
 #include "platform/dynamic_library.h"
 
 #ifdef _WIN32
@@ -7,46 +7,84 @@
 #include <dlfcn.h>
 #endif
 
-#include <system_error>
-
 #include "paths.h"
+#include "platform/console.h"
+#include "platform/platform.h"
 #include "tool_error.h"
 
 namespace tool {
 
-#ifdef _WIN32
+namespace {
+
+std::string trimmedReason(std::string text) {
+  while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ')
+    text.pop_back();
+  return text.empty() ? "no reason is given" : text;
+}
+
+}  // namespace
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
-    : handle_(LoadLibraryExW(std::filesystem::absolute(file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+    : handle_(OVI::platform::loadLibrary(toLibraryText(pathText(std::filesystem::absolute(file))))) {
   if (handle_ == nullptr)
     throw ToolError(pathText(file) +
-                    " does not load: " + std::system_category().message(static_cast<int>(GetLastError())));
+                    " does not load: " + trimmedReason(fromLibraryText(OVI::platform::lastErrorText())));
 }
 
 DynamicLibrary::~DynamicLibrary() {
-  FreeLibrary(static_cast<HMODULE>(handle_));
+  OVI::platform::unload(handle_);
 }
 
 void* DynamicLibrary::find(const char* name) const {
-  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+  return OVI::platform::resolve(handle_, name);
+}
+
+namespace {
+
+// In the folders of whoever needs it.
+LibraryLookup lookInFolders(const std::string& name, const std::vector<std::filesystem::path>& folders) {
+  std::error_code error;
+  for (const std::filesystem::path& folder : folders)
+    if (std::filesystem::is_regular_file(folder / pathFromText(name), error))
+      return {true, folder / pathFromText(name), {}};
+  return {};
+}
+
+}  // namespace
+
+#ifdef _WIN32
+
+LibraryLookup lookUpLibrary(const std::string& name, const std::vector<std::filesystem::path>& folders) {
+  LibraryLookup lookup = lookInFolders(name, folders);
+  if (lookup.found)
+    return lookup;
+  // Neither its own code nor the libraries that it needs are touched.
+  const HMODULE module = LoadLibraryExW(pathFromText(name).c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+  if (module == nullptr)
+    return {false, {}, name + " was not found"};
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+  std::wstring system(32768, L'\0');
+  system.resize(GetSystemDirectoryW(system.data(), static_cast<UINT>(system.size())));
+  FreeLibrary(module);
+  // The system's own libraries are whole.
+  std::error_code error;
+  lookup.found = true;
+  if (!std::filesystem::equivalent(std::filesystem::path(path).parent_path(), system, error))
+    lookup.file = path;
+  return lookup;
 }
 
 #else
 
-DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
-    : handle_(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (handle_ == nullptr) {
-    const char* const reason = dlerror();
-    throw ToolError(pathText(file) + " does not load: " + (reason == nullptr ? "no reason is given" : reason));
-  }
-}
-
-DynamicLibrary::~DynamicLibrary() {
-  dlclose(handle_);
-}
-
-void* DynamicLibrary::find(const char* name) const {
-  return dlsym(handle_, name);
+LibraryLookup lookUpLibrary(const std::string& name, const std::vector<std::filesystem::path>& folders) {
+  if (dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL) != nullptr)  // Never closed: the process ends soon.
+    return {true, {}, {}};
+  const char* const message = dlerror();
+  const std::string problem = message == nullptr ? "" : message;
+  LibraryLookup lookup = lookInFolders(name, folders);
+  lookup.problem = lookup.found ? std::string() : problem;
+  return lookup;
 }
 
 #endif

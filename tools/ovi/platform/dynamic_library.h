@@ -1,14 +1,16 @@
-// A library that is loaded while the program runs.
+// A library that is loaded while the program runs, and what keeps one from being loaded.
 #pragma once
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tool {
 
 class DynamicLibrary {
  public:
-  /// Loads it with its names kept to itself. Throws ToolError with the system's reason.
+  /// Loads it as the camera library loads a producer, with its names kept to itself. Throws ToolError with the system's
+  /// reason.
   explicit DynamicLibrary(const std::filesystem::path& file);
   ~DynamicLibrary();
   DynamicLibrary(const DynamicLibrary&) = delete;
@@ -20,5 +22,16 @@ class DynamicLibrary {
  private:
   void* handle_ = nullptr;
 };
+
+/// How the system would find a library that another one needs.
+struct LibraryLookup {
+  bool found = false;
+  std::filesystem::path file;  ///< set when it was found but not what it needs itself
+  std::string problem;         ///< the system's words, when it was not found
+};
+
+/// Looks for a library by its name, where the system looks and in these folders. May load it, with all that comes of
+/// that: called in a process that is there for the purpose.
+LibraryLookup lookUpLibrary(const std::string& name, const std::vector<std::filesystem::path>& folders);
 
 }  // namespace tool

@@ -1,0 +1,230 @@
+// The cameras that producers tell, those that the library lists, and why some are missing; the images of one of them.
+#include "doctor/cameras.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "paths.h"
+#include "platform/child_process.h"
+#include "platform/console.h"
+#include "text.h"
+
+namespace tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::chrono::seconds kSearchTime{120};
+constexpr std::chrono::seconds kImageTime{60};
+
+// What is the matter with a child that did not give an answer; empty when it did.
+std::string childFailure(const ChildResult& child) {
+  if (!child.started)
+    return "could not be tried: no process could be started";
+  if (child.crashed)
+    return "crashes: " + child.crash;
+  if (child.timedOut)
+    return "hangs: no answer in time";
+  return {};
+}
+
+// Keeps the folders of harmful producers out of the search of the child that is run meanwhile.
+class SafeSearchPath {
+ public:
+  explicit SafeSearchPath(const std::vector<std::filesystem::path>& harmful) : before_(environmentVariable(kName)) {
+    std::vector<std::string> safe;
+    for (const std::string& folder : split(before_, searchPathSeparators()))
+      if (std::none_of(harmful.begin(), harmful.end(), [&](const std::filesystem::path& file) {
+            std::error_code error;
+            return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
+          }))
+        safe.push_back(folder);
+    setEnvironmentVariable(kName, join(safe, std::string_view(searchPathSeparators(), 1)));
+  }
+  ~SafeSearchPath() { setEnvironmentVariable(kName, before_); }
+  SafeSearchPath(const SafeSearchPath&) = delete;
+  SafeSearchPath& operator=(const SafeSearchPath&) = delete;
+
+ private:
+  static constexpr const char* kName = "GENICAM_GENTL64_PATH";
+  std::string before_;
+};
+
+const ordered_json* listed(const ordered_json& list, const SeenCamera& camera) {
+  for (const ordered_json& item : list)
+    if (item.value("id", "") == camera.id &&
+        pathFromText(item.value("producerPath", "")).filename() == camera.producer.filename())
+      return &item;
+  return nullptr;
+}
+
+std::string nameOfCamera(const SeenCamera& camera) {
+  std::string name = camera.model.empty() ? "camera " + camera.id : camera.model;
+  if (!camera.serial.empty())
+    name += ", " + camera.serial;
+  if (!camera.userName.empty())
+    name += ", \"" + camera.userName + "\"";
+  return name + ", on " + camera.interface;
+}
+
+ordered_json cameraFacts(const SeenCamera& camera, const char* state) {
+  return {{"producer", pathText(camera.producer)},
+          {"interface", camera.interface},
+          {"id", camera.id},
+          {"vendor", camera.vendor},
+          {"model", camera.model},
+          {"serial", camera.serial},
+          {"userName", camera.userName},
+          {"state", state}};
+}
+
+// A camera that the library lists, or would list: is it free?
+Finding accessFinding(const SeenCamera& camera, bool isVirtual) {
+  const std::string name = nameOfCamera(camera) + ": ";
+  const std::string mark = isVirtual ? ", virtual" : "";
+  switch (camera.access) {
+    case 2:
+      return {Level::kNote, name + "another program controls it; it can only be looked at" + mark,
+              "close the other program", cameraFacts(camera, "held")};
+    case 3:
+      return {Level::kNote, name + "it cannot be opened" + mark,
+              "a network camera may be in another subnet than this machine: give it, or the adapter, a fitting address",
+              cameraFacts(camera, "unreachable")};
+    case 4:
+      return {Level::kNote, name + "another program holds it" + mark, "close the other program",
+              cameraFacts(camera, "held")};
+    default:
+      return {Level::kGood,
+              name + (camera.access == 1 ? "available" : "its producer does not tell who holds it") + mark, "",
+              cameraFacts(camera, camera.access == 1 ? "available" : "unknown")};
+  }
+}
+
+// `list` is the library's; null when the library could not be asked about this producer.
+Finding cameraFinding(const SeenCamera& camera, const ordered_json* list) {
+  const std::string name = nameOfCamera(camera) + ": ";
+  if (list == nullptr)
+    return {Level::kNote, name + "its producer tells of it; the library was not asked, because of the trouble above",
+            "", cameraFacts(camera, "not asked")};
+  const ordered_json* const item = listed(*list, camera);
+  if (item != nullptr)
+    return accessFinding(camera, item->value("virtual", false));
+  if (camera.model.empty())
+    return {Level::kNote, name + "is left out: it tells no model, and only cameras with a model are served",
+            "open it with its maker's viewer, and ask the maker for newer firmware or a newer producer",
+            cameraFacts(camera, "no model")};
+  return {Level::kNote,
+          name + "is left out: its maker, " +
+              (camera.vendor.empty() ? "which it does not tell" : "\"" + camera.vendor + "\"") +
+              ", is none that the library serves",
+          "use this maker's own library, or another producer that tells a maker that is served",
+          cameraFacts(camera, "maker not served")};
+}
+
+void addTwins(const std::vector<SeenCamera>& cameras, Findings& findings) {
+  for (auto camera = cameras.begin(); camera != cameras.end(); ++camera) {
+    const auto twin = std::find_if(cameras.begin(), camera, [&](const SeenCamera& other) {
+      return !camera->serial.empty() && other.serial == camera->serial && other.vendor == camera->vendor;
+    });
+    if (twin != camera)
+      findings.push_back({Level::kNote,
+                          nameOfCamera(*camera) + ": is there through " + pathText(twin->producer.filename()) + " on " +
+                              twin->interface + " too",
+                          "only one of them can have it at a time: name the one you mean by its ID"});
+  }
+}
+
+std::vector<std::string> withProducer(const Session& session, std::vector<std::string> arguments) {
+  arguments.insert(arguments.end(), {"--json", "--timeout", std::to_string(session.options().timeout)});
+  if (!session.options().producer.empty())
+    arguments.insert(arguments.end(), {"--producer", session.options().producer});
+  return arguments;
+}
+
+bool isIn(const std::vector<std::filesystem::path>& files, const std::filesystem::path& folder) {
+  return std::any_of(files.begin(), files.end(),
+                     [&](const std::filesystem::path& file) { return file.parent_path() == folder; });
+}
+
+// Whether the library would load one of them, with the search path as it is now.
+bool loadsAny(const Session& session, const std::vector<std::filesystem::path>& files) {
+  const std::vector<std::string> folders = session.folders();
+  return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+    return std::any_of(files.begin(), files.end(), [&](const std::filesystem::path& file) {
+      std::error_code error;
+      return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
+    });
+  });
+}
+
+// The library's list; null when it gave none, and then the result says why.
+ordered_json askLibrary(const Session& session, CameraExamination& result) {
+  const ChildResult child = runChild(ownProgram(), withProducer(session, {"list", "--verbose"}), kSearchTime);
+  throwIfInterrupted();
+  result.log = child.messages;
+  ordered_json list = ordered_json::parse(child.output, nullptr, false);
+  if (const std::string failure = childFailure(child); !failure.empty())
+    result.findings.push_back({Level::kProblem, "the library's search for cameras " + failure,
+                               "each producer alone may be well, but not all of them in one program: take their "
+                               "folders out of the search path, one by one"});
+  else if (!list.is_array())
+    result.findings.push_back(
+        {Level::kProblem, "the library's search for cameras failed: " + lastLine(child.messages)});
+  return list.is_array() ? list : ordered_json();
+}
+
+}  // namespace
+
+CameraExamination examineCameras(const Session& session, const ProducerExamination& producers) {
+  CameraExamination result;
+  const SafeSearchPath safe(producers.harmful);
+  ordered_json list;
+  if (loadsAny(session, producers.harmful))
+    result.findings.push_back({Level::kNote, "the library's own list was not asked for: it would load what is broken"});
+  else
+    list = askLibrary(session, result);
+  for (const SeenCamera& camera : producers.cameras)
+    result.findings.push_back(cameraFinding(
+        camera, list.is_array() && !isIn(producers.harmful, camera.producer.parent_path()) ? &list : nullptr));
+  addTwins(producers.cameras, result.findings);
+  if (producers.cameras.empty())
+    result.findings.push_back(
+        {Level::kProblem, "no producer tells of any",
+         "is it powered and connected? A network camera needs an address in the subnet of its adapter and a firewall "
+         "that lets it answer; a USB camera a USB 3 socket and the maker's driver or udev rules"});
+  return result;
+}
+
+Findings examineImages(const Session& session, const std::string& camera) {
+  const ChildResult child =
+      runChild(ownProgram(), withProducer(session, {"stream", "--camera", camera, "--seconds", "3"}), kImageTime);
+  throwIfInterrupted();
+  if (const std::string failure = childFailure(child); !failure.empty())
+    return {{Level::kProblem, "taking images from camera " + camera + " " + failure,
+             "ovi check tells what its producer does wrong"}};
+  const ordered_json ledger = ordered_json::parse(child.output, nullptr, false);
+  std::vector<std::string> lines = split(child.messages, "\r\n");
+  std::string advice;
+  if (!lines.empty() && lines.back().compare(0, 5, "try: ") == 0) {
+    advice = lines.back().substr(5);
+    lines.pop_back();
+  }
+  if (!ledger.is_object() || child.exitCode != 0) {
+    std::string reason = lines.empty() ? "no reason is given" : lines.back();
+    if (reason.compare(0, 5, "ovi: ") == 0)
+      reason = reason.substr(5);
+    return {
+        {Level::kProblem, "camera " + camera + ": " + reason, advice, ledger.is_object() ? ledger : ordered_json()}};
+  }
+  const bool whole = ledger.value("lost", 0) == 0 && ledger.value("incomplete", 0) == 0;
+  const std::string text = "camera " + camera + ": " + std::to_string(ledger.value("frames", 0)) + " images in " +
+                           fixedText(ledger.value("seconds", 0.0), 1) + " s: " + ledger.value("verdict", "");
+  return {
+      {whole ? Level::kGood : Level::kProblem, text,
+       whole ? ""
+             : "see what this report says about the machine; ovi stream --camera " + camera + " shows the losses live",
+       ledger}};
+}
+
+}  // namespace tool
