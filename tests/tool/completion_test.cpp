@@ -61,7 +61,8 @@ TEST(Completion, KnowsCommandsOptionsCamerasFeaturesAndValues) {
 std::vector<std::string> bashOffers(const std::string& line, const std::string& wordBreaks) {
   writeText("complete.sh", "set -u\nPATH=" + std::filesystem::path(OVI_PROGRAM).parent_path().string() +
                                ":$PATH\n"
-                               "compopt() { :; }\n. " COMPLETION_DIR "/ovi.bash\n"
+                               "compopt() { :; }\n. " COMPLETION_DIR
+                               "/ovi.bash\n"
                                "COMP_WORDBREAKS=" +
                                wordBreaks +
                                "\nCOMP_LINE=$1 COMP_POINT=${#1} COMP_WORDS=(ovi)\n_ovi\n"

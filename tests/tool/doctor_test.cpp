@@ -63,10 +63,14 @@ TEST(Doctor, NamesFilesThatAreNoProducers) {
   const std::filesystem::path folder = freshFolder("broken");
   writeText(folder / "Text.cti", "This is no library.\n");
   writeText(folder / "Empty.cti", "");
-  writeText(folder / "Foreign.cti",
-            std::string("\x7F" "ELF\x02\x01\x01", 7) + std::string(9, '\0') + std::string("\x03\0\xF3\0", 4));
-  writeText(folder / "Old.cti",
-            std::string("\x7F" "ELF\x01\x01\x01", 7) + std::string(9, '\0') + std::string("\x03\0\x03\0", 4));
+  writeText(folder / "Foreign.cti", std::string("\x7F"
+                                                "ELF\x02\x01\x01",
+                                                7) +
+                                        std::string(9, '\0') + std::string("\x03\0\xF3\0", 4));
+  writeText(folder / "Old.cti", std::string("\x7F"
+                                            "ELF\x01\x01\x01",
+                                            7) +
+                                    std::string(9, '\0') + std::string("\x03\0\x03\0", 4));
   writeText(folder / "Windows.cti", "MZ" + std::string(58, '\0') + std::string("\x40\0\0\0PE\0\0\x64\x86", 10));
   // Headers whose offsets lead nowhere.
   writeText(folder / "Torn.cti", readText(HOSTILE_DIR "/Hostile.cti").substr(0, 5000));
@@ -78,11 +82,11 @@ TEST(Doctor, NamesFilesThatAreNoProducers) {
   EXPECT_EQ(run.code, 1);
   for (const char* said :
        {"nowhere: there is no such folder", "without quotation marks", "Text.cti: text, no library",
-        "Empty.cti: empty file", "Foreign.cti: ELF library for RISC-V, 64 bit, and this is a",
-        "Old.cti: ELF library for x86, 32 bit", "Windows.cti: PE file, no library, for x86-64", "Torn.cti: does not load",
-        "Capital.CTI: is not searched for", "Link.cti: leads to no file",
-        "Needy.cti: does not load: it needs VirtualAbsent.cti, which is not there", "LD_LIBRARY_PATH",
-        "Hollow.cti: is no GenTL producer", "KV130001"})
+        "Empty.cti: empty file",
+        "Foreign.cti: ELF library for RISC-V, 64 bit; this program can load: ", "Old.cti: ELF library for x86, 32 bit",
+        "Windows.cti: PE file, no library, for x86-64", "Torn.cti: does not load", "Capital.CTI: is not searched for",
+        "Link.cti: leads to no file", "Needy.cti: does not load: it needs VirtualAbsent.cti, which is not there",
+        "LD_LIBRARY_PATH", "Hollow.cti: is no GenTL producer", "KV130001"})
     EXPECT_THAT(run.out, HasSubstr(said));
   EXPECT_THAT(run.err, HasSubstr("problems were found"));
 }
@@ -93,7 +97,8 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
     std::vector<const char*> said;
   };
   const std::vector<Wrong> cases = {
-      {"crash", {"Hostile.cti: crashes in its own start, while it is loaded", "take its folder out of the search path"}},
+      {"crash",
+       {"Hostile.cti: crashes in its own start, while it is loaded", "take its folder out of the search path"}},
       {"block TLOpen", {"Hostile.cti: hangs: TLOpen does not come back"}},
       {"fail GCInitLib -1001", {"Hostile.cti: GCInitLib returned GC_ERR_ERROR (-1001)", "driver or service"}},
       {"fail TLOpen -1004", {"TLOpen returned GC_ERR_RESOURCE_IN_USE", "close that program"}},
@@ -115,7 +120,8 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
   const Environment order("OVI_TEST_ORDER", "crash");
   const Outcome run = ovi({"doctor"});
   EXPECT_EQ(run.code, 1);
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Hostile.cti: crashes"), HasSubstr("KV130001"), HasSubstr("available, virtual")));
+  EXPECT_THAT(run.out,
+              AllOf(HasSubstr("Hostile.cti: crashes"), HasSubstr("KV130001"), HasSubstr("available, virtual")));
 }
 
 TEST(Doctor, TellsWhatMayNotBeRead) {

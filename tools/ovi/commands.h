@@ -39,6 +39,16 @@ void addComplete(CLI::App& app, CommonOptions& common, Action& action);
 void addMan(CLI::App& app, CommonOptions& common, Action& action);
 void addProbe(CLI::App& app, CommonOptions& common, Action& action);
 
+/// An option with a number that is not negative. The parser would take -1 for the largest one.
+template<class Number>
+CLI::Option* addNumberOption(CLI::App& command, const std::string& names, Number& value, const char* unit,
+                             const std::string& description) {
+  const auto check = [](const std::string& text) {
+    return text.compare(0, 1, "-") == 0 ? "\"" + text + "\" is less than 0" : std::string();
+  };
+  return command.add_option(names, value, description)->type_name(unit)->check(check);
+}
+
 /// The groups of rules of ovi check.
 std::vector<std::string> checkGroupNames();
 

@@ -50,12 +50,12 @@ int run(const std::vector<std::string>& arguments) {
                  "Set this first, on every camera that is opened; may be given several times")
       ->type_name("FEATURE=VALUE")
       ->allow_extra_args(false);
-  app.add_option("--timeout", common.timeout, "Milliseconds for each list of cameras to be updated")->type_name("MS");
+  tool::addNumberOption(app, "--timeout", common.timeout, "MS", "Milliseconds for each list of cameras to be updated");
   for (const tool::AddCommand add : kCommands)
     add(app, common, action);
 
   try {
-    std::vector<std::string> ordered = tool::withOptionsBehindCommand(app, arguments);
+    std::vector<std::string> ordered = tool::orderedArguments(app, arguments);
     std::reverse(ordered.begin(), ordered.end());  // As the parser wants them.
     app.parse(std::move(ordered));
   } catch (const CLI::Success& success) {

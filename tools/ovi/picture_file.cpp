@@ -2,10 +2,12 @@
 #include <png.h>
 
 #include <bit>
+#include <cerrno>
 #include <fstream>
 
 #include "paths.h"
 #include "picture.h"
+#include "text.h"
 #include "tool_error.h"
 
 namespace tool {
@@ -13,9 +15,11 @@ namespace tool {
 namespace {
 
 std::ofstream openForWriting(const std::filesystem::path& file) {
+  errno = 0;
   std::ofstream stream(file, std::ios::binary | std::ios::trunc);
   if (!stream)
-    throw ToolError("cannot write " + pathText(file), "does its folder exist, and may you write there?");
+    throw ToolError("cannot write " + pathText(file) + ": " + systemReason(),
+                    "another name, or a folder that exists and that you may write to");
   return stream;
 }
 

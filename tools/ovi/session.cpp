@@ -130,6 +130,16 @@ std::string Session::searchPath() const {
   return {};
 }
 
+// A producer that was named by its file shares its folder with others that were not meant. The path that a producer
+// tells may be empty, or another than that of its file.
+bool Session::isOfNeighbour(const Camera& camera) const {
+  std::error_code error;
+  const std::filesystem::path wanted = pathFromText(options_.producer);
+  const std::filesystem::path told = pathFromText(camera.producerPath).filename();
+  return !wanted.empty() && !told.empty() && told != wanted.filename() &&
+         !std::filesystem::is_directory(wanted, error) && std::filesystem::exists(wanted.parent_path() / told, error);
+}
+
 const std::vector<Camera>& Session::cameras() {
   if (cameras_)
     return *cameras_;
@@ -143,11 +153,7 @@ const std::vector<Camera>& Session::cameras() {
   cameras_.emplace();
   for (const ovi::DeviceInfo& info : found) {
     Camera camera = describe(info, cameras_->size() + 1);
-    // A producer that was named by its file shares its folder with others that were not meant.
-    std::error_code error;
-    const std::filesystem::path wanted = pathFromText(options_.producer);
-    if (!options_.producer.empty() && !std::filesystem::is_directory(wanted, error) &&
-        pathFromText(camera.producerPath).filename() != wanted.filename())
+    if (isOfNeighbour(camera))
       continue;
     camera.number = cameras_->size() + 1;
     cameras_->push_back(std::move(camera));

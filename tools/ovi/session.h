@@ -91,6 +91,7 @@ class Session {
  private:
   void remember(ovi::LogLevel level, std::string_view message);
   std::string searchPath() const;
+  bool isOfNeighbour(const Camera& camera) const;
 
   CommonOptions options_;
   std::mutex messageMutex_;

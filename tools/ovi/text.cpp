@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <limits>
+#include <system_error>
 
 namespace tool {
 
@@ -107,6 +109,10 @@ std::string fixedText(double value, int decimals) {
   std::array<char, 400> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
   return {text.data(), end.ptr};
+}
+
+std::string systemReason() {
+  return errno == 0 ? "no reason is given" : std::generic_category().message(errno);
 }
 
 std::vector<std::string> split(std::string_view text, std::string_view separators) {

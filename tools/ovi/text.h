@@ -25,6 +25,9 @@ std::string bytesText(std::uint64_t bytes);
 /// A fixed number of decimals, with a point whatever the locale.
 std::string fixedText(double value, int decimals);
 
+/// What the system says about the failure of the call before, by errno.
+std::string systemReason();
+
 /// The parts between any of the separators, without empty ones.
 std::vector<std::string> split(std::string_view text, std::string_view separators);
 

@@ -88,14 +88,21 @@ ToolError unexpected(const CLI::App& app, const CLI::App& command, const std::st
   return wrong("the command line is not understood", path + " --help");
 }
 
-// All values that the parser converts are numbers: "Could not convert: --frames = many".
+// The parser's words about a value: all that it converts are numbers ("Could not convert: --frames = many"), and none
+// may be missing ("--frames: 1 required N missing").
 std::string plainWords(const std::string& text) {
-  constexpr std::string_view kMark = "Could not convert: ";
+  constexpr std::string_view kConvert = "Could not convert: ";
+  constexpr std::string_view kRequired = ": 1 required ";
+  constexpr std::string_view kMissing = " missing";
   const std::size_t equals = text.find(" = ");
-  if (text.compare(0, kMark.size(), kMark) != 0 || equals == std::string::npos)
-    return text;
-  return text.substr(kMark.size(), equals - kMark.size()) + " takes a number, and \"" + text.substr(equals + 3) +
-         "\" is none that fits";
+  if (text.compare(0, kConvert.size(), kConvert) == 0 && equals != std::string::npos)
+    return text.substr(kConvert.size(), equals - kConvert.size()) + " takes a number, and \"" +
+           text.substr(equals + 3) + "\" is none that fits";
+  const std::size_t required = text.find(kRequired);
+  if (required != std::string::npos && text.size() > required + kRequired.size() + kMissing.size())
+    return text.substr(0, required) + " needs a value: " +
+           text.substr(required + kRequired.size(), text.size() - required - kRequired.size() - kMissing.size());
+  return text;
 }
 
 }  // namespace
@@ -106,7 +113,11 @@ const CLI::App* commandBelow(const CLI::App& parent, const std::string& name) {
   return found.empty() ? nullptr : found.front();
 }
 
-std::vector<std::string> withOptionsBehindCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+std::vector<std::string> orderedArguments(const CLI::App& app, std::vector<std::string> arguments) {
+  if (!arguments.empty() && arguments.front() == "help") {
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
+  }
   std::vector<std::string> before;
   std::vector<std::string> moved;
   std::size_t i = 0;
@@ -148,7 +159,7 @@ ToolError usageError(const CLI::App& app, const CLI::ParseError& error) {
       names.push_back(one->get_name());
     return wrong(path + " needs one of " + join(names, ", "), path + " " + names.front() + " --help");
   }
-  return wrong(path + ": " + plainWords(error.what()), path + " --help");
+  return wrong((&command == &app ? "" : path.substr(4) + ": ") + plainWords(error.what()), path + " --help");
 }
 
 }  // namespace tool

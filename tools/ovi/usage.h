@@ -12,8 +12,9 @@ namespace tool {
 /// The command of that name directly below another one, or null.
 const CLI::App* commandBelow(const CLI::App& parent, const std::string& name);
 
-/// Moves options of a command that stand before it behind it, where the parser looks for them.
-std::vector<std::string> withOptionsBehindCommand(const CLI::App& app, const std::vector<std::string>& arguments);
+/// The arguments as the parser wants them: options of a command that stand before it go behind it, and "help COMMAND"
+/// becomes "COMMAND --help".
+std::vector<std::string> orderedArguments(const CLI::App& app, std::vector<std::string> arguments);
 
 /// What is wrong with the command line, the nearest legal word, and what to type instead.
 ToolError usageError(const CLI::App& app, const CLI::ParseError& error);

@@ -154,8 +154,8 @@ void bench(Session& session, const BenchOptions& options) {
 void addBench(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("bench", "Measure how fast this machine takes images from this camera");
   auto options = std::make_shared<BenchOptions>();
-  command->add_option("-s,--seconds", options->seconds, "How long; 5 when not given")->type_name("SECONDS");
-  command->add_option("--buffers", options->buffers, "Buffers of the stream")->type_name("N");
+  addNumberOption(*command, "-s,--seconds", options->seconds, "SECONDS", "How long; 5 when not given");
+  addNumberOption(*command, "--buffers", options->buffers, "N", "Buffers of the stream");
   command->add_flag("--touch", options->touch, "Read every byte of every image");
   addCameraOption(*command, common);
   command->footer("Examples:\n  ovi bench\n  ovi bench --seconds 10 --touch --json");

@@ -150,10 +150,24 @@ void requireProducer(const Session& session, const std::string& producer) {
                   "ovi check " + (known.empty() ? "FILE.cti" : known.front()), ExitCode::kUsage);
 }
 
+void requireGroups(const CheckOptions& options) {
+  const std::vector<std::string> names = checkGroupNames();
+  for (const std::string& group : options.only) {
+    if (std::find(names.begin(), names.end(), group) != names.end())
+      continue;
+    const std::string nearest = nearestMatch(group, names);
+    throw ToolError("there is no group \"" + group + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
+                        " Groups: " + join(names, ", "),
+                    "ovi check " + options.producer + " --only " + (nearest.empty() ? names.front() : nearest),
+                    ExitCode::kUsage);
+  }
+}
+
 void runAll(const Session& session, CheckOptions options) {
   if (options.producer.empty())
     options.producer = session.options().producer;
   requireProducer(session, options.producer);
+  requireGroups(options);
   const bool json = session.options().json;
   Totals totals;
   ordered_json all = ordered_json::array();
@@ -216,10 +230,8 @@ void addCheck(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("check", "Hold a producer against the rules of GenTL");
   auto options = std::make_shared<CheckOptions>();
   command->add_option("PRODUCER", options->producer, "The producer's file; --producer names it too");
-  const std::vector<std::string> names = checkGroupNames();
-  command->add_option("--only", options->only, "Only these groups: " + join(names, ", "))
+  command->add_option("--only", options->only, "Only these groups: " + join(checkGroupNames(), ", "))
       ->type_name("GROUP")
-      ->check(CLI::IsMember(names))
       ->allow_extra_args(false);
   command->add_option("--in-group", options->group)->group("");
   addCameraOption(*command, common);

@@ -17,6 +17,10 @@ struct ValueOptions {
 };
 
 void getFeatures(Session& session, const ValueOptions& options) {
+  for (const std::string& word : options.words)
+    if (word.find('=') != std::string::npos)
+      throw ToolError("\"" + word + "\" sets a feature, and get only reads", session.command("set " + word),
+                      ExitCode::kUsage);
   const ModuleView view(session, options.module, Use::kRead);
   nlohmann::ordered_json json;
   for (const std::string& name : options.words) {
@@ -33,8 +37,8 @@ void getFeatures(Session& session, const ValueOptions& options) {
 void setFeatures(Session& session, const ValueOptions& options) {
   for (const std::string& assignment : options.words)
     if (assignment.find('=') == std::string::npos || assignment.front() == '=')
-      throw ToolError("\"" + assignment + "\" is no assignment", session.command("set " + assignment + "=VALUE"),
-                      ExitCode::kUsage);
+      throw ToolError("\"" + assignment + "\" is no assignment FEATURE=VALUE",
+                      session.command("set " + assignment + "=VALUE"), ExitCode::kUsage);
   const ModuleView view(session, options.module, Use::kControl);
   nlohmann::ordered_json json;
   for (const std::string& assignment : options.words) {

@@ -103,8 +103,8 @@ void scan(Session& session, const ScanOptions& options) {
 void addScan(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("scan", "Take images through the library's blocking scan");
   auto options = std::make_shared<ScanOptions>();
-  command->add_option("-n,--images", options->images, "So many images")->type_name("N");
-  command->add_option("--minutes", options->minutes, "For so long")->type_name("MINUTES");
+  addNumberOption(*command, "-n,--images", options->images, "N", "So many images");
+  addNumberOption(*command, "--minutes", options->minutes, "MINUTES", "For so long");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
   addCameraOption(*command, common);
   command->footer("Examples:\n  ovi scan --images 100\n  ovi scan --minutes 10 --check-pattern");

@@ -1,4 +1,5 @@
 // ovi save, load and diff: a camera's settings as a readable text file.
+#include <cerrno>
 #include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include "picture.h"
 #include "settings.h"
 #include "terminal.h"
+#include "text.h"
 #include "tool_error.h"
 
 namespace tool {
@@ -21,9 +23,10 @@ struct SettingsOptions {
 };
 
 std::vector<Setting> settingsOf(const std::string& path) {
+  errno = 0;
   std::ifstream stream(pathFromText(path), std::ios::binary);
   if (!stream)
-    throw ToolError("cannot read " + path, "ovi save " + path, ExitCode::kUsage);
+    throw ToolError("cannot read " + path + ": " + systemReason(), "ovi save " + path, ExitCode::kUsage);
   std::ostringstream text;
   text << stream.rdbuf();
   return parseSettings(text.str(), path);

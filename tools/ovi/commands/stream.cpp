@@ -204,8 +204,9 @@ void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& 
     all.push_back(std::move(json));
     if (session.options().json)
       continue;
-    printNote((runs.size() == 1 ? "" : run->name() + ": ") + std::to_string(ledger.delivered) + " frames in " +
-              fixedText(ledger.seconds, 2) + " s, " + rateText(ledger) + "; " + lossText(ledger));
+    printNote((runs.size() == 1 ? "" : run->name() + ": ") + std::to_string(ledger.delivered) +
+              (ledger.delivered == 1 ? " frame in " : " frames in ") + fixedText(ledger.seconds, 2) + " s, " +
+              rateText(ledger) + "; " + lossText(ledger));
     printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger));
   }
   if (session.options().json)
@@ -267,15 +268,15 @@ void stream(Session& session, const StreamOptions& options) {
 void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   CLI::App* command = app.add_subcommand("stream", "Take images, count what is lost, and save them if wanted");
   auto options = std::make_shared<StreamOptions>();
-  command->add_option("-n,--frames", options->acquisition.frames, "Number of images; without it until Ctrl-C")
-      ->type_name("N");
-  command->add_option("-s,--seconds", options->acquisition.seconds, "For so long at most")->type_name("SECONDS");
+  addNumberOption(*command, "-n,--frames", options->acquisition.frames, "N",
+                  "Number of images; without it until Ctrl-C");
+  addNumberOption(*command, "-s,--seconds", options->acquisition.seconds, "SECONDS", "For so long at most");
   command->add_option("--save", options->folder, "Folder to save every image in")->type_name("DIR");
   command->add_option("--format", options->format, "png, raw or none")->type_name("FORMAT");
-  command->add_option("--buffers", options->buffers, "Buffers of the stream; 16 when not given, more for saving")
-      ->type_name("N");
-  command->add_option("--image-timeout", options->imageTimeout, "Milliseconds without an image that end it")
-      ->type_name("MS");
+  addNumberOption(*command, "--buffers", options->buffers, "N",
+                  "Buffers of the stream; 16 when not given, more for saving");
+  addNumberOption(*command, "--image-timeout", options->imageTimeout, "MS",
+                  "Milliseconds without an image that end it");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
   command
       ->add_option("-c,--camera", options->cameras,

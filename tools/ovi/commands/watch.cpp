@@ -99,8 +99,8 @@ void addWatch(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("watch", "Print values of features as they change, until Ctrl-C");
   auto options = std::make_shared<WatchOptions>();
   command->add_option("FEATURE", options->names, "Names of features")->required();
-  command->add_option("-s,--seconds", options->seconds, "For so long at most")->type_name("SECONDS");
-  command->add_option("-n,--changes", options->changes, "Ends after so many changes")->type_name("N");
+  addNumberOption(*command, "-s,--seconds", options->seconds, "SECONDS", "For so long at most");
+  addNumberOption(*command, "-n,--changes", options->changes, "N", "Ends after so many changes");
   addCameraOption(*command, common);
   addModuleOption(*command, options->module);
   command->footer("Examples:\n  ovi watch DeviceTemperature\n  ovi watch --json ExposureTime Gain --seconds 10");

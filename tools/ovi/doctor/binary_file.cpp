@@ -10,10 +10,10 @@
 #include <fstream>
 #include <optional>
 #include <string_view>
-#include <system_error>
 
 #include "paths.h"
 #include "platform/binary_format.h"
+#include "text.h"
 
 namespace tool {
 
@@ -222,7 +222,7 @@ BinaryFile inspectBinary(const std::filesystem::path& file) {
   errno = 0;
   Content content(file);
   if (!content.isOpen()) {
-    binary.kind = "cannot be read: " + std::generic_category().message(errno == 0 ? EIO : errno);
+    binary.kind = "cannot be read: " + systemReason();
     return binary;
   }
   binary.readable = true;
@@ -238,9 +238,9 @@ BinaryFile inspectBinary(const std::filesystem::path& file) {
   return binary;
 }
 
-std::string ownKind() {
-  return std::string(kContainer) + " program for " + (kMachine.empty() ? "this machine" : std::string(kMachine)) +
-         ", " + std::to_string(kBits) + " bit";
+std::string loadableKind() {
+  return std::string(kContainer) + ", " + (kMachine.empty() ? "" : std::string(kMachine) + ", ") +
+         std::to_string(kBits) + " bit";
 }
 
 }  // namespace tool

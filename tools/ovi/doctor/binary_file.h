@@ -19,7 +19,7 @@ struct BinaryFile {
 
 BinaryFile inspectBinary(const std::filesystem::path& file);
 
-/// What this program itself is: "ELF program for x86-64, 64 bit".
-std::string ownKind();
+/// The kind of library that this program can load: "ELF, x86-64, 64 bit".
+std::string loadableKind();
 
 }  // namespace tool

@@ -77,7 +77,7 @@ void writeReport(const std::filesystem::path& file, std::vector<ReportPart> part
 }
 
 std::string machineText() {
-  std::string text = "ovi " + ovi::Library::version() + ", " + ownKind() + "\n";
+  std::string text = "ovi " + ovi::Library::version() + ", " + loadableKind() + "\n";
   for (const auto& [label, value] : machineFacts())
     text += label + ": " + (value.empty() ? "?" : value) + "\n";
   text += "\nEnvironment\n";

@@ -51,13 +51,45 @@ class SafeSearchPath {
   std::string before_;
 };
 
-const ordered_json* listed(const ordered_json& list, const SeenCamera& camera) {
-  for (const ordered_json& item : list)
-    if (item.value("id", "") == camera.id &&
-        pathFromText(item.value("producerPath", "")).filename() == camera.producer.filename())
-      return &item;
-  return nullptr;
-}
+// What the library says about the cameras that producers tell.
+class LibraryView {
+ public:
+  LibraryView(ordered_json list, const std::string& log, const ProducerExamination& producers)
+      : list_(std::move(list)),
+        log_(log),
+        producers_(producers) {}
+
+  /// Whether the library was asked about this camera's producer.
+  bool wasAsked(const SeenCamera& camera) const {
+    return list_.is_array() &&
+           std::none_of(producers_.harmful.begin(), producers_.harmful.end(),
+                        [&](const auto& file) { return file.parent_path() == camera.producer.parent_path(); });
+  }
+  /// Its entry in the library's list, or null.
+  const ordered_json* entry(const SeenCamera& camera) const {
+    for (const ordered_json& item : list_)
+      if (item.value("id", "") == camera.id && mayBeOf(item.value("producerPath", ""), camera.producer))
+        return &item;
+    return nullptr;
+  }
+  /// Whether the library saw it at all, and decided about it.
+  bool saw(const SeenCamera& camera) const {
+    return log_.find("New acquisition device: [" + camera.id + "]") != std::string::npos;
+  }
+
+ private:
+  // A producer may tell no path, or another than that of its file.
+  bool mayBeOf(const std::string& told, const std::filesystem::path& producer) const {
+    const std::filesystem::path name = pathFromText(told).filename();
+    return name == producer.filename() ||
+           std::none_of(producers_.cameras.begin(), producers_.cameras.end(),
+                        [&](const SeenCamera& other) { return other.producer.filename() == name; });
+  }
+
+  ordered_json list_;
+  const std::string& log_;
+  const ProducerExamination& producers_;
+};
 
 std::string nameOfCamera(const SeenCamera& camera) {
   std::string name = camera.model.empty() ? "camera " + camera.id : camera.model;
@@ -101,24 +133,26 @@ Finding accessFinding(const SeenCamera& camera, bool isVirtual) {
   }
 }
 
-// `list` is the library's; null when the library could not be asked about this producer.
-Finding cameraFinding(const SeenCamera& camera, const ordered_json* list) {
+Finding cameraFinding(const SeenCamera& camera, const LibraryView& library) {
   const std::string name = nameOfCamera(camera) + ": ";
-  if (list == nullptr)
-    return {Level::kNote, name + "its producer tells of it; the library was not asked, because of the trouble above",
+  if (!library.wasAsked(camera))
+    return {Level::kNote,
+            name + "its producer tells of it; the library was not asked, because of the trouble with other producers",
             "", cameraFacts(camera, "not asked")};
-  const ordered_json* const item = listed(*list, camera);
-  if (item != nullptr)
+  if (const ordered_json* const item = library.entry(camera))
     return accessFinding(camera, item->value("virtual", false));
+  if (!library.saw(camera))
+    return {Level::kNote, name + "its producer tells of it, but the library's search did not find it",
+            "ovi list --verbose shows the search step by step", cameraFacts(camera, "not found")};
   if (camera.model.empty())
     return {Level::kNote, name + "is left out: it tells no model, and only cameras with a model are served",
             "open it with its maker's viewer, and ask the maker for newer firmware or a newer producer",
             cameraFacts(camera, "no model")};
   return {Level::kNote,
-          name + "is left out: its maker, " +
-              (camera.vendor.empty() ? "which it does not tell" : "\"" + camera.vendor + "\"") +
-              ", is none that the library serves",
-          "use this maker's own library, or another producer that tells a maker that is served",
+          name + "is left out: " +
+              (camera.vendor.empty() ? "it tells no maker"
+                                     : "its maker \"" + camera.vendor + "\" is not served by this library"),
+          "use its maker's own library, or a producer that tells a maker that is served",
           cameraFacts(camera, "maker not served")};
 }
 
@@ -140,11 +174,6 @@ std::vector<std::string> withProducer(const Session& session, std::vector<std::s
   if (!session.options().producer.empty())
     arguments.insert(arguments.end(), {"--producer", session.options().producer});
   return arguments;
-}
-
-bool isIn(const std::vector<std::filesystem::path>& files, const std::filesystem::path& folder) {
-  return std::any_of(files.begin(), files.end(),
-                     [&](const std::filesystem::path& file) { return file.parent_path() == folder; });
 }
 
 // Whether the library would load one of them, with the search path as it is now.
@@ -184,11 +213,15 @@ CameraExamination examineCameras(const Session& session, const ProducerExaminati
     result.findings.push_back({Level::kNote, "the library's own list was not asked for: it would load what is broken"});
   else
     list = askLibrary(session, result);
+  const LibraryView library(std::move(list), result.log, producers);
   for (const SeenCamera& camera : producers.cameras)
-    result.findings.push_back(cameraFinding(
-        camera, list.is_array() && !isIn(producers.harmful, camera.producer.parent_path()) ? &list : nullptr));
+    result.findings.push_back(cameraFinding(camera, library));
   addTwins(producers.cameras, result.findings);
-  if (producers.cameras.empty())
+  const bool trouble = std::any_of(producers.producers.begin(), producers.producers.end(),
+                                   [](const Finding& finding) { return finding.level == Level::kProblem; });
+  if (producers.cameras.empty() && trouble)
+    result.findings.push_back({Level::kProblem, "no producer tells of any", "what is said about the producers above"});
+  else if (producers.cameras.empty())
     result.findings.push_back(
         {Level::kProblem, "no producer tells of any",
          "is it powered and connected? A network camera needs an address in the subnet of its adapter and a firewall "

@@ -48,6 +48,8 @@ std::string adviceForLoading(const ordered_json& answer) {
     return "it was built for a newer system: ask its maker for one for this system";
   if (matchesPattern("undefined symbol", reason))
     return "it does not fit the libraries that it finds here: ldd -r shows which ones they are";
+  if (matchesPattern("executable", reason))
+    return "it is a program: is it the right file?";
   return "install it again: the file may be damaged";
 }
 
@@ -70,6 +72,8 @@ std::string adviceForFault(const ordered_json& fault) {
   const std::string result = textIn(fault, "result");
   if (matchesPattern("RESOURCE_IN_USE", result) || matchesPattern("ACCESS_DENIED", result))
     return "another program may hold it: close that program";
+  if (matchesPattern("TIMEOUT", result))
+    return "give it more time: ovi doctor --timeout 5000";
   return "is the maker's driver or service installed and running? ovi check FILE.cti tells more";
 }
 
@@ -196,8 +200,11 @@ class Interpreter {
 
   void takeFault(const ordered_json& answer) {
     const std::string module = textIn(answer, "module");
-    const std::string text = textIn(answer, "function") + " " + textIn(answer, "result");
-    if (module.empty() && !failed_)
+    const std::string function = textIn(answer, "function");
+    const std::string text = function + " " + textIn(answer, "result");
+    if (function == "TLClose" || function == "IFClose" || function == "GCCloseLib")
+      result_.producers.push_back({Level::kNote, name_ + ": " + text, "ovi check " + name_ + " tells more"});
+    else if (module.empty() && !failed_)
       problem(text, adviceForFault(answer));
     else if (!module.empty())
       result_.interfaces.push_back(
@@ -221,7 +228,7 @@ void examineProducer(const Session& session, const std::filesystem::path& file, 
   if (binary.bits == 0)
     return interpreter.problem(binary.kind, "install the producer again: this is not what its maker delivers");
   if (!binary.fits)
-    return interpreter.problem(binary.kind + ", and this is a " + ownKind(),
+    return interpreter.problem(binary.kind + "; this program can load: " + loadableKind(),
                                "install its maker's producer for this kind of machine");
   // Longer than the watch over single calls, which names the function that hangs.
   const auto patience = std::chrono::milliseconds(session.options().timeout) * 3 + std::chrono::seconds(30);
