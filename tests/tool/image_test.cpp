@@ -182,7 +182,8 @@ TEST(Images, AreCountedAndChecked) {
 }
 
 TEST(Images, ThatDoNotComeAreExplained) {
-  for (const char* command : {"grab -o none.png", "stream --frames 1 --image-timeout 600"}) {
+  for (const char* command : {"grab -o none.png", "stream --frames 1 --image-timeout 600", "stream --seconds 0.3",
+                              "scan --images 1", "bench --seconds 0.3"}) {
     std::vector<std::string> arguments = words(command);
     for (const char* word : {"--camera", "Mono", "--set", "TriggerMode=On"})
       arguments.emplace_back(word);
@@ -190,6 +191,11 @@ TEST(Images, ThatDoNotComeAreExplained) {
     EXPECT_EQ(run.code, 1) << command;
     EXPECT_THAT(run.err, AllOf(HasSubstr("trigger"), HasSubstr("TriggerMode = On"), HasSubstr("set TriggerMode=Off")));
   }
+  const Outcome other =
+      ovi(words("stream -c Mono --seconds 0.3 --set TriggerSelector=AcquisitionStart --set TriggerMode=On --set "
+                "TriggerSelector=FrameStart"));
+  EXPECT_THAT(other.err, AllOf(HasSubstr("TriggerSelector = AcquisitionStart, TriggerMode = On"),
+                               HasSubstr("set TriggerSelector=AcquisitionStart TriggerMode=Off")));
 }
 
 }  // namespace

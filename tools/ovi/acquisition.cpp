@@ -2,7 +2,9 @@
 #include "acquisition.h"
 
 #include <algorithm>
+#include <array>
 
+#include "feature_view.h"
 #include "session.h"
 #include "tool_error.h"
 
@@ -107,13 +109,28 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
   return ledger;
 }
 
-std::string triggerText(const ovi::Device& device) {
-  char mode[512] = {};
-  char source[512] = {};
-  if (oviGetFeature(device.handle(), "TriggerMode", mode) != OVI_SUCCESS || std::string(mode) != "On")
+Trigger findTrigger(const ModuleView& view) {
+  const auto valueOf = [&](const char* name) {
+    std::array<char, 512> text{};
+    return oviGetFeature(view.device().handle(), name, text.data()) == OVI_SUCCESS ? std::string(text.data())
+                                                                                   : std::string();
+  };
+  const auto select = [&](const std::string& trigger) {
+    return oviSetFeatureEnum(view.device().handle(), "TriggerSelector", trigger.c_str(), OVI_MODULE_REMOTE_DEVICE) ==
+           OVI_SUCCESS;
+  };
+  const auto text = [&] { return "TriggerMode = On, TriggerSource = " + valueOf("TriggerSource"); };
+  if (valueOf("TriggerMode") == "On")
+    return {text(), "set TriggerMode=Off"};
+  const std::string selected = valueOf("TriggerSelector");
+  if (selected.empty())
     return {};
-  oviGetFeature(device.handle(), "TriggerSource", source);
-  return "TriggerMode = On, TriggerSource = " + std::string(source);
+  Trigger found;
+  for (const std::string& other : entryNames(view, "TriggerSelector"))
+    if (found.text.empty() && other != selected && select(other) && valueOf("TriggerMode") == "On")
+      found = {"TriggerSelector = " + other + ", " + text(), "set TriggerSelector=" + other + " TriggerMode=Off"};
+  select(selected);
+  return found;
 }
 
 }  // namespace tool

@@ -8,6 +8,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "module_view.h"
 #include "ovi/ovi.hpp"
 
 namespace tool {
@@ -61,7 +62,18 @@ struct AcquisitionReports {
 /// camera is stopped and everything closed on every way out.
 Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, const AcquisitionReports& reports);
 
-/// "TriggerMode = On, TriggerSource = Line1" when the camera waits for a trigger, else empty.
-std::string triggerText(const ovi::Device& device);
+/// The trigger that the camera waits for.
+struct Trigger {
+  std::string text;  ///< "TriggerMode = On, TriggerSource = Line1"; empty when there is none
+  std::string cure;  ///< "set TriggerMode=Off"
+
+  /// ": the camera was waiting for a trigger (...)", or nothing.
+  std::string reason() const { return text.empty() ? text : ": the camera was waiting for a trigger (" + text + ")"; }
+  /// The words of the command to try next.
+  std::string next() const { return cure.empty() ? "features Acquisition" : cure; }
+};
+
+/// Looks at all of the camera's triggers, and leaves the selector as it was.
+Trigger findTrigger(const ModuleView& view);
 
 }  // namespace tool

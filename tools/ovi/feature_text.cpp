@@ -19,17 +19,11 @@ namespace tool {
 
 namespace {
 
-// The lock that a running acquisition puts on the camera's geometry, when it is the likely reason.
-std::string lockReason(const ModuleView& view) {
-  std::int64_t locked = 0;
-  if (oviGetFeatureInt(view.device().handle(), "TLParamsLocked", &locked, OVI_MODULE_REMOTE_DEVICE) == OVI_SUCCESS &&
-      locked != 0)
-    return " TLParamsLocked is " + std::to_string(locked) + ": stop the acquisition first.";
-  return {};
-}
+// The lock that a running acquisition puts on the camera's geometry.
+constexpr const char* kLock = "TLParamsLocked";
 
 // Features that the description refers to from this one, directly or through nodes that are none, with their values:
-// one of them is why it cannot be had. Empty when there is none.
+// one of them is why it cannot be had, or not with this value. Empty when there is none.
 std::string dependencyText(const ModuleView& view, const std::string& name) {
   constexpr unsigned kMaxDepth = 4;
   std::set<std::string> features;
@@ -45,7 +39,8 @@ std::string dependencyText(const ModuleView& view, const std::string& name) {
       if (!features.contains(child)) {
         if (depth < kMaxDepth)
           visit(child, depth + 1);
-      } else if (oviGetFeatureOnModule(view.handle(), child.c_str(), value, view.selector()) == OVI_SUCCESS) {
+      } else if (child != kLock &&
+                 oviGetFeatureOnModule(view.handle(), child.c_str(), value, view.selector()) == OVI_SUCCESS) {
         found.push_back(child + " = " + fromLibraryText(value));
       }
     }
@@ -53,6 +48,17 @@ std::string dependencyText(const ModuleView& view, const std::string& name) {
   visit(name, 0);
   view.session().takeMessages();
   return found.empty() ? std::string() : " It depends on " + join(found, ", ") + ".";
+}
+
+// Why it cannot be written: the lock when it is set, else what it depends on.
+std::string forbidderText(const ModuleView& view, const std::string& name) {
+  std::int64_t locked = 0;
+  const std::vector<std::string> children = view.feature(name).children();
+  if (oviGetFeatureInt(view.handle(), kLock, &locked, view.selector()) == OVI_SUCCESS && locked != 0 &&
+      std::ranges::find(children, kLock) != children.end())
+    return std::string(" ") + kLock + " = " + std::to_string(locked) + " locks it: stop the acquisition first.";
+  view.session().takeMessages();
+  return dependencyText(view, name);
 }
 
 // What the library logged about the call that failed just now.
@@ -121,14 +127,15 @@ class Refusal {
   [[noreturn]] void access() const {
     const bool available = isReadable(parameter_) || isWritable(parameter_);
     throw ToolError(assignment() + ": the feature is " + (available ? "read-only" : "not available") + " now." +
-                        dependencyText(view_, name_) + lockReason(view_),
+                        forbidderText(view_, name_),
                     showCommand());
   }
   [[noreturn]] void notA(const std::string& kind, const std::string& legal) const {
     throw ToolError(assignment() + " is no " + kind + ": " + legal, showCommand(), ExitCode::kUsage);
   }
   [[noreturn]] void outside(const std::string& problem, const std::string& nearest) const {
-    throw ToolError(assignment() + problem + rangeText(view_, parameter_) + "; nearest " + nearest,
+    throw ToolError(assignment() + problem + rangeText(view_, parameter_) + "; nearest " + nearest + "." +
+                        dependencyText(view_, name_),
                     view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
   }
   [[noreturn]] void noEntry() const {
@@ -139,7 +146,8 @@ class Refusal {
                     nearest.empty() ? showCommand() : view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
   }
   [[noreturn]] void failed(oviErr code) const {
-    throw ToolError(assignment() + ": " + ovi::makeErrorCode(code).message() + loggedReason(view_) + lockReason(view_),
+    throw ToolError(assignment() + ": " + ovi::makeErrorCode(code).message() + loggedReason(view_) +
+                        (code == OVI_ERR_NO_ACCESS ? forbidderText(view_, name_) : std::string()),
                     showCommand());
   }
   std::string range() const { return rangeText(view_, parameter_); }

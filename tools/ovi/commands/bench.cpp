@@ -114,9 +114,8 @@ void bench(Session& session, const BenchOptions& options) {
   Measurement m = measure(device, options);
   if (m.images == 0) {
     throwIfInterrupted();
-    const std::string trigger = triggerText(device);
-    throw ToolError("no image came" + (trigger.empty() ? "" : ": the camera waits for a trigger, " + trigger),
-                    session.command(trigger.empty() ? "features Acquisition" : "set TriggerMode=Off"));
+    const Trigger trigger = findTrigger(view);
+    throw ToolError("no image came" + trigger.reason(), session.command(trigger.next()));
   }
   const double rate = static_cast<double>(m.images) / m.seconds;
   const double ours = m.take.quantile(0.5) + m.release.quantile(0.5);

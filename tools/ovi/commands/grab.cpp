@@ -44,10 +44,8 @@ void grab(Session& session, const std::string& output) {
   const Ledger ledger = acquire(device, options, reports);
   if (ledger.delivered == 0) {
     throwIfInterrupted();
-    const std::string trigger = triggerText(device);
-    throw ToolError(
-        "no image came within 3 seconds" + (trigger.empty() ? "" : ": the camera waits for a trigger, " + trigger),
-        session.command(trigger.empty() ? "features Acquisition" : "set TriggerMode=Off"));
+    const Trigger trigger = findTrigger(view);
+    throw ToolError("no image came within 3 seconds" + trigger.reason(), session.command(trigger.next()));
   }
   if (session.options().json)
     printData(json.dump(2));

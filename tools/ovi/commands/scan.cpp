@@ -4,6 +4,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "acquisition.h"
 #include "commands.h"
 #include "module_view.h"
 #include "pattern_check.h"
@@ -87,6 +88,8 @@ void scan(Session& session, const ScanOptions& options) {
   throwIfInterrupted();
   if (code != OVI_SUCCESS) {
     const std::vector<std::string> messages = session.takeMessages();
+    if (const Trigger trigger = findTrigger(view); code == OVI_ERR_TIMEOUT && !trigger.text.empty())
+      throw ToolError("the scan ended early: no image came" + trigger.reason(), session.command(trigger.next()));
     throw ToolError("the scan ended early: " + ovi::makeErrorCode(code).message() +
                         (messages.empty() ? std::string() : " (" + messages.back() + ")"),
                     session.command("stream --frames 100"));

@@ -45,8 +45,8 @@ class Run {
     acquisition_.buffers = options.buffers != 0 ? options.buffers : usualBuffers();
     if (options.checkPattern)
       pattern_ = std::make_unique<TestPattern>(device_);
-    trigger_ = triggerText(device_);
-    acquisition_.patient = !trigger_.empty() && (acquisition_.frames == 0 || acquisition_.seconds > 0);
+    trigger_ = findTrigger(view_);
+    acquisition_.patient = !trigger_.text.empty() && (acquisition_.frames == 0 || acquisition_.seconds > 0);
   }
   ~Run() { join(); }
   Run(const Run&) = delete;
@@ -69,7 +69,7 @@ class Run {
   }
   std::exception_ptr failure() const { return failure_; }
   const std::string& name() const { return name_; }
-  const std::string& trigger() const { return trigger_; }
+  const Trigger& trigger() const { return trigger_; }
 
   // The camera's part of the live line.
   std::string liveText() const {
@@ -80,7 +80,7 @@ class Run {
     if (filled_ >= 0)
       text += ", " + std::to_string(filled_) + " of " + std::to_string(acquisition_.buffers) + " buffers filled";
     if (ledger_.waiting)
-      text += trigger_.empty() ? ", waiting for an image" : ", waiting for a trigger (" + trigger_ + ")";
+      text += trigger_.text.empty() ? ", waiting for an image" : ", waiting for a trigger (" + trigger_.text + ")";
     return text;
   }
 
@@ -146,7 +146,7 @@ class Run {
   AcquisitionOptions acquisition_;
   std::unique_ptr<TestPattern> pattern_;
   PatternCheck check_;
-  std::string trigger_;
+  Trigger trigger_;
   std::exception_ptr failure_;
   mutable std::mutex mutex_;
   Ledger ledger_;
@@ -207,7 +207,8 @@ void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& 
     printNote((runs.size() == 1 ? "" : run->name() + ": ") + std::to_string(ledger.delivered) +
               (ledger.delivered == 1 ? " frame in " : " frames in ") + fixedText(ledger.seconds, 2) + " s, " +
               rateText(ledger) + "; " + lossText(ledger));
-    printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger));
+    printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger) +
+              (interrupted() && ledger.delivered == 0 ? run->trigger().reason() : ""));
   }
   if (session.options().json)
     printData(runs.size() == 1 ? all.front().dump(2) : all.dump(2));
@@ -218,13 +219,14 @@ void failForRuns(const Session& session, const StreamOptions& options, const std
     if (run->failure())
       std::rethrow_exception(run->failure());
   for (const auto& run : runs) {
-    if (!run->ledger().timedOut)
-      continue;
-    const std::string text = run->name() + ": no image came within " + std::to_string(options.imageTimeout) + " ms";
-    if (run->trigger().empty())
-      throw ToolError(text, session.command("features Acquisition", run->name()));
-    throw ToolError(text + ": the camera is waiting for a trigger (" + run->trigger() + ")",
-                    session.command("set TriggerMode=Off", run->name()));
+    const Ledger ledger = run->ledger();
+    const bool empty = ledger.delivered == 0 && ledger.incomplete == 0 && !interrupted();
+    if (ledger.timedOut || empty)
+      throw ToolError(run->name() + ": no image came " +
+                          (ledger.timedOut ? "within " + std::to_string(options.imageTimeout) + " ms"
+                                           : "in " + fixedText(ledger.seconds, 1) + " s") +
+                          run->trigger().reason(),
+                      session.command(run->trigger().next(), run->name()));
   }
   throwIfInterrupted();
   for (const auto& run : runs)
