@@ -260,7 +260,7 @@ void addFile(CLI::App& app, CommonOptions& common, Action& action) {
       ->type_name("NAME");
   putCommand->add_option("--read-back", options->readBack, "Afterwards read it again into this file")
       ->type_name("FILE");
-  putCommand->add_flag("--yes", options->yes, "Write firmware without asking");
+  putCommand->add_flag("--yes", options->yes, "Write firmware, which may disable a camera");
   addNumberOption(*putCommand, "--silence", options->silence, "MS", "Milliseconds that the camera may be silent");
   addCameraOption(*putCommand, common);
   putCommand->footer("Examples:\n  ovi file put settings.bin --as UserSet1\n  ovi file put firmware.bin --yes");

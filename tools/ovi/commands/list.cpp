@@ -96,8 +96,7 @@ void showOverview(Session& session) {
   printData("\n" + std::to_string(cameras.size()) + " camera" + (cameras.size() == 1 ? "" : "s") + ", " +
             std::to_string(real) + " real and " + std::to_string(cameras.size() - static_cast<std::size_t>(real)) +
             " virtual.");
-  const auto first =
-      std::find_if(cameras.begin(), cameras.end(), [&](const Camera& c) { return real == 0 || !c.isVirtual; });
+  const auto first = std::ranges::find_if(cameras, [&](const Camera& c) { return real == 0 || !c.isVirtual; });
   const std::string name = cameras.size() == 1 ? "" : first->shortName();
   printData("\nNext:\n  " + session.command("list") + "\n  " + session.command("grab -o first.png", name) + "\n  " +
             session.command("stream --frames 100", name) + "\n  " + session.command("features", name) +
@@ -113,6 +112,7 @@ void addList(CLI::App& app, CommonOptions& /*common*/, Action& action) {
 void addInfo(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("info", "Show what is known about one camera");
   command->add_option("CAMERA", common.camera, "Number, serial number, user-defined name, model or ID");
+  addCameraOption(*command, common);
   command->footer("Examples:\n  ovi info\n  ovi info 2");
   command->callback([&action] { action = [](Session& session) { info(session, {}); }; });
 }

@@ -127,8 +127,8 @@ void addMem(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("mem", "Read and write the memory of a camera");
   command->require_subcommand(1);
   command->footer(
-      "Examples:\n  ovi mem read 0x0 64\n  ovi mem read 0x10000 0x400 --output dump.bin\n"
-      "  ovi mem write 0x1000 00000001");
+      "Examples:\n  ovi mem read 0x10830 64\n  ovi mem read 0x10830 0x400 --output dump.bin\n"
+      "  ovi mem write 0x10834 10000000");
   auto options = std::make_shared<MemoryOptions>();
 
   CLI::App* readCommand = command->add_subcommand("read", "Print bytes as they lie in the camera");
@@ -136,14 +136,14 @@ void addMem(CLI::App& app, CommonOptions& common, Action& action) {
   readCommand->add_option("LENGTH", options->length, "Bytes; 4 when not given");
   readCommand->add_option("-o,--output", options->output, "File to write the bytes to")->type_name("FILE");
   addCameraOption(*readCommand, common);
-  readCommand->footer("Examples:\n  ovi mem read 0x0 64\n  ovi mem read 0x10000 0x400 --output dump.bin");
+  readCommand->footer("Examples:\n  ovi mem read 0x10830 64\n  ovi mem read 0x10830 0x400 --output dump.bin");
   readCommand->callback([=, &action] { action = [=](Session& session) { read(session, *options); }; });
 
   CLI::App* writeCommand = command->add_subcommand("write", "Write bytes as they are to lie in the camera");
   writeCommand->add_option("ADDRESS", options->address, "Decimal, or hexadecimal after 0x")->required();
   writeCommand->add_option("BYTES", options->bytes, "Two hexadecimal digits for each byte")->required();
   addCameraOption(*writeCommand, common);
-  writeCommand->footer("Examples:\n  ovi mem write 0x1000 00000001\n  ovi mem write 0x1000 de ad be ef");
+  writeCommand->footer("Examples:\n  ovi mem write 0x10834 10000000\n  ovi mem write 0x1000 de ad be ef");
   writeCommand->callback([=, &action] { action = [=](Session& session) { write(session, *options); }; });
 }
 

@@ -91,6 +91,7 @@ void watch(Session& session, const WatchOptions& options) {
       ++printed;
     }
   }
+  throwIfInterrupted();
 }
 
 }  // namespace
