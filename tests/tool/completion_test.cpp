@@ -57,6 +57,8 @@ TEST(Completion, KnowsCommandsOptionsCamerasFeaturesAndValues) {
   }
 }
 
+#ifndef _WIN32
+
 // Sources the function as a shell does, and prints what it offers for the line.
 std::vector<std::string> bashOffers(const std::string& line, const std::string& wordBreaks) {
   writeText("complete.sh", "set -u\nPATH=" + std::filesystem::path(OVI_PROGRAM).parent_path().string() +
@@ -83,6 +85,8 @@ TEST(Completion, ReplacesOnlyWhatBashTakesForAWord) {
   EXPECT_THAT(bashOffers("ovi grab -o ", "' ='"), IsEmpty());
   EXPECT_THAT(bashOffers("ovi nothing ", "' ='"), IsEmpty());
 }
+
+#endif
 
 TEST(ManualPage, TellsEveryCommand) {
   const Outcome run = ovi({"man"});

@@ -20,11 +20,11 @@ TEST(Interrupt, StopsEveryCommandWithTheCameraClosed) {
   const Environment slow("OVI_VIRTUAL_FIRMWARE_APPLY_MS", "60000");
   const std::vector<Interrupted> commands = {
       {"stream -c Mono --save pictures --format raw", "frame-"},
-      {"stream -c Mono --set TriggerMode=On --verbose", "AcquisitionStart"},
-      {"grab -c Mono --set TriggerMode=On --verbose", "AcquisitionStart"},
+      {"stream -c Mono --set TriggerMode=On --verbose", "Timeout waiting"},
+      {"grab -c Mono --set TriggerMode=On --verbose", "Timeout waiting"},
       {"watch Width -c Mono", "Width="},
-      {"scan -c Mono --minutes 5 --verbose", "AcquisitionStart"},
-      {"bench -c Mono --seconds 60 --verbose", "AcquisitionStart"},
+      {"scan -c Mono --minutes 5 --verbose", "allocate Buffers"},
+      {"bench -c Mono --seconds 60 --verbose", "allocate Buffers"},
       {"check " VIRTUAL_DIR "/VirtualCamera.cti", "Life cycle"},
       {"doctor --verbose", "Using search paths"},
   };

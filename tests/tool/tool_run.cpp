@@ -101,9 +101,10 @@ Outcome ovi(const std::vector<std::string>& arguments) {
 
 #ifndef _WIN32
 Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
-  const std::string files = std::string(kOut) + " " + kErr;
-  return finish("rm -f " + files + "; " + oviCommand(arguments) + " & child=$!; while kill -0 $child && ! grep -qs " +
-                quoted(text) + " " + files + "; do sleep 0.02; done; kill -INT $child; wait $child");
+  // One that never says it is killed, which is no interrupt.
+  return finish("rm -f " + std::string(kOut) + " " + kErr + "; " + oviCommand(arguments) +
+                " & child=$!; signal=KILL; for i in $(seq 1500); do if grep -qs " + quoted(text) + " " + kOut + " " +
+                kErr + "; then signal=INT; break; fi; sleep 0.02; done; kill -$signal $child; wait $child");
 }
 
 Outcome shell(const std::vector<std::string>& words) {

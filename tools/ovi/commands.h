@@ -44,7 +44,7 @@ template<class Number>
 CLI::Option* addNumberOption(CLI::App& command, const std::string& names, Number& value, const char* unit,
                              const std::string& description) {
   const auto check = [](const std::string& text) {
-    return text.compare(0, 1, "-") == 0 ? "\"" + text + "\" is less than 0" : std::string();
+    return text.starts_with("-") ? "\"" + text + "\" is less than 0" : std::string();
   };
   return command.add_option(names, value, description)->type_name(unit)->check(check);
 }

@@ -95,7 +95,7 @@ std::string plainWords(const std::string& text) {
   constexpr std::string_view kRequired = ": 1 required ";
   constexpr std::string_view kMissing = " missing";
   const std::size_t equals = text.find(" = ");
-  if (text.compare(0, kConvert.size(), kConvert) == 0 && equals != std::string::npos)
+  if (text.starts_with(kConvert) && equals != std::string::npos)
     return text.substr(kConvert.size(), equals - kConvert.size()) + " takes a number, and \"" +
            text.substr(equals + 3) + "\" is none that fits";
   const std::size_t required = text.find(kRequired);

@@ -153,7 +153,7 @@ void requireProducer(const Session& session, const std::string& producer) {
 void requireGroups(const CheckOptions& options) {
   const std::vector<std::string> names = checkGroupNames();
   for (const std::string& group : options.only) {
-    if (std::find(names.begin(), names.end(), group) != names.end())
+    if (std::ranges::find(names, group) != names.end())
       continue;
     const std::string nearest = nearestMatch(group, names);
     throw ToolError("there is no group \"" + group + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?") +

@@ -130,7 +130,7 @@ Candidates valuesFor(const UnfinishedLine& line) {
   const std::string& kind = line.valueKind();
   if (const auto finder = finders.find(kind); finder != finders.end())
     return finder->second();
-  const bool file = kind.compare(0, 4, "FILE") == 0 || kind == "PRODUCER";
+  const bool file = kind.starts_with("FILE") || kind == "PRODUCER";
   return file ? Candidates{{kFiles}} : Candidates{};
 }
 
@@ -138,7 +138,7 @@ Candidates valuesFor(const UnfinishedLine& line) {
 Candidates goingOn(const Candidates& candidates, const std::string& typed) {
   Candidates found;
   for (const Candidate& candidate : candidates)
-    if (candidate.text[0] == ':' || candidate.text.compare(0, typed.size(), typed) == 0)
+    if (candidate.text[0] == ':' || candidate.text.starts_with(typed))
       found.push_back(candidate);
   if (found.empty())
     for (const Candidate& candidate : candidates)

@@ -29,7 +29,7 @@ std::string roffLine(const std::string& text) {
   return (request ? "\\&" : "") + roff(text) + "\n";
 }
 
-bool isShown(const CLI::Option& option) {
+bool isDocumented(const CLI::Option& option) {
   return !option.get_group().empty();
 }
 
@@ -37,7 +37,7 @@ std::string synopsis(const CLI::App& command, const std::string& name) {
   std::string text = ".B " + roff(name);
   bool hasOptions = false;
   for (const CLI::Option* option : command.get_options())
-    hasOptions = hasOptions || (isShown(*option) && !option->get_positional() &&
+    hasOptions = hasOptions || (isDocumented(*option) && !option->get_positional() &&
                                 option->get_lnames() != std::vector<std::string>{"help"});
   if (hasOptions)
     text += "\n.RI [ options ]";
@@ -52,7 +52,7 @@ std::string synopsis(const CLI::App& command, const std::string& name) {
 
 void writeOptions(std::ostream& page, const CLI::App& command) {
   for (const CLI::Option* option : command.get_options()) {
-    if (!isShown(*option) || option->get_name(false, true).find("--help") != std::string::npos)
+    if (!isDocumented(*option) || option->get_name(false, true).find("--help") != std::string::npos)
       continue;
     std::string label;
     if (option->get_positional()) {
@@ -74,7 +74,7 @@ void writeFooter(std::ostream& page, const std::string& footer) {
   std::istringstream lines(footer);
   bool inExamples = false;
   for (std::string line; std::getline(lines, line);) {
-    const bool example = line.compare(0, 2, "  ") == 0;
+    const bool example = line.starts_with("  ");
     if (example != inExamples)
       page << (example ? ".PP\n.nf\n.RS\n" : ".RE\n.fi\n");
     else if (line.empty())

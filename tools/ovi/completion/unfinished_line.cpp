@@ -85,7 +85,7 @@ void UnfinishedLine::finish(const std::string& word) {
     return;
   }
   const std::size_t equals = word.find('=');
-  if (!onlyPositionals_ && word.compare(0, 2, "--") == 0 && equals != std::string::npos) {
+  if (!onlyPositionals_ && word.starts_with("--") && equals != std::string::npos) {
     if (const CLI::Option* const found = option(word.substr(0, equals)); found != nullptr && takesValue(*found)) {
       valueKind_ = found->get_type_name();
       value_ = word.substr(equals + 1);

@@ -230,9 +230,8 @@ BinaryFile inspectBinary(const std::filesystem::path& file) {
   if (start.empty())
     binary.kind = "empty file";
   else if (!inspectElf(content, file.parent_path(), binary) && !inspectPe(content, binary)) {
-    const bool printable = std::all_of(start.begin(), start.end(), [](char c) {
-      return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\r' || c == '\t';
-    });
+    const bool printable = std::ranges::all_of(
+        start, [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\r' || c == '\t'; });
     binary.kind = printable ? "text, no library" : "no library";
   }
   return binary;

@@ -34,8 +34,7 @@ void hideHome(std::string& text) {
 bool isOurs(const std::string& variable) {
   constexpr std::array<std::string_view, 5> kBeginnings = {"GENICAM_", "GENTL", "OVI_",
                                                            "LD_LIBRARY_PATH=", "LD_PRELOAD="};
-  return std::any_of(kBeginnings.begin(), kBeginnings.end(),
-                     [&](std::string_view beginning) { return variable.compare(0, beginning.size(), beginning) == 0; });
+  return std::ranges::any_of(kBeginnings, [&](std::string_view beginning) { return variable.starts_with(beginning); });
 }
 
 class Archive {
@@ -82,7 +81,7 @@ std::string machineText() {
     text += label + ": " + (value.empty() ? "?" : value) + "\n";
   text += "\nEnvironment\n";
   std::vector<std::string> variables = environmentVariables();
-  std::sort(variables.begin(), variables.end());
+  std::ranges::sort(variables);
   for (const std::string& variable : variables)
     if (isOurs(variable))
       text += variable + "\n";

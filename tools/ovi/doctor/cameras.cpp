@@ -15,8 +15,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr std::chrono::seconds kSearchTime{120};
-constexpr std::chrono::seconds kImageTime{60};
+constexpr std::chrono::seconds kListTime{120};
+constexpr std::chrono::seconds kTrialTime{60};
 
 // What is the matter with a child that did not give an answer; empty when it did.
 std::string childFailure(const ChildResult& child) {
@@ -35,7 +35,7 @@ class SafeSearchPath {
   explicit SafeSearchPath(const std::vector<std::filesystem::path>& harmful) : before_(environmentVariable(kName)) {
     std::vector<std::string> safe;
     for (const std::string& folder : split(before_, searchPathSeparators()))
-      if (std::none_of(harmful.begin(), harmful.end(), [&](const std::filesystem::path& file) {
+      if (std::ranges::none_of(harmful, [&](const std::filesystem::path& file) {
             std::error_code error;
             return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
           }))
@@ -61,9 +61,9 @@ class LibraryView {
 
   /// Whether the library was asked about this camera's producer.
   bool wasAsked(const SeenCamera& camera) const {
-    return list_.is_array() &&
-           std::none_of(producers_.harmful.begin(), producers_.harmful.end(),
-                        [&](const auto& file) { return file.parent_path() == camera.producer.parent_path(); });
+    return list_.is_array() && std::ranges::none_of(producers_.harmful, [&](const auto& file) {
+             return file.parent_path() == camera.producer.parent_path();
+           });
   }
   /// Its entry in the library's list, or null.
   const ordered_json* entry(const SeenCamera& camera) const {
@@ -81,9 +81,9 @@ class LibraryView {
   // A producer may tell no path, or another than that of its file.
   bool mayBeOf(const std::string& told, const std::filesystem::path& producer) const {
     const std::filesystem::path name = pathFromText(told).filename();
-    return name == producer.filename() ||
-           std::none_of(producers_.cameras.begin(), producers_.cameras.end(),
-                        [&](const SeenCamera& other) { return other.producer.filename() == name; });
+    return name == producer.filename() || std::ranges::none_of(producers_.cameras, [&](const SeenCamera& other) {
+             return other.producer.filename() == name;
+           });
   }
 
   ordered_json list_;
@@ -179,8 +179,8 @@ std::vector<std::string> withProducer(const Session& session, std::vector<std::s
 // Whether the library would load one of them, with the search path as it is now.
 bool loadsAny(const Session& session, const std::vector<std::filesystem::path>& files) {
   const std::vector<std::string> folders = session.folders();
-  return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
-    return std::any_of(files.begin(), files.end(), [&](const std::filesystem::path& file) {
+  return std::ranges::any_of(folders, [&](const std::string& folder) {
+    return std::ranges::any_of(files, [&](const std::filesystem::path& file) {
       std::error_code error;
       return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
     });
@@ -189,7 +189,7 @@ bool loadsAny(const Session& session, const std::vector<std::filesystem::path>& 
 
 // The library's list; null when it gave none, and then the result says why.
 ordered_json askLibrary(const Session& session, CameraExamination& result) {
-  const ChildResult child = runChild(ownProgram(), withProducer(session, {"list", "--verbose"}), kSearchTime);
+  const ChildResult child = runChild(ownProgram(), withProducer(session, {"list", "--verbose"}), kListTime);
   throwIfInterrupted();
   result.log = child.messages;
   ordered_json list = ordered_json::parse(child.output, nullptr, false);
@@ -217,8 +217,8 @@ CameraExamination examineCameras(const Session& session, const ProducerExaminati
   for (const SeenCamera& camera : producers.cameras)
     result.findings.push_back(cameraFinding(camera, library));
   addTwins(producers.cameras, result.findings);
-  const bool trouble = std::any_of(producers.producers.begin(), producers.producers.end(),
-                                   [](const Finding& finding) { return finding.level == Level::kProblem; });
+  const bool trouble =
+      std::ranges::any_of(producers.producers, [](const Finding& finding) { return finding.level == Level::kProblem; });
   if (producers.cameras.empty() && trouble)
     result.findings.push_back({Level::kProblem, "no producer tells of any", "what is said about the producers above"});
   else if (producers.cameras.empty())
@@ -231,7 +231,7 @@ CameraExamination examineCameras(const Session& session, const ProducerExaminati
 
 Findings examineImages(const Session& session, const std::string& camera) {
   const ChildResult child =
-      runChild(ownProgram(), withProducer(session, {"stream", "--camera", camera, "--seconds", "3"}), kImageTime);
+      runChild(ownProgram(), withProducer(session, {"stream", "--camera", camera, "--seconds", "3"}), kTrialTime);
   throwIfInterrupted();
   if (const std::string failure = childFailure(child); !failure.empty())
     return {{Level::kProblem, "taking images from camera " + camera + " " + failure,
@@ -239,13 +239,13 @@ Findings examineImages(const Session& session, const std::string& camera) {
   const ordered_json ledger = ordered_json::parse(child.output, nullptr, false);
   std::vector<std::string> lines = split(child.messages, "\r\n");
   std::string advice;
-  if (!lines.empty() && lines.back().compare(0, 5, "try: ") == 0) {
+  if (!lines.empty() && lines.back().starts_with("try: ")) {
     advice = lines.back().substr(5);
     lines.pop_back();
   }
   if (!ledger.is_object() || child.exitCode != 0) {
     std::string reason = lines.empty() ? "no reason is given" : lines.back();
-    if (reason.compare(0, 5, "ovi: ") == 0)
+    if (reason.starts_with("ovi: "))
       reason = reason.substr(5);
     return {
         {Level::kProblem, "camera " + camera + ": " + reason, advice, ledger.is_object() ? ledger : ordered_json()}};

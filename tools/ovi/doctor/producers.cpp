@@ -65,7 +65,7 @@ std::string reasonForLoading(const std::string& name, const ordered_json& answer
     return "does not load: " + text;
   // The reason names the file, as our text does.
   const std::string reason = textIn(answer, "reason");
-  return reason.compare(0, name.size() + 1, name + " ") == 0 ? reason.substr(name.size() + 1) : reason;
+  return reason.starts_with(name + " ") ? reason.substr(name.size() + 1) : reason;
 }
 
 std::string adviceForFault(const ordered_json& fault) {
@@ -166,9 +166,8 @@ class Interpreter {
   }
 
   void takeMissing(const std::vector<std::string>& functions) {
-    const bool isProducer = std::none_of(functions.begin(), functions.end(), [](const std::string& function) {
-      return function == "GCInitLib" || function == "TLOpen";
-    });
+    const bool isProducer = std::ranges::none_of(
+        functions, [](const std::string& function) { return function == "GCInitLib" || function == "TLOpen"; });
     if (!isProducer)
       problem("is no GenTL producer: " + std::to_string(functions.size()) + " functions are not exported, " +
                   functions.front() + " among them",

@@ -58,7 +58,7 @@ void examineFolder(const std::string& folder, SearchPathExamination& result) {
   if (error)
     return result.findings.push_back({Level::kProblem, folder + ": cannot be read: " + error.message(),
                                       "let this user read it, or install the producer again"});
-  std::sort(files.begin(), files.end());
+  std::ranges::sort(files);
   if (files.empty())
     result.findings.push_back(
         {Level::kNote, folder + ": no producer in it (*.cti); folders below it are not searched"});
@@ -90,8 +90,7 @@ void dropUnused(Session& session, SearchPathExamination& result) {
   const std::vector<std::string> folders = split(environmentVariable(kVariable), searchPathSeparators());
   const std::vector<std::string> used = session.producers();
   const auto isIn = [](const std::vector<std::string>& names, const fs::path& path) {
-    return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& name) { return isSame(pathFromText(name), path); });
+    return std::ranges::any_of(names, [&](const std::string& name) { return isSame(pathFromText(name), path); });
   };
   std::erase_if(result.producers, [&](const fs::path& file) {
     const bool unused = isIn(folders, file.parent_path()) && !isIn(used, file);
@@ -104,19 +103,19 @@ void dropUnused(Session& session, SearchPathExamination& result) {
 // Producers that are installed but not on the path.
 std::vector<std::string> installedFolders() {
   constexpr int kDeepest = 5;
-  constexpr std::size_t kMostEntries = 50'000;
+  constexpr std::size_t kMostVisited = 50'000;
   std::vector<std::string> found;
   std::size_t entries = 0;
   for (const std::string& root : usualProducerFolders()) {
     std::error_code error;
     fs::recursive_directory_iterator entry(pathFromText(root), fs::directory_options::skip_permission_denied, error);
-    for (; !error && entry != fs::recursive_directory_iterator() && ++entries < kMostEntries; entry.increment(error)) {
+    for (; !error && entry != fs::recursive_directory_iterator() && ++entries < kMostVisited; entry.increment(error)) {
       if (entry.depth() >= kDeepest)
         entry.disable_recursion_pending();
       if (entry->path().extension() != ".cti")
         continue;
       const std::string folder = pathText(entry->path().parent_path());
-      if (std::find(found.begin(), found.end(), folder) == found.end())
+      if (std::ranges::find(found, folder) == found.end())
         found.push_back(folder);
     }
   }
@@ -132,8 +131,8 @@ SearchPathExamination examineSearchPath(Session& session) {
   if (wanted.empty() && environmentVariable(kVariable).empty()) {
     std::string advice = "install the camera maker's producer, or name one with --producer FILE.cti";
     for (const std::string& folder : installedFolders())
-      if (std::none_of(folders.begin(), folders.end(),
-                       [&](const std::string& known) { return isSame(pathFromText(known), pathFromText(folder)); })) {
+      if (std::ranges::none_of(
+              folders, [&](const std::string& known) { return isSame(pathFromText(known), pathFromText(folder)); })) {
         advice = "there are producers in " + folder + ": put this folder into " + kVariable +
                  ", where their installer should have entered it; log in again after an installation";
         break;

@@ -46,8 +46,7 @@ std::string valueOfKey(const fs::path& file, const std::string& key, char separa
   std::ifstream stream(file);
   for (std::string line; std::getline(stream, line);) {
     const std::size_t at = line.find(separator);
-    if (at == std::string::npos || line.compare(0, key.size(), key) != 0 ||
-        line.find_first_not_of(" \t", key.size()) != at)
+    if (at == std::string::npos || !line.starts_with(key) || line.find_first_not_of(" \t", key.size()) != at)
       continue;
     const std::size_t first = line.find_first_not_of(" \t\"", at + 1);
     const std::size_t last = line.find_last_not_of(" \t\"");
@@ -61,7 +60,7 @@ std::vector<fs::path> entriesOf(const fs::path& folder) {
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
     entries.push_back(entry->path());
-  std::sort(entries.begin(), entries.end());
+  std::ranges::sort(entries);
   return entries;
 }
 
