@@ -116,7 +116,8 @@ const CLI::App* commandBelow(const CLI::App& parent, const std::string& name) {
 std::vector<std::string> orderedArguments(const CLI::App& app, std::vector<std::string> arguments) {
   if (!arguments.empty() && arguments.front() == "help") {
     arguments.erase(arguments.begin());
-    arguments.emplace_back("--help");
+    if (arguments.empty() || commandBelow(app, arguments.front()) != nullptr)
+      arguments.emplace_back("--help");
   }
   std::vector<std::string> before;
   std::vector<std::string> moved;
