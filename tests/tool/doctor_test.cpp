@@ -112,6 +112,7 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
   const std::vector<Wrong> cases = {
       {"crash",
        {"Hostile.cti: crashes in its own start, while it is loaded", "take its folder out of the search path"}},
+      {"exit", {"Hostile.cti: ends the program that loads it, with exit code 3", "take its folder out"}},
       {"block TLOpen", {"Hostile.cti: hangs: TLOpen does not come back"}},
       {"fail GCInitLib -1001", {"Hostile.cti: GCInitLib returned GC_ERR_ERROR (-1001)", "driver or service"}},
       {"fail TLOpen -1004", {"TLOpen returned GC_ERR_RESOURCE_IN_USE", "close that program"}},

@@ -36,6 +36,8 @@ struct Orders {
       hostility.pauseFrames(nullptr, 1);
     if (order == "slow" && words >> number)
       hostility.slowUpdates(static_cast<std::uint64_t>(number));
+    if (order == "exit")
+      std::_Exit(3);
     if (order == "crash")
       std::raise(SIGSEGV);
   }

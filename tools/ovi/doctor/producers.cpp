@@ -105,8 +105,10 @@ class Interpreter {
       harm("hangs: it gave no answer in time");
     else if (!hung_.empty())
       harm("hangs: " + hung_ + " does not come back");
+    else if (!ended_ && !failed_ && lastLine(child.messages).starts_with("ovi: "))
+      problem("cannot be tried: " + lastLine(child.messages).substr(5), "");
     else if (!ended_ && !failed_)
-      problem("cannot be tried: " + lastLine(child.messages), "");
+      harm("ends the program that loads it, with exit code " + std::to_string(child.exitCode));
     if (!failed_)
       good();
   }

@@ -37,7 +37,7 @@ void examineFolder(const std::string& folder, SearchPathExamination& result) {
                                       std::string("take it out of ") + kVariable + ", or install the producer again"});
   if (status.type() == fs::file_type::regular)
     return result.findings.push_back({Level::kProblem, folder + ": is a file, and folders are searched",
-                                      "name its folder instead: " + pathText(path.parent_path())});
+                                      "name its folder instead: " + pathText(fs::absolute(path).parent_path())});
   std::vector<fs::path> files;
   for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
     const std::string extension = pathText(entry->path().extension());
@@ -48,10 +48,12 @@ void examineFolder(const std::string& folder, SearchPathExamination& result) {
            pathText(entry->path()) + ": is not searched for: its extension is no \".cti\" in small letters",
            "rename it"});
     else if (extension == ".cti" && !entry->is_regular_file(ignored))
-      result.findings.push_back({Level::kNote,
-                                 pathText(entry->path()) + (entry->is_directory(ignored) ? ": is a folder, no producer"
-                                                                                         : ": leads to no file"),
-                                 "install the producer again"});
+      result.findings.push_back(
+          {Level::kNote,
+           pathText(entry->path()) + (entry->is_directory(ignored) ? ": is a folder, no producer"
+                                      : entry->exists(ignored)     ? ": is a pipe or a device, no producer"
+                                                                   : ": leads to no file"),
+           "install the producer again"});
     else if (extension == ".cti")
       files.push_back(entry->path());
   }
