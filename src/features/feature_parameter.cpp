@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "features/memory.h"
 #include "gentl/device.h"
 #include "gentl/guard.h"
+#include "platform/platform.h"
 #include "typed_node.h"
 
 namespace OVI {
@@ -144,7 +146,8 @@ oviErr fillString(oviFeatureParameter& record, GenApi::INode& base) {
   auto& node = *GenApi::CStringPtr(&base);
   FirstFailure result;
   result(reading(kSite, "Failed to get feature value! Error: ", [&] {
-    boundedCopy(record.stringValue, node.GetValue(false, false).c_str());
+    std::string room;
+    boundedCopy(record.stringValue, platform::viewFromUtf8(node.GetValue(false, false).c_str(), room));
   }));
   result(reading(kSite,
                  "Failed to get max string length! Error: ", [&] { record.maxStringLength = node.GetMaxLength(); }));
@@ -228,7 +231,10 @@ void fillIdentity(oviFeatureParameter& record, GenApi::INode& node, GenTLCpp::Fe
     const GenTLCpp::FeatureTexts& texts = feature->getTexts();
     fillNames(record, feature->getName(), texts.displayName, texts.toolTip);
   } else {
-    fillNames(record, node.GetName(false).c_str(), node.GetDisplayName().c_str(), node.GetToolTip().c_str());
+    std::string displayName;
+    std::string toolTip;
+    fillNames(record, node.GetName(false).c_str(), platform::viewFromUtf8(node.GetDisplayName().c_str(), displayName),
+              platform::viewFromUtf8(node.GetToolTip().c_str(), toolTip));
   }
 }
 

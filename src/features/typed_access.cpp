@@ -2,8 +2,11 @@
 #include "features/typed_access.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 #include "core/bounded_copy.h"
+#include "platform/platform.h"
 #include "typed_node.h"
 
 namespace OVI {
@@ -96,10 +99,12 @@ oviErr oviGetFeatureString(std::uint64_t handle, const char* name, char* buffer,
     code = readNode(code, found, name, text);
   if (code != OVI_SUCCESS)
     return code;
+  std::string room;
+  const std::string_view narrow = platform::viewFromUtf8(text.c_str(), room);
   if (*size == 0 || buffer == nullptr)
-    *size = text.length() + 1;
+    *size = narrow.length() + 1;
   else
-    boundedCopy(buffer, *size, text.c_str());
+    boundedCopy(buffer, *size, narrow);
   return OVI_SUCCESS;
 }
 
@@ -124,7 +129,9 @@ oviErr oviSetFeatureString(std::uint64_t handle, const char* name, const char* v
   const oviErr lookup = getBaseNode(handle, name, found, selector);
   if (GenApi::IEnumeration* const enumeration = asEnumeration(found.node))
     return setEntry(*enumeration, "OVI::oviSetFeatureString", name, value);
-  return writeNode(lookup, found, name, GenICam::gcstring(value));
+  std::string room;
+  const std::string_view text = platform::viewInUtf8(value, room);
+  return writeNode(lookup, found, name, GenICam::gcstring(text.data(), text.size()));
 }
 
 oviErr oviSetFeatureEnum(std::uint64_t handle, const char* name, const char* entryName, std::uint32_t selector) {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "core/global_state.h"
 #include "core/log.h"
 #include "features/node_lookup.h"
 #include "gentl/guard.h"
+#include "platform/platform.h"
 
 namespace OVI {
 
@@ -34,8 +36,8 @@ template<class T>
 T printable(T value) {
   return value;
 }
-inline const char* printable(const GenICam::gcstring& value) {
-  return value.c_str();
+inline std::string printable(const GenICam::gcstring& value) {
+  return platform::fromUtf8(value.c_str());
 }
 
 /** What every look-up refuses at once and without a log line: NotInitialized (-100) or InvalidParameter (-105). */

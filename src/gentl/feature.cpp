@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/log.h"
+#include "platform/platform.h"
 
 namespace GenTLCpp {
 
@@ -85,8 +86,13 @@ const FeatureTexts& Feature::getTexts() {
         GenICam::gcstring attribute;
         return names.contains(name) && node_->GetProperty(name, value, attribute) ? value.c_str() : "";
       };
-      texts_ = {node_->GetDisplayName().c_str(), node_->GetToolTip().c_str(), property("DisplayNotation"),
-                property("DisplayPrecision"),    property("Representation"),  property("Unit")};
+      using OVI::platform::fromUtf8;
+      texts_ = {fromUtf8(node_->GetDisplayName().c_str()),
+                fromUtf8(node_->GetToolTip().c_str()),
+                property("DisplayNotation"),
+                property("DisplayPrecision"),
+                property("Representation"),
+                fromUtf8(property("Unit"))};
       textsKnown_.store(true, std::memory_order_release);
     }
   }

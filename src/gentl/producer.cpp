@@ -76,9 +76,9 @@ void GenTLProducer::close() noexcept {
 }
 
 std::string GenTLProducer::getInfoString(TL_INFO_CMD cmd) const {
-  return queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
+  return OVI::platform::fromUtf8(queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
     return functions_->GCGetInfo(cmd, type, buffer, size);
-  });
+  }));
 }
 
 std::string GenTLProducer::getLastErrorText() const {
@@ -86,7 +86,7 @@ std::string GenTLProducer::getLastErrorText() const {
   std::size_t size = buffer.size();
   GC_ERROR code = GC_ERR_SUCCESS;
   static_cast<void>(functions_->GCGetLastError(&code, buffer.data(), &size));
-  return std::string(OVI::boundedText(buffer.data(), buffer.size()));
+  return OVI::platform::fromUtf8(std::string(OVI::boundedText(buffer.data(), buffer.size())));
 }
 
 void* GenTLProducer::resolveExport(LibraryHandle library, const char* name) noexcept {

@@ -5,6 +5,7 @@
 
 #include "gentl/device.h"
 #include "gentl/info_query.h"
+#include "platform/platform.h"
 
 namespace GenTLCpp {
 
@@ -25,9 +26,9 @@ TLInterface::~TLInterface() {
 
 std::string TLInterface::getInfoString(INTERFACE_INFO_CMD cmd) const {
   IF_HANDLE handle = getHandle();
-  return queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
+  return OVI::platform::fromUtf8(queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
     return functions().IFGetInfo(handle, cmd, type, buffer, size);
-  });
+  }));
 }
 
 std::vector<std::string> TLInterface::getDeviceIDs() const {
@@ -57,9 +58,9 @@ std::shared_ptr<DeviceInfo> TLInterface::findDeviceInfo(const std::string& id) {
 
 std::string TLInterface::getDeviceInfoString(const std::string& id, DEVICE_INFO_CMD cmd) const {
   IF_HANDLE handle = getHandle();
-  return queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
+  return OVI::platform::fromUtf8(queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
     return functions().IFGetDeviceInfo(handle, id.c_str(), cmd, type, buffer, size);
-  });
+  }));
 }
 
 std::int32_t TLInterface::getDeviceAccessStatus(const std::string& id) const {

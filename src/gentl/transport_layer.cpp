@@ -5,6 +5,7 @@
 
 #include "gentl/info_query.h"
 #include "gentl/tl_interface.h"
+#include "platform/platform.h"
 
 namespace GenTLCpp {
 
@@ -41,9 +42,9 @@ std::vector<std::string> TransportLayer::getInterfaceIDs() const {
 
 std::string TransportLayer::getInterfaceInfoString(const std::string& id, INTERFACE_INFO_CMD cmd) const {
   TL_HANDLE handle = getHandle();
-  return queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
+  return OVI::platform::fromUtf8(queryText([&](INFO_DATATYPE* type, char* buffer, std::size_t* size) {
     return functions().TLGetInterfaceInfo(handle, id.c_str(), cmd, type, buffer, size);
-  });
+  }));
 }
 
 std::vector<std::shared_ptr<InterfaceInfo>> TransportLayer::getInterfaceInfos() {

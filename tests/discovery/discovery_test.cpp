@@ -8,6 +8,13 @@ namespace discovery_test {
 
 class Discovery : public DiscoveryTest {};
 
+// The tree has it in UTF-8.
+#ifdef _WIN32
+constexpr const char* kForMe = "f\xFCr mich";
+#else
+constexpr const char* kForMe = "f\xC3\xBCr mich";
+#endif
+
 TEST_F(Discovery, RecordHoldsEverythingThatIsKnown) {
   ASSERT_EQ(discover(), OVI_SUCCESS);
   ASSERT_EQ(found(), 3U);
@@ -23,7 +30,7 @@ TEST_F(Discovery, RecordHoldsEverythingThatIsKnown) {
       {device(1).serialNumber, "4711", DEVICE_INFO_SERIAL_NUMBER},
       {device(1).interfaceDisplayName, "if0 info 1", -1},
       {device(1).interfaceID, "if0", -1},
-      {device(1).userDefinedName, "mine", DEVICE_INFO_USER_DEFINED_NAME},
+      {device(1).userDefinedName, kForMe, DEVICE_INFO_USER_DEFINED_NAME},
       {device(1).version, "1.2", DEVICE_INFO_VERSION},
       {device(1).interfaceTLType, "if0 info 2", -1},
       {device(1).tlDisplayName, "tree info 7", -1},

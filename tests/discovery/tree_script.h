@@ -18,7 +18,7 @@ inline std::map<int, std::string> infosOf(const std::string& model, const std::s
           {DEVICE_INFO_MODEL, model},
           {DEVICE_INFO_TLTYPE, "Custom"},
           {DEVICE_INFO_DISPLAYNAME, "display of " + model},
-          {DEVICE_INFO_USER_DEFINED_NAME, "mine"},
+          {DEVICE_INFO_USER_DEFINED_NAME, "f\xC3\xBCr mich"},
           {DEVICE_INFO_SERIAL_NUMBER, "4711"},
           {DEVICE_INFO_VERSION, "1.2"}};
 }

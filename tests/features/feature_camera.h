@@ -26,6 +26,15 @@ inline std::string bytesReg(const std::string& kind, const std::string& name, co
 
 constexpr std::size_t kLongText = 100000;
 
+// Texts outside ASCII: descriptions and cameras have UTF-8, applications the code page of a Windows for western Europe.
+#ifdef _WIN32
+constexpr const char* kMicroseconds = "\xB5s";
+constexpr const char* kGreeting = "Gr\xFC\xDF";
+#else
+constexpr const char* kMicroseconds = "\xC2\xB5s";
+constexpr const char* kGreeting = "Gr\xC3\xBC\xC3\x9F";
+#endif
+
 inline std::string featureCamera() {
   std::string nodes = R"(
 <Integer Name="Int"><ToolTip>A number.</ToolTip><DisplayName>Whole number</DisplayName><Visibility>Guru</Visibility>
@@ -34,7 +43,9 @@ inline std::string featureCamera() {
 <Integer Name="Unavailable"><pIsAvailable>NotAvailable</pIsAvailable><Value>1</Value></Integer>
 <Integer Name="Hidden"><Visibility>Invisible</Visibility><Value>7</Value></Integer>
 <Integer Name="NotAFeature"><Value>8</Value></Integer>
-<Float Name="Float"><Value>1.5</Value><Min>0.5</Min><Max>10.0</Max><Unit>ms</Unit>
+<Float Name="Float"><Value>1.5</Value><Min>0.5</Min><Max>10.0</Max><Unit>)"
+                      "\xC2\xB5"
+                      R"(s</Unit>
  <DisplayNotation>Fixed</DisplayNotation><DisplayPrecision>3</DisplayPrecision></Float>
 <Float Name="WideFloat"><Value>2.5</Value><DisplayNotation>Scientific</DisplayNotation>
  <DisplayPrecision>300</DisplayPrecision></Float>

@@ -53,7 +53,7 @@ TEST_F(Record, IsFilledToTheByte) {
   number.floatMax = 10;
   number.displayNotation = 1;
   number.displayPrecision = 3;
-  std::strcpy(number.unit, "ms");
+  std::strcpy(number.unit, kMicroseconds);
 
   oviFeatureParameter flag = named("Bool", 1, 3);
   flag.intValue = 1;

@@ -181,6 +181,23 @@ TEST_F(TypedAccess, ReadsAndWritesEveryType) {
   EXPECT_EQ(stored(0x100), 45U);
 }
 
+TEST_F(TypedAccess, GivesTextsOutsideAsciiAsTheSystemWritesThem) {
+  const auto* const stored = reinterpret_cast<const char*>(script().camera.memory.data()) + 0x1000;
+  EXPECT_EQ(oviSetFeatureString(device(), "Text", kGreeting, kCamera), OVI_SUCCESS);
+  EXPECT_STREQ(stored, "Gr\xC3\xBC\xC3\x9F");
+  char text[16] = "";
+  std::size_t size = 0;
+  EXPECT_EQ(oviGetFeatureString(device(), "Text", nullptr, &size, kCamera), OVI_SUCCESS);
+  EXPECT_EQ(size, std::strlen(kGreeting) + 1);
+  EXPECT_EQ(oviGetFeatureString(device(), "Text", text, &size, kCamera), OVI_SUCCESS);
+  EXPECT_STREQ(text, kGreeting);
+  // What another program has stored in a code page is no UTF-8 and is handed on.
+  std::memcpy(script().camera.memory.data() + 0x1000, "\xFC\xDF", 3);
+  oviFeatureParameter record;
+  EXPECT_EQ(oviGetFeatureParameter(device(), "Text", &record, kCamera), OVI_SUCCESS);
+  EXPECT_STREQ(record.stringValue, "\xFC\xDF");
+}
+
 TEST_F(TypedAccess, CopiesTextsAsFarAsTheyFit) {
   for (const std::size_t length : {0U, 3U, 511U, 512U, 99999U, 100000U}) {
     const std::string value(length, 's');

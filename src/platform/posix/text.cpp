@@ -79,11 +79,11 @@ std::string narrow(const std::wstring& text) {
   return utf8;
 }
 
-std::string toUtf8(const std::string& narrowText) {
+std::string toUtf8(std::string narrowText) {
   return narrowText;
 }
 
-std::string fromUtf8(const std::string& utf8Text) {
+std::string fromUtf8(std::string utf8Text) {
   return utf8Text;
 }
 

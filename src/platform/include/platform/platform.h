@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace OVI::platform {
 
@@ -70,9 +71,32 @@ inline const std::string& narrow(const std::string& text) {
 }
 std::string narrow(const std::wstring& text);
 
-/** Narrow text to UTF-8 and back. */
-std::string toUtf8(const std::string& narrowText);
-std::string fromUtf8(const std::string& utf8Text);
+/** Narrow text in UTF-8, as cameras and producers take it. */
+std::string toUtf8(std::string narrowText);
+/** The text of a camera, its description or its producer, which is UTF-8, as narrow text. What is no UTF-8 stays as it
+ * is. */
+std::string fromUtf8(std::string utf8Text);
+
+/** Whether narrow text is UTF-8, so that the two above change nothing. */
+#ifdef _WIN32
+inline constexpr bool kNarrowIsUtf8 = false;
+#else
+inline constexpr bool kNarrowIsUtf8 = true;
+#endif
+
+/** The same for who only looks at the text: nothing is copied where nothing changes, else `room` holds the result. */
+inline std::string_view viewInUtf8(std::string_view narrowText, std::string& room) {
+  if constexpr (!kNarrowIsUtf8) {
+    return room = toUtf8(std::string(narrowText));
+  }
+  return narrowText;
+}
+inline std::string_view viewFromUtf8(std::string_view utf8Text, std::string& room) {
+  if constexpr (!kNarrowIsUtf8) {
+    return room = fromUtf8(std::string(utf8Text));
+  }
+  return utf8Text;
+}
 
 /** What a crash handler needs to know beforehand. */
 struct CrashHandlerOptions {
