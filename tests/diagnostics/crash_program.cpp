@@ -1,4 +1,5 @@
-// Installs the crash handler and crashes as its first argument says; reports go to the folder of the second.
+// Installs the crash handler and crashes as its first argument says; reports go to the folder of the second. With a
+// third one the user is told.
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
@@ -30,7 +31,7 @@ int main(int argc, char** argv) {
   if (argc < 3)
     return 2;
   const std::string mode = argv[1];
-  const OVI::MiniDumper first(argv[2], true);
+  const OVI::MiniDumper first(argv[2], argc == 3);
   const OVI::MiniDumper second("no such folder", true);
   if (!first.active() || second.active())
     return 3;

@@ -99,6 +99,38 @@ TEST(CrashReport, NamesWhatCrashedAndLetsTheSystemEndTheProcess) {
   }
 }
 
+TEST(CrashReport, TellsTheUserWhereItIsOrWhyThereIsNone) {
+  const struct {
+    const char* folder;
+    const char* limits;
+    const char* words[2];
+  } cases[] = {
+      {"told",
+       "",
+       {"There was an unexpected error:\n\n\nPlease send the following dump file to support@kestrova.example together "
+        "with a short description of the error case:\n\nFilename: told/crash_program.",
+        ".dmp\n"}},
+      {"told/gone", "", {"Failed to create dump file 'told/gone/crash_program.", ".dmp' (error 2)\n"}},
+      // As on a full disk.
+      {"told",
+       "trap '' XFSZ; ulimit -f 0;",
+       {"Failed to save dump file to 'told/crash_program.", ".dmp' (error 27)\n"}},
+  };
+  emptyFolder("told");
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.words[0]);
+    // The limit is not for the messages.
+    const std::string command = std::string("( ") + test.limits + " exec \"" + CRASH_PROGRAM + "\" null " +
+                                test.folder + " tell ) 2>&1 | cat >messages";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    std::ifstream stream("messages", std::ios::binary);
+    const std::string messages{std::istreambuf_iterator<char>(stream), {}};
+    const std::size_t begin = messages.find(test.words[0]);
+    ASSERT_NE(begin, std::string::npos) << messages;
+    EXPECT_NE(messages.find(test.words[1], begin), std::string::npos) << messages;
+  }
+}
+
 #endif
 
 TEST(CrashReport, ThatCannotBeWrittenStillEndsTheProcess) {

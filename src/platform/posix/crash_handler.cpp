@@ -95,8 +95,9 @@ void writeBacktrace(SignalSafeWriter& report, std::uintptr_t crashedAt) noexcept
   }
 }
 
-void writeReport(int file, int number, const siginfo_t* information, const void* context,
-                 std::int64_t seconds) noexcept {
+/** @return 0; or the system's number of what went wrong */
+int writeReport(int file, int number, const siginfo_t* information, const void* context,
+                std::int64_t seconds) noexcept {
   SignalSafeWriter report(file);
   report.text("Crash report of ").text(state.executable.data()).text("\n\n");
   report.text("time: ").utcTime(seconds).text("\n");
@@ -115,6 +116,7 @@ void writeReport(int file, int number, const siginfo_t* information, const void*
   writeBacktrace(report, instructionPointer(context));
   report.text("\nloaded modules:\n");
   writeModules(report);
+  return report.error();
 }
 
 void report(int number, const siginfo_t* information, const void* context) noexcept {
@@ -122,15 +124,21 @@ void report(int number, const siginfo_t* information, const void* context) noexc
   std::array<char, PATH_MAX + NAME_MAX + 32> name{};
   composeDumpName(name.data(), name.size(), state.directory.data(), state.executable.data(), seconds);
   const int file = open(name.data(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
-  const int error = errno;
+  int error = errno;
   SignalSafeWriter console(state.quiet ? -1 : STDERR_FILENO);
+  const auto complain = [&](const char* what) {
+    console.text(what).text(name.data()).text("' (error ").decimal(static_cast<std::uint64_t>(error)).text(")\n");
+  };
   if (file < 0) {
-    console.text("Failed to create dump file '").text(name.data()).text("' (error ");
-    console.decimal(static_cast<std::uint64_t>(error)).text(")\n");
+    complain("Failed to create dump file '");
     return;
   }
-  writeReport(file, number, information, context, seconds);
+  error = writeReport(file, number, information, context, seconds);
   close(file);
+  if (error != 0) {
+    complain("Failed to save dump file to '");
+    return;
+  }
   console.text("There was an unexpected error:\n\n").text(state.exceptionText.data());
   console.text("\nPlease send the following dump file to ").text(state.support.data());
   console.text(" together with a short description of the error case:\n\nFilename: ").text(name.data()).text("\n");

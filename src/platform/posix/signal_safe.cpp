@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 
 namespace OVI::platform {
@@ -13,10 +14,14 @@ SignalSafeWriter& SignalSafeWriter::text(const char* text) noexcept {
 }
 
 SignalSafeWriter& SignalSafeWriter::text(const char* text, std::uint64_t length) noexcept {
-  while (file_ >= 0 && length > 0) {
+  while (file_ >= 0 && error_ == 0 && length > 0) {
     const ssize_t written = write(file_, text, length);
-    if (written <= 0)
+    if (written < 0 && errno == EINTR)
+      continue;
+    if (written <= 0) {
+      error_ = written < 0 ? errno : EIO;
       break;
+    }
     text += written;
     length -= static_cast<std::uint64_t>(written);
   }

@@ -5,7 +5,7 @@
 
 namespace OVI::platform {
 
-/** Appends to a file descriptor; with a negative one everything is dropped. */
+/** Appends to a file descriptor; with a negative one, and after the first failure, everything is dropped. */
 class SignalSafeWriter {
  public:
   explicit SignalSafeWriter(int file) noexcept : file_(file) {}
@@ -16,9 +16,12 @@ class SignalSafeWriter {
   SignalSafeWriter& hexadecimal(std::uint64_t value) noexcept;
   /** "2026-01-31 13:05:09 UTC". */
   SignalSafeWriter& utcTime(std::int64_t secondsSinceEpoch) noexcept;
+  /** The system's number of the first failure; 0 when everything was written. */
+  int error() const noexcept { return error_; }
 
  private:
   int file_;
+  int error_ = 0;
 };
 
 /** The function that holds the code address and its module, as "name+0x12 (module+0x3456)": its symbol is looked up in

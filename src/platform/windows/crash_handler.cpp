@@ -31,8 +31,8 @@ class CrashHandler {
   [[noreturn]] void handle(EXCEPTION_POINTERS* exception) const noexcept {
     const std::int64_t seconds = std::time(nullptr);
     Message message{};
-    if (!writeReport(exception, seconds, message))
-      showFailure(message.data());
+    if (!writeReport(exception, seconds, message) && !quiet_)
+      show(message.data());
     end();
   }
 
@@ -71,8 +71,11 @@ class CrashHandler {
         L"There was an unexpected error:\n\n%ls\nPlease send the following dump file to %ls together with a short "
         L"description of the error case:\n\nFilename: %ls",
         L"", support_.c_str(), file.data());
-    if (!quiet_ && MessageBoxW(nullptr, message.data(), nullptr, MB_OK) != IDOK)
+    if (!quiet_ && !show(message.data())) {
+      std::fwprintf(stderr, L"No dump file was written, because no window could be shown.\n");
+      std::fflush(stderr);
       end();
+    }
     return writeFile(writeDump, exception, file.data(), message);
   }
 
@@ -110,12 +113,14 @@ class CrashHandler {
     return written != FALSE;
   }
 
-  // Where no window can be shown the text goes to standard error.
-  void showFailure(const wchar_t* message) const noexcept {
-    if (!quiet_ && MessageBoxW(nullptr, message, nullptr, MB_OK) <= 0) {
+  // Whether the user has read it. Where no window can be shown the text goes to standard error.
+  static bool show(const wchar_t* message) noexcept {
+    const int answer = MessageBoxW(nullptr, message, nullptr, MB_OK);
+    if (answer <= 0) {
       std::fwprintf(stderr, L"%ls\n", message);
       std::fflush(stderr);
     }
+    return answer == IDOK;
   }
 
   std::wstring directory_;
