@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "gentl/trace.h"
+#include "ovi_genapi/description_limit.h"
 #include "ovi_genapi/zip_reader.h"
 #include "platform/ascii.h"
 #include "platform/platform.h"
@@ -19,9 +20,6 @@
 namespace GenTLCpp {
 
 namespace {
-
-// Real descriptions stay below 10 MB; a number beyond this is a broken or hostile URL or archive.
-constexpr std::uint64_t kMaxDescriptionSize = std::uint64_t{64} << 20U;
 
 /** From the last dot on, in capitals; empty without a dot. */
 std::string extensionOf(std::string_view fileName) {
@@ -54,7 +52,8 @@ class ZipArchive {
 
   std::string extractFirst() {
     mz_zip_archive_file_stat entry;
-    if (mz_zip_reader_file_stat(&archive_, 0, &entry) == MZ_FALSE || entry.m_uncomp_size > kMaxDescriptionSize) {
+    if (mz_zip_reader_file_stat(&archive_, 0, &entry) == MZ_FALSE ||
+        entry.m_uncomp_size > GenApiEngine::kMaxDescriptionBytes) {
       fail();
     }
     std::string content(static_cast<std::size_t>(entry.m_uncomp_size), '\0');
@@ -93,7 +92,7 @@ GenICam::gcstring readLocal(Port& port, std::string_view location) {
   }
   const auto address = parseHex(numbers.substr(0, addressEnd));
   const auto length = parseHex(numbers.substr(addressEnd + 1));
-  if (!address || !length || *length > kMaxDescriptionSize) {
+  if (!address || !length || *length > GenApiEngine::kMaxDescriptionBytes) {
     return {};
   }
   std::string bytes(static_cast<std::size_t>(*length), '\0');
@@ -144,7 +143,7 @@ GenICam::gcstring retrieveXML(Port& port) {
 }
 
 GenICam::gcstring readDescriptionFile(const std::string& path) {
-  std::optional<std::string> bytes = OVI::platform::readFile(path, kMaxDescriptionSize);
+  std::optional<std::string> bytes = OVI::platform::readFile(path, GenApiEngine::kMaxDescriptionBytes);
   return bytes ? unpack(std::move(*bytes), extensionOf(path)) : GenICam::gcstring();
 }
 

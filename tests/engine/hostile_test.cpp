@@ -260,9 +260,16 @@ TEST(Hostile, DepthAndBreadth) {
 }
 
 TEST(Hostile, TooMuchText) {
-  const std::string huge(std::size_t{65} << 20, ' ');
-  expectThrow<GenICam::RuntimeException>(
-      [&] { CNodeMapFactory(ContentType_Xml, huge.data(), huge.size()).CreateNodeMap(); }, "more than the");
+  const auto expectRefused = [](const std::string& text, const char* reason) {
+    expectThrow<GenICam::RuntimeException>(
+        [&] { CNodeMapFactory(ContentType_Xml, text.data(), text.size()).CreateNodeMap(); }, reason);
+  };
+  expectRefused(std::string(std::size_t{129} << 20, ' '), "more than the");
+  std::string tags;
+  while (tags.size() < std::size_t{68} << 20) {
+    tags += "<a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/><a/>";
+  }
+  expectRefused(tags, "mostly tags");
   TestMap map(kGood + "<Integer Name=\"" + std::string(100000, 'n') + "\"><ToolTip>" + std::string(17 << 20, 't') +
               "</ToolTip><Value>" + std::string(100000, '1') + "</Value></Integer>");
   EXPECT_EQ(map.integer("Good").GetValue(), 7);
@@ -274,6 +281,33 @@ TEST(Hostile, TooMuchText) {
   const auto diagnostics = GenApiEngine::diagnosticsOf(*many);
   EXPECT_EQ(diagnostics.warnings.size() + diagnostics.warningsSuppressed, 3000U);
   EXPECT_LE(diagnostics.warnings.size(), 1000U);
+}
+
+// Text that means more than its length: work and memory stay in proportion to it all the same.
+TEST(Hostile, TextThatMultiplies) {
+  constexpr int kMany = 20000;
+  std::string categories = "<Category Name=\"Root\"><pFeature>Good</pFeature></Category>";
+  std::string entries = "<StructReg>";
+  std::string values = "<Enumeration Name=\"" + std::string(1 << 20, 'E') + "\"><Value>0</Value>";
+  for (int i = 0; i < kMany; ++i) {
+    const std::string name = "N" + std::to_string(i);
+    categories += "<Category Name=\"Root\"><pFeature>Good</pFeature><pFeature>" + name + "</pFeature></Category>" +
+                  "<Integer Name=\"" + name + "\"><Value>1</Value></Integer>";
+    entries += "<Address>0</Address><StructEntry Name=\"S" + name + "\"><Bit>1</Bit></StructEntry>";
+    values += "<EnumEntry Name=\"" + name + "\"><Value>0</Value></EnumEntry>";
+  }
+  TestMap map(kGood + categories + entries + "</StructReg>" + values + "</Enumeration>");
+  FeatureList_t features;
+  CCategoryPtr(map->GetNode("Root"))->GetFeatures(features);
+  ASSERT_EQ(features.size(), kMany + 1U);
+  EXPECT_EQ(features[kMany]->GetNode()->GetName(), "N19999");
+  EXPECT_EQ(map->GetNode("SN0"), nullptr);
+  EXPECT_THAT(map.warnings().front().text, testing::HasSubstr("which is too much, and is skipped"));
+  std::string ends = "<RegisterDescription>";
+  for (int i = 0; i < 50 * kMany; ++i) {
+    ends += "RegisterDescription>";
+  }
+  EXPECT_THROW(TestMap(TestMap::RawText{ends}), GenICam::RuntimeException);
 }
 
 // Any prefix and any single changed byte of a description is either refused or answered.

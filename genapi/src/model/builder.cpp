@@ -42,6 +42,31 @@ std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, No
   return describedInteger(text);
 }
 
+// What the XML parser's tree of a text takes at most: a node for each tag that is no end tag and for each text behind a
+// tag, and the attributes.
+std::size_t maxTreeBytes(std::string_view text) {
+  constexpr std::size_t kNodeBytes = 64;
+  constexpr std::size_t kAttributeBytes = 40;
+  if (text.size() <= kMaxTreeBytes / kNodeBytes) {
+    return text.size() * kNodeBytes;
+  }
+  std::size_t nodes = 0;
+  std::size_t attributes = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '<') {
+      ++nodes;
+    } else if (text[at] == '/') {
+      nodes -= at > 0 && text[at - 1] == '<' ? 1 : 0;
+    } else if (text[at] == '=') {
+      ++attributes;
+    } else if (text[at] == '>') {
+      const std::size_t next = text.find_first_not_of(" \t\r\n", at + 1);
+      nodes += next != std::string_view::npos && text[next] != '<' ? 1 : 0;
+    }
+  }
+  return nodes * kNodeBytes + attributes * kAttributeBytes;
+}
+
 // Gives back what was reserved in vain, where that is worth a copy.
 template<class T>
 void shrink(std::vector<T>& vector) {
@@ -108,8 +133,15 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
     if (text.size() > kMaxDescriptionBytes) {
       throw tooLong(text.size());
     }
-    prepared.push_back(prepareDocument(text.data(), text.size(), cutAtFirstEnd));
-    total += prepared.back().size + 2;
+    const DocumentText& document = prepared.emplace_back(prepareDocument(text.data(), text.size(), cutAtFirstEnd));
+    if (const std::size_t bytes = maxTreeBytes({document.data.get() + 1, document.size}); bytes > kMaxTreeBytes) {
+      throw RUNTIME_EXCEPTION(
+          "The %llu bytes of the camera description are mostly tags: parsing them may take %llu "
+          "bytes, more than the %llu that are allowed",
+          static_cast<unsigned long long>(document.size), static_cast<unsigned long long>(bytes),
+          static_cast<unsigned long long>(kMaxTreeBytes));
+    }
+    total += document.size + 2;
   }
   if (total > 2 * kMaxDescriptionBytes) {
     throw tooLong(total);
@@ -269,8 +301,9 @@ NodeIndex ModelBuilder::addNode(pugi::xml_node xml, NodeKind kind, NodeIndex own
   record.owner = owner;
   record.firstProperty = static_cast<std::uint32_t>(model_.properties_.size());
   emitAttributes(xml, draft);
-  if (record.nameLength == 0) {
-    warn(xml, std::string(xml.name()) + " without a name is skipped");
+  if (record.nameLength == 0 || record.nameLength > kMaxNameLength) {
+    warn(xml, std::string(xml.name()) + (record.nameLength == 0 ? " without a name" : " with a name that is too long") +
+                  " is skipped");
     model_.properties_.resize(record.firstProperty);
     return kNoNode;
   }
@@ -318,6 +351,11 @@ void ModelBuilder::addStruct(pugi::xml_node xml) {
   std::vector<Property> common(model_.properties_.begin() + static_cast<std::ptrdiff_t>(first),
                                model_.properties_.end());
   model_.properties_.resize(first);
+  if (common.size() * draft.nested.size() > kMaxProperties - std::min(first, kMaxProperties)) {
+    warn(xml, "StructReg has " + std::to_string(common.size()) + " elements for each of " +
+                  std::to_string(draft.nested.size()) + " entries, which is too much, and is skipped");
+    return;
+  }
   for (const Nested& inner : draft.nested) {
     if (inner.kind != NodeKind::StructEntry) {
       common[inner.property - first].target = addNode(inner.xml, inner.kind, kNoNode);

@@ -154,7 +154,7 @@ class ModelLinker {
   bool insertName(NodeIndex index, std::string_view full);
   Model::IndexSlot slotOf(std::uint32_t hash, NodeIndex index) const;
   NodeIndex resolveDuplicate(NodeIndex first, NodeIndex second);
-  void mergeFeatures(NodeIndex into, NodeIndex from);
+  void mergeCategories();
   void removeDropped();
   NodeIndex defaultPort() const;
   void resolveReferences();
@@ -168,7 +168,8 @@ class ModelLinker {
   const LineTable& lines_;
   WarningList& warnings_;
   const std::vector<std::uint8_t>& documentOfNode_;
-  std::vector<Edge> edges_;  // in the order of the references
+  std::vector<std::pair<NodeIndex, NodeIndex>> merges_;  // a category and another of its name, which joins it
+  std::vector<Edge> edges_;                              // in the order of the references
   std::vector<bool> dropped_;
   bool anyDropped_ = false;
 };

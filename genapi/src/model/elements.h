@@ -136,7 +136,7 @@ constexpr bool isNodeKind(Element e) {
   return static_cast<std::uint8_t>(e) < kNodeKinds;
 }
 /// Whether the element says something about the node that it stands in, rather than being a node or something to skip.
-inline constexpr bool isPropertyElement(Element e) {
+constexpr bool isPropertyElement(Element e) {
   return e > Element::Extension && e < Element::Unknown;
 }
 

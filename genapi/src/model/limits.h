@@ -4,13 +4,24 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ovi_genapi/description_limit.h"
+
 namespace GenApiEngine {
 
-/// Real descriptions stay below 10 MB; this much text still loads within seconds and a few hundred megabytes.
-inline constexpr std::size_t kMaxDescriptionBytes = std::size_t{64} << 20;
+/// What the XML parser's tree may take while a description is loaded. Real ones of 100 MB, of which there are none,
+/// would need 400 MB; text of nothing but tags would need sixteen times its size.
+inline constexpr std::size_t kMaxTreeBytes = std::size_t{1} << 30;
+
+/// A property takes 16 bytes of memory and at least 12 of text, but the entries of a StructReg each take over what that
+/// says: few bytes of text could mean any number of them.
+inline constexpr std::size_t kMaxProperties = std::size_t{1} << 24;
 
 /// A property keeps the length of its text in 24 bits; the longest text seen in the field has a few kilobytes.
 inline constexpr std::uint32_t kMaxTextLength = (1U << 24) - 1;
+
+/// The longest name seen in the field has 80 bytes. Every entry of an enumeration takes over the enumeration's name,
+/// and every warning names its node.
+inline constexpr std::uint32_t kMaxNameLength = 1000;
 
 /// A reader of warnings wants the first ones; a description that is all wrong must not fill the memory with them.
 inline constexpr std::size_t kMaxWarnings = 1000;

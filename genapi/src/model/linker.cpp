@@ -1,7 +1,10 @@
 // Resolves once what a description says by name: duplicates, references, who depends on whom, features, cycles.
 #include <algorithm>
 #include <bit>
+#include <iterator>
 #include <numeric>
+#include <string_view>
+#include <unordered_set>
 
 #include "Base/GCException.h"
 #include "base/number_text.h"
@@ -12,6 +15,7 @@ namespace GenApiEngine {
 
 void ModelLinker::link() {
   indexNames();
+  mergeCategories();
   if (anyDropped_) {
     removeDropped();
   }
@@ -70,11 +74,11 @@ Model::IndexSlot ModelLinker::slotOf(std::uint32_t hash, NodeIndex index) const 
 
 // Which of two nodes with one name is dropped.
 NodeIndex ModelLinker::resolveDuplicate(NodeIndex first, NodeIndex second) {
-  NodeRecord& a = model_.nodes_[first];
+  const NodeRecord& a = model_.nodes_[first];
   const NodeRecord& b = model_.nodes_[second];
   const bool injected = documentOfNode_[first] != documentOfNode_[second];
   if (a.kind == NodeKind::Category && b.kind == NodeKind::Category) {
-    mergeFeatures(first, second);
+    merges_.emplace_back(first, second);
     if (!injected) {
       warn(b, "category '" + model_.fullName(b) + "' is defined twice, its features are joined");
     }
@@ -97,20 +101,29 @@ NodeIndex ModelLinker::resolveDuplicate(NodeIndex first, NodeIndex second) {
   return second;
 }
 
-void ModelLinker::mergeFeatures(NodeIndex into, NodeIndex from) {
-  NodeRecord& target = model_.nodes_[into];
-  std::vector<Property> merged(model_.properties(target).begin(), model_.properties(target).end());
-  for (const Property& property : model_.properties(model_.nodes_[from])) {
-    const bool known = std::ranges::any_of(merged, [&](const Property& own) {
-      return own.element() == property.element() && model_.text(own) == model_.text(property);
-    });
-    if (property.element() == Element::pFeature && !known) {
-      merged.push_back(property);
+// Puts the features of all categories of one name into the first of them.
+void ModelLinker::mergeCategories() {
+  std::ranges::stable_sort(merges_, {}, &std::pair<NodeIndex, NodeIndex>::first);
+  for (auto next = merges_.begin(); next != merges_.end();) {
+    NodeRecord& target = model_.nodes_[next->first];
+    const std::span<const Property> own = model_.properties(target);
+    std::vector<Property> merged(own.begin(), own.end());
+    std::unordered_set<std::string_view> known;
+    for (const Property& property : own) {
+      if (property.element() == Element::pFeature) {
+        known.insert(model_.text(property));
+      }
     }
+    for (const NodeIndex into = next->first; next != merges_.end() && next->first == into; ++next) {
+      std::ranges::copy_if(
+          model_.properties(model_.nodes_[next->second]), std::back_inserter(merged), [&](const Property& property) {
+            return property.element() == Element::pFeature && known.insert(model_.text(property)).second;
+          });
+    }
+    target.firstProperty = static_cast<std::uint32_t>(model_.properties_.size());
+    target.propertyCount = static_cast<std::uint32_t>(merged.size());
+    model_.properties_.insert(model_.properties_.end(), merged.begin(), merged.end());
   }
-  target.firstProperty = static_cast<std::uint32_t>(model_.properties_.size());
-  target.propertyCount = static_cast<std::uint32_t>(merged.size());
-  model_.properties_.insert(model_.properties_.end(), merged.begin(), merged.end());
 }
 
 void ModelLinker::removeDropped() {

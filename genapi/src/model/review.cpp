@@ -150,7 +150,7 @@ class Review {
       checkWords(record);
       checkRegister(record);
       const auto own = model_.properties(record);
-      padded += static_cast<std::size_t>(std::count_if(own.begin(), own.end(), [&](const Property& property) {
+      padded += static_cast<std::size_t>(std::ranges::count_if(own, [&](const Property& property) {
         return isNumber(property, record.kind) && isOwn(record, property) && model_.isPadded(property);
       }));
     }

@@ -145,11 +145,14 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
   if (!cutAtFirstEnd && trim(text).ends_with(kEnd)) {
     return text.size();
   }
+  std::size_t searched = 0;  // no end tag is open here
   for (std::size_t at = text.find(kEnd); at != std::string_view::npos; at = text.find(kEnd, at + 1)) {
-    const std::size_t open = text.rfind('<', at);
-    if (open != std::string_view::npos && open + 1 < text.size() && text[open + 1] == '/') {
+    const std::string_view before = text.substr(searched, at - searched);
+    const std::size_t open = before.rfind('<');
+    if (open != std::string_view::npos && before.substr(open + 1).starts_with('/')) {
       return at + kEnd.size();
     }
+    searched = at;
   }
   return text.size();
 }
@@ -171,8 +174,7 @@ DocumentText own(std::string_view text, bool cutAtFirstEnd) {
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() &&
-         (sameText(a.data(), b) ||
-          std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); }));
+         (a == b || std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return lower(x) == lower(y); }));
 }
 
 bool parseYesNo(std::string_view text, bool otherwise) {
