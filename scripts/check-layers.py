@@ -35,11 +35,13 @@ MAY_SEE = {
     "genapi/src/adapters": ["genapi/include", "genapi/src/base"],
     "producers/virtual": ["interface"],
     # The tool is an application: it sees the public interface, and where it looks into a producer or a description by
-    # itself, that interface and the engine's.
-    "tools/ovi": ["include"],
+    # itself, that interface and the engine's. It loads producers as the library does, with the same code.
+    "tools/ovi": ["include", "tools/ovi/platform"],
     "tools/ovi/commands": ["include", "tools/ovi"],
     "tools/ovi/check": ["interface", "genapi/include", "tools/ovi"],
     "tools/ovi/description": ["genapi/include", "tools/ovi"],
+    "tools/ovi/doctor": ["include", "interface", "tools/ovi"],
+    "tools/ovi/platform": ["src/platform", "tools/ovi"],
     "examples": ["include", "producers/virtual/include"],
 }
 PROOF = ("tests/", "bench/", "fuzz/")  # They may look into everything.
@@ -50,7 +52,8 @@ OUTSIDE = [
     (r"(boost/.*)", ["src/discovery"]),
     (r"(plog/.*)", ["src/core"]),
     (r"(pugixml\.hpp)", ["genapi/src/model"]),
-    (r"(miniz\.h)", ["genapi/include/ovi_genapi", "genapi/src/nodemap", "src/gentl", "producers/virtual/camera"]),
+    (r"(miniz\.h)", ["genapi/include/ovi_genapi", "genapi/src/nodemap", "src/gentl", "producers/virtual/camera",
+                     "tools/ovi/doctor"]),
     (r"(png\.h)", ["producers/virtual/picture", "tools/ovi"]),
     (r"(CLI/.*|nlohmann/.*)", ["tools/ovi"]),
     (r"((windows|io|dbghelp|shl\w*|shellapi|unistd|fcntl|dlfcn|poll|signal|spawn|elf|link|execinfo|ucontext|pthread)\.h"

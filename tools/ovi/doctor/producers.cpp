@@ -6,6 +6,7 @@
 
 #include "doctor/binary_file.h"
 #include "paths.h"
+#include "platform/binary_format.h"
 #include "platform/child_process.h"
 #include "text.h"
 
@@ -14,12 +15,6 @@ namespace tool {
 namespace {
 
 using nlohmann::ordered_json;
-
-#ifdef _WIN32
-constexpr const char* kLibraryPath = "PATH";
-#else
-constexpr const char* kLibraryPath = "LD_LIBRARY_PATH";
-#endif
 
 constexpr const char* kHarmAdvice =
     "every program that loads it suffers the same: ask its maker for another version, and take its folder out of the "
