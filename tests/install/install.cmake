@@ -22,7 +22,8 @@ foreach(component IN ITEMS dev tools virtual-camera)
   run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}" --component ${component})
 endforeach()
 expect_files(include/ovi/ovi.h include/ovi/ovi.hpp ${LIBDIR}/libovi.so ${LIBDIR}/pkgconfig/ovi.pc bin/ovi
-             ${PRODUCER_DIR}/VirtualCamera.cti include/ovi_virtual/recording.h)
+             ${PRODUCER_DIR}/VirtualCamera.cti include/ovi_virtual/recording.h share/man/man1/ovi.1.gz
+             share/bash-completion/completions/ovi)
 
 # Nothing in it may remember where it was first.
 file(RENAME "${prefix}" "${SCRATCH}/moved")
