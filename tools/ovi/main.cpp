@@ -56,7 +56,7 @@ int run(const std::vector<std::string>& arguments) {
 
   try {
     std::vector<std::string> ordered = tool::orderedArguments(app, arguments);
-    std::reverse(ordered.begin(), ordered.end());  // As the parser wants them.
+    std::ranges::reverse(ordered);  // As the parser wants them.
     app.parse(std::move(ordered));
   } catch (const CLI::Success& success) {
     // Help and version are data that somebody asked for.

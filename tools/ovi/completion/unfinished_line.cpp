@@ -1,6 +1,8 @@
 // A command line that is still being typed: which words are there, and what its last one may become.
 #include "completion/unfinished_line.h"
 
+#include <ranges>
+
 #include "usage.h"
 
 namespace tool {
@@ -37,8 +39,8 @@ UnfinishedLine::UnfinishedLine(const CLI::App& app, const std::vector<std::strin
 }
 
 const CLI::Option* UnfinishedLine::option(const std::string& name) const {
-  for (auto command = commands_.rbegin(); command != commands_.rend(); ++command)
-    if (const CLI::Option* found = (*command)->get_option_no_throw(name); found != nullptr && !found->get_positional())
+  for (const CLI::App* command : commands_ | std::views::reverse)
+    if (const CLI::Option* found = command->get_option_no_throw(name); found != nullptr && !found->get_positional())
       return found;
   return nullptr;
 }
@@ -122,8 +124,8 @@ std::vector<Candidate> UnfinishedLine::words() const {
           candidates.push_back({command->get_name(), command->get_description()});
     return candidates;
   }
-  for (auto command = commands_.rbegin(); command != commands_.rend(); ++command)
-    for (const CLI::Option* one : (*command)->get_options())
+  for (const CLI::App* command : commands_ | std::views::reverse)
+    for (const CLI::Option* one : command->get_options())
       for (const std::string& name : one->get_lnames())
         if (!one->get_group().empty())
           candidates.push_back({"--" + name, one->get_description()});

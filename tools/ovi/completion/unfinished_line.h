@@ -29,7 +29,7 @@ class UnfinishedLine {
   const std::string& value() const { return value_; }
   const std::string& valuePrefix() const { return valuePrefix_; }
   /// What an earlier word gave to an option, such as "--camera"; empty when it is not there.
-  std::string given(const std::string& option) const;
+  std::string given(const std::string& name) const;
   /// Whether the command is "stream", "file get", ...
   bool isCommand(const std::string& name) const { return path_ == name; }
 

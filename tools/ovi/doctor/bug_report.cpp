@@ -46,7 +46,7 @@ class Archive {
 
   void add(const ReportPart& part) {
     good_ = good_ && mz_zip_writer_add_mem(&zip_, part.name.c_str(), part.text.data(), part.text.size(),
-                                           MZ_DEFAULT_COMPRESSION) != 0;
+                                           static_cast<mz_uint>(MZ_DEFAULT_LEVEL)) != 0;
   }
   void writeTo(const std::filesystem::path& file) {
     void* content = nullptr;

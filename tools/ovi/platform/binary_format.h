@@ -1,5 +1,5 @@
-// What this program itself is made as: the container and the machine that a producer must fit, and the variable with the
-// folders in which the system looks for the libraries that it needs.
+// What this program itself is made as: the container and the machine that a producer must fit, and the variable with
+// the folders in which the system looks for the libraries that it needs.
 #pragma once
 
 #include <string_view>

@@ -18,7 +18,7 @@
 #endif
 
 #ifndef _WIN32
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX leaves it to the program.
 #endif
 
 namespace tool {

@@ -132,7 +132,7 @@ void examineAdapters(Findings& findings) {
     if (speed != 0 && speed < kFast)
       findings.push_back({Level::kNote, "network adapter " + name + " is too slow for most GigE cameras",
                           "check cable, plug and switch: 1000 Mbit/s need all four pairs of wires"});
-    if (withAddress.count(name) == 0)
+    if (!withAddress.contains(name))
       findings.push_back({Level::kNote,
                           "network adapter " + name + " has no IPv4 address: no GigE camera answers on it",
                           "sudo ip addr add 169.254.0.1/16 dev " + name + ", or an address of the camera's subnet"});
