@@ -32,7 +32,8 @@ std::string tempDirectory() {
 }
 
 std::optional<std::string> runAndRead(const std::string& command) {
-  std::FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+  // What the shell itself has to say about the command is silenced too.
+  std::FILE* pipe = popen(("exec 2>/dev/null\n" + command).c_str(), "r");
   if (pipe == nullptr) {
     return std::nullopt;
   }
