@@ -203,17 +203,17 @@ oviErr oviGetNextImage(std::uint64_t eventHandle, oviNewBufferEventData* record,
   if (eventHandle == 0 || record == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
-  *record = {};
   Hold hold;
   auto* const event = holdModule<Event>(eventHandle, hold);
-  if (event == nullptr) {
-    return OVI_ERR_NOT_FOUND;
-  }
-  if (event->getEventType() != EVENT_NEW_BUFFER) {
-    return OVI_SUCCESS;
-  }
+  oviErr result = event != nullptr ? OVI_SUCCESS : OVI_ERR_NOT_FOUND;
   oviNewBufferEventData* image = nullptr;
-  return waitForImage(*event, timeout, image, record);
+  if (event != nullptr && event->getEventType() == EVENT_NEW_BUFFER) {
+    result = waitForImage(*event, timeout, image, record);
+  }
+  if (image == nullptr) {
+    *record = {};  // An image has filled all of it.
+  }
+  return result;
 }
 
 oviErr oviEventKill(std::uint64_t eventHandle) {

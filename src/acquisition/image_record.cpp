@@ -46,12 +46,10 @@ void setBufferHandle(oviNewBufferEventData& record, std::uint64_t bufferHandle) 
   record.bufferHandle = bufferHandle;
 }
 
-void setEventData(oviNewBufferEventData& record, const EVENT_NEW_BUFFER_DATA& data) noexcept {
+void* keepEventData(oviNewBufferEventData& record, const EVENT_NEW_BUFFER_DATA& data) noexcept {
   ImageRecord& around = recordAround(record);
   around.eventData = data;
-  record.event.eventData = &around.eventData;
-  record.event.eventDataSize = sizeof around.eventData;
-  record.rawEventData = &around.eventData;
+  return &around.eventData;
 }
 
 }  // namespace OVI

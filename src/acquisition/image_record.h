@@ -19,8 +19,7 @@ oviNewBufferEventData* createImageRecord();
 /** Ties the record to the buffer that it is announced with. */
 void setBufferHandle(oviNewBufferEventData& record, std::uint64_t bufferHandle) noexcept;
 
-/** Copies the producer's event data behind the record, and makes the record point there. The record must be one of
- * createImageRecord. */
-void setEventData(oviNewBufferEventData& record, const EVENT_NEW_BUFFER_DATA& data) noexcept;
+/** Copies the producer's event data behind the record, which must be one of createImageRecord. @return the copy */
+void* keepEventData(oviNewBufferEventData& record, const EVENT_NEW_BUFFER_DATA& data) noexcept;
 
 }  // namespace OVI

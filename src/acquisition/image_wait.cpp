@@ -32,6 +32,7 @@ using GenTLCpp::Event;
 using GenTLCpp::NewBufferEvent;
 
 constexpr const char* kSite = "OVI::oviWaitForEvent";
+constexpr const char* kReleaseSite = "OVI::oviReleaseImage";
 
 /** What a producer tells about a filled buffer. */
 struct BufferInfos {
@@ -64,37 +65,56 @@ constexpr InfoRule kInfoRules[] = {
 BufferInfos askInfos(const DataStream& stream, BUFFER_HANDLE buffer) {
   BufferInfos infos;
   DS_HANDLE handle = stream.getHandle();
+  INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
   for (const InfoRule& rule : kInfoRules) {
-    std::uint64_t value = 0;
-    std::size_t size = sizeof value;
-    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-    const GC_ERROR status = stream.getBufferInfo(handle, buffer, rule.command, &type, &value, &size);
+    // The producer writes where the answer belongs: to copy it from elsewhere would be to wait for it.
+    std::uint64_t& answer = infos.*rule.answer;
+    std::size_t size = sizeof answer;
+    const GC_ERROR status = stream.getBufferInfo(handle, buffer, rule.command, &type, &answer, &size);
     if (status == GC_ERR_SUCCESS) {
-      infos.*rule.answer = value;
-    } else if (rule.needed || !isNoValue(status)) {
+      continue;
+    }
+    if (rule.needed || !isNoValue(status)) {
       GenTLCpp::checkGenTLError(status);
     }
+    answer = 0;
   }
   return infos;
 }
 
-void fillRecord(oviNewBufferEventData& record, const BufferInfos& infos) noexcept {
+/** What is told of an image besides. */
+struct Arrival {
+  void* eventData = nullptr;
+  std::uint64_t eventId = 0;
+  std::uint64_t moduleHandle = 0;
+  std::uint64_t nanoseconds = 0;
+};
+
+/** All of the record but the buffer's handle. */
+void fillRecord(oviNewBufferEventData& record, const BufferInfos& infos, const Arrival& arrival) noexcept {
+  constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
+  record.event.kind = OVI_EVENT_NEW_BUFFER;
+  record.event.reserved0 = 0;
+  record.event.moduleHandle = arrival.moduleHandle;
+  record.event.moduleSelector = OVI_MODULE_DATA_STREAM;
+  record.event.reserved1 = 0;
+  record.event.eventData = arrival.eventData;
+  record.event.eventDataSize = sizeof(EVENT_NEW_BUFFER_DATA);
   // NOLINTNEXTLINE(performance-no-int-to-ptr): the producer tells it as a number.
   record.event.value = reinterpret_cast<void*>(static_cast<std::uintptr_t>(infos.base));
   // No producer has filled more than there is, whatever it says.
   record.event.valueSize = infos.size != 0 ? std::min(infos.sizeFilled, infos.size) : infos.sizeFilled;
+  record.event.eventID = arrival.eventId;
   record.frameID = infos.frameId;
-  record.pixelFormat = static_cast<std::uint32_t>(infos.pixelFormat);
-  record.height = static_cast<std::uint32_t>(infos.height);
+  record.rawEventData = arrival.eventData;
+  record.timestampMs = arrival.nanoseconds / kNanosecondsPerMillisecond;
+  record.timestampNs = arrival.nanoseconds;
   record.width = static_cast<std::uint32_t>(infos.width);
+  record.height = static_cast<std::uint32_t>(infos.height);
+  record.pixelFormat = static_cast<std::uint32_t>(infos.pixelFormat);
   record.linePitch = linePitchOf(record.pixelFormat, record.width);
   record.channels = channelsOf(record.pixelFormat);
-}
-
-void stampRecord(oviNewBufferEventData& record) noexcept {
-  constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
-  record.timestampNs = platform::monotonicNanoseconds();
-  record.timestampMs = record.timestampNs / kNanosecondsPerMillisecond;
+  record.reserved = 0;
 }
 
 /** Why an image is incomplete, and why its buffer could not be filled again, if so. */
@@ -124,7 +144,8 @@ void add(std::atomic<std::uint64_t>& sum, std::uint64_t bytes) noexcept {
   sum.store(sum.load(std::memory_order_relaxed) + bytes, std::memory_order_relaxed);
 }
 
-void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA& data, Delivery& delivery) {
+void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA& data, oviNewBufferEventData* copy,
+             Delivery& delivery) {
   AnnouncedBuffer* buffer = stream.buffers().findNative(data.BufferHandle);
   if (buffer == nullptr) {
     delivery.result = OVI_ERR_NOT_FOUND;
@@ -134,17 +155,21 @@ void deliver(const Event& event, DataStream& stream, const EVENT_NEW_BUFFER_DATA
   if (record == nullptr) {
     return;
   }
-  setEventData(*record, data);
-  record->event.eventID = eventIdOf(event, &data, sizeof data);
+  Arrival arrival;
+  arrival.eventData = keepEventData(*record, data);
+  arrival.eventId = eventIdOf(event, &data, sizeof data);
+  arrival.moduleHandle = recordOf(event).moduleHandle();
   try {
     const BufferInfos infos = askInfos(stream, data.BufferHandle);
-    fillRecord(*record, infos);
-    record->event.moduleHandle = recordOf(event).moduleHandle();
-    record->event.moduleSelector = OVI_MODULE_DATA_STREAM;
-    stampRecord(*record);
+    arrival.nanoseconds = platform::monotonicNanoseconds();
+    fillRecord(*record, infos, arrival);
+    if (copy != nullptr) {
+      // Filled as well: reading back what was written this moment would be to wait for it.
+      copy->bufferHandle = record->bufferHandle;
+      fillRecord(*copy, infos, arrival);
+    }
     add(buffer->deliveredSize, infos.size);
     add(buffer->unfilledSize, infos.size - std::min(infos.sizeFilled, infos.size));
-    record->event.kind = OVI_EVENT_NEW_BUFFER;
     delivery.record = record;
   } catch (const GenTLCpp::GenTLException& error) {
     delivery.result = OVI_ERR_INVALID_BUFFER;
@@ -180,6 +205,11 @@ void logFailure(const Delivery& delivery) {
   }
 }
 
+/** Apart from the way of the images, which would set up each record that it might have to log. */
+void logRelease(const std::string& text) {
+  OVI_LOG_ERROR(kReleaseSite) << text;
+}
+
 }  // namespace
 
 oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*& outRecord,
@@ -194,10 +224,7 @@ oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*&
   try {
     const Event::Stay stay(event);
     const EVENT_NEW_BUFFER_DATA data = newBuffer->waitForBuffer(stay, timeout);
-    deliver(event, static_cast<DataStream&>(*event.getParent()), data, delivery);
-    if (outCopy != nullptr && delivery.record != nullptr) {
-      *outCopy = *delivery.record;
-    }
+    deliver(event, static_cast<DataStream&>(*event.getParent()), data, outCopy, delivery);
   } catch (const GenTLCpp::TimeoutException& error) {
     OVI_LOG_DEBUG(kSite) << "Timeout waiting for new buffer event! Error: " << error.what();
     return mapGenTLError(error.code());
@@ -216,19 +243,18 @@ oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*&
 }
 
 oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record) {
-  constexpr const char* kReleaseSite = "OVI::oviReleaseImage";
   if (streamHandle == 0 || record == nullptr) {
     return OVI_ERR_INVALID_PARAMETER;
   }
   Hold hold;
   auto* const stream = holdModule<DataStream>(streamHandle, hold);
   if (stream == nullptr) {
-    OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown stream.";
+    logRelease("Failed to release image. Unknown stream.");
   }
   BUFFER_HANDLE buffer = nullptr;
   const oviErr result = findBuffer(stream, record->bufferHandle, buffer);
   if (result != OVI_SUCCESS) {
-    OVI_LOG_ERROR(kReleaseSite) << "Failed to release image. Unknown buffer.";
+    logRelease("Failed to release image. Unknown buffer.");
   }
   if (stream == nullptr || buffer == nullptr) {
     return result;  // Of the buffer alone: an unknown stream is in the log only.
@@ -240,7 +266,7 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
       status = stream->queueBuffer(buffer);
     }
     if (status != GC_ERR_SUCCESS) {
-      OVI_LOG_ERROR(kReleaseSite) << "Failed to queue buffer. Error: " << status;
+      logRelease("Failed to queue buffer. Error: " + std::to_string(status));
     }
     return mapGenTLError(status);
   });
