@@ -156,7 +156,7 @@ TEST(Memory, IsReadAndWrittenAsItLiesInTheCamera) {
     const std::string second = std::to_string(where["address"].get<std::uint64_t>() + 4);
     EXPECT_EQ(ovi({"mem", "write", second, bytes.substr(8, 8), "-c", camera}).code, 0);
   }
-  const Outcome nothing = ovi(words("mem read 0x0 4 -c Mono"));
+  const Outcome nothing = ovi(words("mem -cMono read 0x0 4"));
   EXPECT_EQ(nothing.code, 1);
   EXPECT_THAT(nothing.err, HasSubstr("reading 4 bytes at 0x0 failed"));
 }

@@ -17,9 +17,17 @@ bool takesValue(const CLI::Option* option) {
   return option->get_items_expected_max() > 0;
 }
 
-// The option with the name of an argument such as "--camera=1".
+bool isShort(const std::string& argument) {
+  return argument[0] == '-' && argument[1] != '-';
+}
+
+// The option with the name of an argument such as "--camera=1" or "-c1".
 const CLI::Option* optionOf(const CLI::App& command, const std::string& argument) {
-  return command.get_option_no_throw(argument.substr(0, argument.find('=')));
+  return command.get_option_no_throw(argument.substr(0, isShort(argument) ? 2 : argument.find('=')));
+}
+
+bool carriesValue(const std::string& argument) {
+  return isShort(argument) ? argument.size() > 2 : argument.find('=') != std::string::npos;
 }
 
 // The same in any of the commands below; the commands agree about what an option means.
@@ -119,27 +127,26 @@ std::vector<std::string> orderedArguments(const CLI::App& app, std::vector<std::
     if (arguments.empty() || commandBelow(app, arguments.front()) != nullptr)
       arguments.emplace_back("--help");
   }
-  std::vector<std::string> before;
+  std::vector<std::string> result;
   std::vector<std::string> moved;
-  std::size_t i = 0;
-  for (; i < arguments.size() && arguments[i].size() > 1 && arguments[i][0] == '-'; ++i) {
-    const CLI::Option* const own = optionOf(app, arguments[i]);
-    const CLI::Option* const option = own != nullptr ? own : optionBelow(app, arguments[i]);
-    std::vector<std::string>& target = own != nullptr || option == nullptr ? before : moved;
-    target.push_back(arguments[i]);
-    if (option != nullptr && takesValue(option) && arguments[i].find('=') == std::string::npos &&
-        i + 1 < arguments.size())
-      target.push_back(arguments[++i]);
-  }
-  std::vector<std::string> result = before;
-  // The command with its own subcommand, which may take the option in its stead.
   const CLI::App* command = &app;
+  std::size_t i = 0;
   for (; i < arguments.size(); ++i) {
-    const CLI::App* const next = commandBelow(*command, arguments[i]);
-    if (next == nullptr)
+    if (const CLI::App* const next = commandBelow(*command, arguments[i])) {
+      command = next;
+      result.push_back(arguments[i]);
+      continue;
+    }
+    // Behind the innermost command the parser itself finds them.
+    if (arguments[i].size() < 2 || arguments[i][0] != '-' || command->get_subcommands(isShown).empty())
       break;
-    command = next;
-    result.push_back(arguments[i]);
+    const CLI::Option* const ours = optionOf(*command, arguments[i]);
+    const CLI::Option* const own = ours != nullptr ? ours : optionOf(app, arguments[i]);
+    const CLI::Option* const option = own != nullptr ? own : optionBelow(*command, arguments[i]);
+    std::vector<std::string>& target = own != nullptr || option == nullptr ? result : moved;
+    target.push_back(arguments[i]);
+    if (option != nullptr && takesValue(option) && !carriesValue(arguments[i]) && i + 1 < arguments.size())
+      target.push_back(arguments[++i]);
   }
   result.insert(result.end(), moved.begin(), moved.end());
   result.insert(result.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i), arguments.end());
