@@ -19,4 +19,5 @@ stage "install dependencies" scripts/install-deps.sh ${options[@]+"${options[@]}
 stage "build ($preset)" build_preset "$preset" ${targets[@]+"${targets[@]}"}
 rm -rf "build/$preset/packages"
 stage "pack" cpack --config "build/$preset/CPackConfig.cmake"
+rm -rf "build/$preset/packages/_CPack_Packages" # what was packed, as folders
 ls "build/$preset/packages"
