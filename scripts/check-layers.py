@@ -19,7 +19,7 @@ MAY_SEE = {
     "src/platform": [],
     "src/core": ["include", "src/platform"],
     "src/gentl": ["include", "interface", "genapi/include", "src/core", "src/platform"],
-    "src/features": ["include", "genapi/include", "src/core", "src/gentl"],
+    "src/features": ["include", "genapi/include", "src/core", "src/gentl", "src/platform"],
     "src/discovery": ["include", "genapi/include", "src/core", "src/gentl", "src/features", "src/platform"],
     "src/acquisition": ["include", "interface", "src/core", "src/gentl", "src/features", "src/platform"],
     "src/filetransfer": ["include", "src/core", "src/gentl", "src/features", "src/platform"],
