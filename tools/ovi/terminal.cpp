@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 
 #include "platform/console.h"
 #include "text.h"
@@ -19,6 +20,13 @@ std::string coloured(std::string_view text, Colour colour, bool onTerminal) {
   if (!onTerminal || refused || colour == Colour::kNone)
     return std::string(text);
   return kCodes.at(static_cast<std::size_t>(colour)) + std::string(text) + "\x1b[0m";
+}
+
+void Table::add(std::vector<std::string> row) {
+  for (std::string& cell : row)
+    std::ranges::replace_if(
+        cell, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+  rows_.push_back(std::move(row));
 }
 
 std::string Table::text(bool aligned) const {
@@ -96,6 +104,10 @@ void printData(std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), dataStream);
   std::fputc('\n', dataStream);
   std::fflush(dataStream);
+}
+
+void printJson(const nlohmann::ordered_json& json, int indent) {
+  printData(json.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 void printTable(const Table& table) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,8 @@ std::string coloured(std::string_view text, Colour colour, bool onTerminal);
 class Table {
  public:
   explicit Table(std::vector<std::string> headings) : headings_(std::move(headings)) {}
-  void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+  /// Control characters in a cell would tear the table or steer the terminal; they become spaces.
+  void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
   std::string text(bool aligned) const;
 
@@ -52,6 +54,10 @@ void setDataStream(std::FILE* stream);
 
 /// Writes a line to standard output, data that other programs may read.
 void printData(std::string_view text);
+
+/// Writes JSON to standard output, in one line when the indent is negative. Bytes of a camera's text that are no UTF-8
+/// become replacement characters.
+void printJson(const nlohmann::ordered_json& json, int indent = 2);
 
 /// Writes a table to standard output, aligned when that is a terminal.
 void printTable(const Table& table);

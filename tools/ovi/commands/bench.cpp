@@ -130,7 +130,7 @@ void bench(Session& session, const BenchOptions& options) {
     json["releaseMicroseconds"] = {{"median", m.release.quantile(0.5)}, {"p99", m.release.quantile(0.99)}};
     json["processorMicrosecondsPerImage"] = m.processorSeconds * 1e6 / static_cast<double>(m.images);
     json["shareOfFramePeriod"] = ours * rate / 1e6;
-    printData(json.dump(2));
+    printJson(json);
   } else {
     printData("images:           " + std::to_string(m.images) + " in " + fixedText(m.seconds, 2) + " s, " +
               fixedText(rate, 1) + " frames/s, " + fixedText(static_cast<double>(m.bytes) / m.seconds / 1e6, 1) +

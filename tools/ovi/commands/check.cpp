@@ -52,9 +52,7 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
       std::ranges::find_if(kGroups, [&](const check::Group& candidate) { return options.group == candidate.name; });
   if (group == kGroups.end())
     throw ToolError("there is no group \"" + options.group + "\"", "ovi check --help", ExitCode::kUsage);
-  const auto print = [](const ordered_json& line) {
-    printData(line.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
-  };
+  const auto print = [](const ordered_json& line) { printJson(line, -1); };
   std::string current;
   check::watchCalls(kCallTime, [&](const std::string& function) {
     print({{"rule", current},
@@ -203,13 +201,11 @@ void runAll(const Session& session, CheckOptions options) {
   const std::string counts = std::to_string(totals.counts[0]) + " pass, " + std::to_string(totals.counts[1]) +
                              " warn, " + std::to_string(totals.counts[2]) + " fail";
   if (json)
-    printData(ordered_json{
-        {"producer", options.producer},
-        {"pass", totals.counts[0]},
-        {"warn", totals.counts[1]},
-        {"fail", totals.counts[2]},
-        {"rules",
-         all}}.dump(2, ' ', false, ordered_json::error_handler_t::replace));
+    printJson(ordered_json{{"producer", options.producer},
+                           {"pass", totals.counts[0]},
+                           {"warn", totals.counts[1]},
+                           {"fail", totals.counts[2]},
+                           {"rules", all}});
   else
     printData(counts);
   if (totals.counts[2] > 0)

@@ -63,7 +63,7 @@ void showFeatures(Session& session, const FeaturesOptions& options) {
     nlohmann::ordered_json json = nlohmann::ordered_json::array();
     for (const FeatureNode* node : shown)
       json.push_back(featureJson(view, *node));
-    printData(json.dump(2));
+    printJson(json);
     return;
   }
   Table table({"feature", "kind", "access", "value", "unit", "range"});

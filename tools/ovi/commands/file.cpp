@@ -116,7 +116,7 @@ void report(const ModuleView& view, const TransferLine& line, const std::string&
     json["file"] = path;
     json["bytes"] = line.bytes();
     json["seconds"] = line.seconds();
-    printData(json.dump(2));
+    printJson(json);
   } else {
     printNote(what + ": " + std::to_string(line.bytes()) + " bytes in " + fixedText(line.seconds(), 2) + " s, " +
               line.rate());
@@ -169,7 +169,7 @@ void listFiles(Session& session) {
   }
   oviSetFeatureEnum(view.handle(), "FileSelector", before, kCamera);
   if (session.options().json)
-    printData(json.dump(2));
+    printJson(json);
   else
     printTable(table);
 }

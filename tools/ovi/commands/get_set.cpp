@@ -31,7 +31,7 @@ void getFeatures(Session& session, const ValueOptions& options) {
       printData(options.words.size() == 1 ? value : name + "=" + value);
   }
   if (session.options().json)
-    printData(json.dump(2));
+    printJson(json);
 }
 
 void setFeatures(Session& session, const ValueOptions& options) {
@@ -51,7 +51,7 @@ void setFeatures(Session& session, const ValueOptions& options) {
       printData(name + "=" + value);
   }
   if (session.options().json)
-    printData(json.dump(2));
+    printJson(json);
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ void grab(Session& session, const std::string& output) {
     throw ToolError("no image came within 3 seconds" + trigger.reason(), session.command(trigger.next()));
   }
   if (session.options().json)
-    printData(json.dump(2));
+    printJson(json);
   else
     printNote("saved " + output + " (" + description + ")");
 }

@@ -40,7 +40,7 @@ nlohmann::ordered_json camerasJson(const std::vector<Camera>& cameras) {
 void list(Session& session) {
   const std::vector<Camera>& cameras = session.cameras();
   if (session.options().json)
-    printData(camerasJson(cameras).dump(2));
+    printJson(camerasJson(cameras));
   if (cameras.empty())
     throw ToolError("no camera was found\n" + session.explainNoCameras(), session.command("doctor", {}));
   if (session.options().json)
@@ -55,7 +55,7 @@ void list(Session& session) {
 void info(Session& session, const std::string& name) {
   const Camera& camera = session.pick(name.empty() ? session.options().camera : name);
   if (session.options().json) {
-    printData(cameraJson(camera).dump(2));
+    printJson(cameraJson(camera));
     return;
   }
   const std::vector<std::pair<const char*, std::string>> lines = {
@@ -82,7 +82,7 @@ void info(Session& session, const std::string& name) {
 void showOverview(Session& session) {
   const std::vector<Camera>& cameras = session.cameras();
   if (session.options().json) {
-    printData(nlohmann::ordered_json{{"version", ovi::Library::version()}, {"cameras", camerasJson(cameras)}}.dump(2));
+    printJson(nlohmann::ordered_json{{"version", ovi::Library::version()}, {"cameras", camerasJson(cameras)}});
     return;
   }
   const bool terminal = standardOutputIsTerminal();

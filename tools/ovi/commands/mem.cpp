@@ -74,7 +74,7 @@ void read(Session& session, const MemoryOptions& options) {
   if (!options.output.empty()) {
     writeRaw(bytes, pathFromText(options.output));
     if (session.options().json)
-      printData(nlohmann::ordered_json{{"address", address}, {"length", length}, {"file", options.output}}.dump(2));
+      printJson(nlohmann::ordered_json{{"address", address}, {"length", length}, {"file", options.output}});
     else
       printNote("wrote " + std::to_string(bytes.size()) + " bytes to " + options.output);
     return;
@@ -84,7 +84,7 @@ void read(Session& session, const MemoryOptions& options) {
     json["address"] = address;
     json["length"] = length;
     json["bytes"] = hexFromBytes(bytes);
-    printData(json.dump(2));
+    printJson(json);
     return;
   }
   constexpr std::size_t kPerLine = 16;
@@ -116,7 +116,7 @@ void write(Session& session, const MemoryOptions& options) {
     fail(session, "writing " + std::to_string(bytes->size()) + " bytes at " + hexNumber(address), error);
   }
   if (session.options().json)
-    printData(nlohmann::ordered_json{{"address", address}, {"length", bytes->size()}}.dump(2));
+    printJson(nlohmann::ordered_json{{"address", address}, {"length", bytes->size()}});
   else
     printNote("wrote " + std::to_string(bytes->size()) + " bytes at " + hexNumber(address));
 }

@@ -13,7 +13,7 @@ namespace tool {
 namespace {
 
 void tellLine(const nlohmann::ordered_json& line) {
-  printData(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  printJson(line, -1);
 }
 
 // What the library demands of the machine before it loads a producer of this name. Nothing is loaded: there is no file

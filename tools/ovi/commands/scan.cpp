@@ -81,7 +81,7 @@ void scan(Session& session, const ScanOptions& options) {
     json["bytes"] = scan.bytes;
     json["seconds"] = seconds;
     json["result"] = code == OVI_SUCCESS ? "Success" : ovi::makeErrorCode(code).message();
-    printData(json.dump(2));
+    printJson(json);
   } else {
     printNote(scan.text() + " in " + fixedText(seconds, 2) + " s");
   }

@@ -211,7 +211,7 @@ void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& 
               (interrupted() && ledger.delivered == 0 ? run->trigger().reason() : ""));
   }
   if (session.options().json)
-    printData(runs.size() == 1 ? all.front().dump(2) : all.dump(2));
+    printJson(runs.size() == 1 ? all.front() : all);
 }
 
 void failForRuns(const Session& session, const StreamOptions& options, const std::vector<std::unique_ptr<Run>>& runs) {

@@ -54,7 +54,7 @@ std::string valueOf(const ModuleView& view, const std::string& name) {
 
 void print(Session& session, double seconds, const std::string& name, const std::string& value) {
   if (session.options().json)
-    printData(nlohmann::ordered_json{{"seconds", seconds}, {"name", name}, {"value", value}}.dump());
+    printJson(nlohmann::ordered_json{{"seconds", seconds}, {"name", name}, {"value", value}}, -1);
   else
     printData(fixedText(seconds, 3) + "\t" + name + "=" + value);
 }

@@ -245,7 +245,7 @@ void showDescription(Session& session, const XmlOptions& options) {
   try {
     const std::vector<Warning> warnings = options.check ? warningsOf(description) : std::vector<Warning>();
     if (session.options().json) {
-      printData(reportJson(description, options).dump(1, ' ', false, ordered_json::error_handler_t::replace));
+      printJson(reportJson(description, options), 1);
     } else if (options.time || options.check) {
       if (options.time)
         printTime(description);
