@@ -60,5 +60,43 @@ TEST(Settings, SayWhatCouldNotBeSetAndWhy) {
   EXPECT_THAT(broken.err, HasSubstr("broken.txt, line 2: \"nothing at all\""));
 }
 
+TEST(Settings, OfACameraWithOddFeatures) {
+  const auto odd = [](const std::string& command) { return ovi(words(command + " --producer " ODD_PRODUCER)); };
+  // What cannot be read is told and costs nothing else; a selector may reach to the largest number.
+  const Outcome saved = odd("save odd.txt");
+  EXPECT_EQ(saved.code, 0) << saved.err;
+  EXPECT_THAT(saved.err, HasSubstr("note: Unreadable is missing: Unreadable cannot be read: IO-Error"));
+  EXPECT_THAT(saved.err, HasSubstr("note: Unmatched is missing: "));
+  const std::string text = readText("odd.txt");
+  for (const char* line : {"# Unreadable is missing: ", "\nUnwritable = 0\n",
+                           "\nSelected [LastSelector=9223372036854775806] = 0\nSelected "
+                           "[LastSelector=9223372036854775807] = 0\n"})
+    EXPECT_THAT(text, HasSubstr(line));
+  writeText("odd.txt", "\xEF\xBB\xBFUnwritable = 0\n");
+  EXPECT_EQ(odd("load odd.txt").code, 0);
+
+  // Limits that nobody can read forbid nothing.
+  EXPECT_EQ(odd("set WriteOnly=5 WriteOnlyFloat=1.5 Unreadable=3").code, 1);
+  EXPECT_EQ(odd("set WriteOnly=5 WriteOnlyFloat=1.5 Bytes=0102").code, 0);
+  EXPECT_THAT(odd("set WriteOnly=much").err, HasSubstr("WriteOnly = much is no integer: "));
+  EXPECT_THAT(odd("set Bytes=0102030405").err, HasSubstr("Bytes = 0102030405 is too long: 4 bytes"));
+  const Outcome refused = odd("set Unwritable=1");
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.err, HasSubstr("Failed to set parameter! Parameter: Unwritable, Value: 1"));
+
+  // What forbids it is told, though it is no feature.
+  EXPECT_THAT(odd("set Locked=5").err,
+              HasSubstr("Locked = 5: the feature is read-only now. It depends on LockReg = 1."));
+  EXPECT_THAT(odd("set Mode=Fast").err,
+              HasSubstr("Mode = Fast: the entry is not available now. It depends on Unlocked = 0."));
+
+  const Outcome table = odd("features");
+  EXPECT_THAT(table.out, HasSubstr("\nWriteOnly\tinteger\two\t\t\t\n"));
+  EXPECT_THAT(table.out, HasSubstr("\ttwo lines, no "));
+  const nlohmann::json json = nlohmann::json::parse(odd("features --json").out);
+  EXPECT_EQ(json.at(5)["value"], "two\nlines, no \xEF\xBF\xBD UTF-8");
+  EXPECT_FALSE(json.at(0).contains("range"));
+}
+
 }  // namespace
 }  // namespace tool_test

@@ -22,30 +22,43 @@ namespace {
 // The lock that a running acquisition puts on the camera's geometry.
 constexpr const char* kLock = "TLParamsLocked";
 
+/// What a text about dependencies is for.
+enum class Why { kWrongValue, kForbidden };
+
 // Features that the description refers to from this one, directly or through nodes that are none, with their values:
-// one of them is why it cannot be had, or not with this value. Empty when there is none.
-std::string dependencyText(const ModuleView& view, const std::string& name) {
+// one of them is why it cannot be had, or not with this value. Something is forbidden by a mere register or formula
+// as well; then it is among the nodes that the description names directly. Empty when there is none.
+std::string dependencyText(const ModuleView& view, const std::string& name, Why why) {
   constexpr unsigned kMaxDepth = 4;
   std::set<std::string> features;
   for (const FeatureNode& node : featureTree(view, false))
     features.insert(node.name);
   std::set<std::string> visited{name};
   std::vector<std::string> found;
+  std::vector<std::string> others;
+  const auto take = [&view](const std::string& node, std::vector<std::string>& into) {
+    char value[512] = {};
+    if (oviGetFeatureOnModule(view.handle(), node.c_str(), value, view.selector()) == OVI_SUCCESS)
+      into.push_back(node + " = " + fromLibraryText(value));
+  };
   const std::function<void(const std::string&, unsigned)> visit = [&](const std::string& parent, unsigned depth) {
     for (const std::string& child : view.feature(parent).children()) {
       if (!visited.insert(child).second)
         continue;
-      char value[512] = {};
-      if (!features.contains(child)) {
-        if (depth < kMaxDepth)
-          visit(child, depth + 1);
-      } else if (child != kLock &&
-                 oviGetFeatureOnModule(view.handle(), child.c_str(), value, view.selector()) == OVI_SUCCESS) {
-        found.push_back(child + " = " + fromLibraryText(value));
+      if (features.contains(child)) {
+        if (child != kLock)
+          take(child, found);
+        continue;
       }
+      if (depth == 0 && why == Why::kForbidden)
+        take(child, others);
+      if (depth < kMaxDepth)
+        visit(child, depth + 1);
     }
   };
   visit(name, 0);
+  if (found.empty())
+    found = std::move(others);
   view.session().takeMessages();
   return found.empty() ? std::string() : " It depends on " + join(found, ", ") + ".";
 }
@@ -58,7 +71,7 @@ std::string forbidderText(const ModuleView& view, const std::string& name) {
       std::ranges::find(children, kLock) != children.end())
     return std::string(" ") + kLock + " = " + std::to_string(locked) + " locks it: stop the acquisition first.";
   view.session().takeMessages();
-  return dependencyText(view, name);
+  return dependencyText(view, name, Why::kForbidden);
 }
 
 // What the library logged about the call that failed just now.
@@ -135,22 +148,32 @@ class Refusal {
   }
   [[noreturn]] void outside(const std::string& problem, const std::string& nearest) const {
     throw ToolError(assignment() + problem + rangeText(view_, parameter_) + "; nearest " + nearest + "." +
-                        dependencyText(view_, name_),
+                        dependencyText(view_, name_, Why::kWrongValue),
                     view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
   }
   [[noreturn]] void noEntry() const {
+    const std::string node = "EnumEntry_" + name_ + "_" + value_;
+    const std::vector<std::string> children = view_.feature(name_).children();
+    if (std::ranges::find(children, node) != children.end())
+      throw ToolError(assignment() + ": the entry is not available now." + forbidderText(view_, node), showCommand());
     const std::string nearest = nearestMatch(value_, entryNames(view_, name_));
     throw ToolError(name_ + " has no entry \"" + value_ + "\"." +
                         (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
                         " Entries: " + rangeText(view_, parameter_),
                     nearest.empty() ? showCommand() : view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
   }
+  [[noreturn]] void tooLong() const {
+    throw ToolError(assignment() + " is too long: " + range(), showCommand(), ExitCode::kUsage);
+  }
   [[noreturn]] void failed(oviErr code) const {
-    throw ToolError(assignment() + ": " + ovi::makeErrorCode(code).message() + loggedReason(view_) +
+    // First, because looking for what forbids it makes the library log as well.
+    const std::string reason = loggedReason(view_);
+    throw ToolError(assignment() + ": " + ovi::makeErrorCode(code).message() + reason +
                         (code == OVI_ERR_NO_ACCESS ? forbidderText(view_, name_) : std::string()),
                     showCommand());
   }
   std::string range() const { return rangeText(view_, parameter_); }
+  std::string number() const { return hasLimits(parameter_) ? range() : "digits are wanted"; }
 
  private:
   std::string assignment() const { return name_ + " = " + value_; }
@@ -168,15 +191,15 @@ oviErr writeInteger(const ovi::Feature& feature, const ModuleView& view, const o
   if (!number) {
     // A number that is too large for any integer feature, or has decimals, is a number all the same.
     const std::optional<double> wide = floatFrom(value);
-    if (!wide)
-      refusal.notA("integer", refusal.range());
+    if (!wide || !hasLimits(p))
+      refusal.notA("integer", refusal.number());
     if (*wide < static_cast<double>(p.intMin) || *wide > static_cast<double>(p.intMax))
       refusal.outside(" is out of range: ", std::to_string(*wide < 0 ? p.intMin : nearestInteger(p, p.intMax)));
     refusal.outside(" does not fit: ", std::to_string(nearestInteger(p, std::llround(*wide))));
   }
-  if (*number < p.intMin || *number > p.intMax)
+  if (hasLimits(p) && (*number < p.intMin || *number > p.intMax))
     refusal.outside(" is out of range: ", std::to_string(nearestInteger(p, *number)));
-  if (const std::int64_t nearest = nearestInteger(p, *number); nearest != *number)
+  if (const std::int64_t nearest = nearestInteger(p, *number); hasLimits(p) && nearest != *number)
     refusal.outside(" does not fit: ", std::to_string(nearest));
   return oviSetFeatureInt(view.handle(), feature.name().c_str(), *number, view.selector());
 }
@@ -185,8 +208,8 @@ oviErr writeFloat(const ovi::Feature& feature, const ModuleView& view, const ovi
                   const std::string& value, const Refusal& refusal) {
   const std::optional<double> number = floatFrom(value);
   if (!number)
-    refusal.notA("number", refusal.range());
-  if (*number < p.floatMin || *number > p.floatMax)
+    refusal.notA("number", refusal.number());
+  if (hasLimits(p) && (*number < p.floatMin || *number > p.floatMax))
     refusal.outside(" is out of range: ", numberText(*number < p.floatMin ? p.floatMin : p.floatMax));
   return oviSetFeatureFloat(view.handle(), feature.name().c_str(), *number, view.selector());
 }
@@ -217,6 +240,8 @@ oviErr writeText(const ModuleView& view, const ovi::FeatureParameter& p, const s
       const std::optional<std::vector<std::uint8_t>> bytes = bytesFromHex(value);
       if (!bytes || bytes->empty())
         refusal.notA("row of bytes", "two hexadecimal digits for each byte, " + refusal.range());
+      if (hasLimits(p) && static_cast<std::int64_t>(bytes->size()) > p.registerLength)
+        refusal.tooLong();
       return oviSetFeatureReg(view.handle(), narrow, bytes->data(), static_cast<std::int64_t>(bytes->size()),
                               view.selector());
     }
@@ -254,7 +279,7 @@ std::string readFeature(const ModuleView& view, const std::string& name) {
   if (!isReadable(parameter) && parameter.featureType != OVI_FEATURE_COMMAND)
     throw ToolError(name + " cannot be read: it is " +
                         (parameter.accessMode == OVI_ACCESS_WRITE_ONLY ? "write-only" : "not available now") + "." +
-                        dependencyText(view, name),
+                        dependencyText(view, name, Why::kForbidden),
                     view.command("features " + name));
   try {
     const ovi::Feature feature = view.feature(name);

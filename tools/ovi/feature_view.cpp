@@ -62,6 +62,21 @@ bool isWritable(const ovi::FeatureParameter& parameter) {
   return parameter.accessMode == OVI_ACCESS_WRITE_ONLY || parameter.accessMode == OVI_ACCESS_READ_WRITE;
 }
 
+bool hasLimits(const ovi::FeatureParameter& parameter) {
+  switch (parameter.featureType) {
+    case OVI_FEATURE_INTEGER:
+      return parameter.intInc != 0;
+    case OVI_FEATURE_FLOAT:
+      return parameter.floatMin != 0 || parameter.floatMax != 0;
+    case OVI_FEATURE_STRING:
+      return parameter.maxStringLength != 0;
+    case OVI_FEATURE_REGISTER:
+      return parameter.registerLength != 0;
+    default:
+      return true;
+  }
+}
+
 std::string numberText(double value) {
   std::array<char, 64> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), value);
@@ -76,7 +91,7 @@ std::vector<std::string> entryNames(const ModuleView& view, const std::string& n
 }
 
 std::string rangeText(const ModuleView& view, const ovi::FeatureParameter& parameter) {
-  if (!isAvailable(parameter))
+  if (!isAvailable(parameter) || !hasLimits(parameter))
     return {};
   switch (parameter.featureType) {
     case OVI_FEATURE_INTEGER:
@@ -143,7 +158,7 @@ nlohmann::ordered_json featureJson(const ModuleView& view, const FeatureNode& no
     json["unit"] = fromLibraryText(p.unit);
   if (isReadable(p) && hasTextValue(p.featureType))
     json["value"] = valueJson(node);
-  if (!isAvailable(p))
+  if (!isAvailable(p) || !hasLimits(p))
     return json;
   if (p.featureType == OVI_FEATURE_INTEGER)
     json["range"] = {{"min", p.intMin}, {"max", p.intMax}, {"step", p.intInc}};

@@ -26,6 +26,8 @@ std::string visibilityText(std::uint32_t visibility);
 
 bool isReadable(const ovi::FeatureParameter& parameter);
 bool isWritable(const ovi::FeatureParameter& parameter);
+/// Whether the record holds the feature's limits. They are zero when it is write-only or its value could not be read.
+bool hasLimits(const ovi::FeatureParameter& parameter);
 
 /// The shortest text that reads back as the same number.
 std::string numberText(double value);

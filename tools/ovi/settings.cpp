@@ -19,10 +19,10 @@ namespace tool {
 namespace {
 
 // Features that say who the camera is, or make it work, instead of setting it.
-constexpr std::array kNotSettings = {"DeviceUserID",   "TLParamsLocked",  "GevPersistent*", "GevCurrentIPConfig*",
-                                     "FileAccess*",    "FileOperation*",  "FileOpenMode",   "UserSetDefault*",
-                                     "GevCCP",         "MaintenanceMode", "Indirect*",      "DeviceRegisters*",
-                                     "GevSCPHostPort", "GevSCDA"};
+constexpr std::array kNotSettings = {
+    "DeviceUserID",   "TLParamsLocked",  "GevPersistent*", "GevCurrentIPConfig*", "FileAccess*", "FileOperation*",
+    "FileOpenMode",   "UserSetDefault*", "GevCCP",         "MaintenanceMode",     "Indirect*",   "DeviceRegisters*",
+    "GevSCPHostPort", "GevSCDA",         "CounterValue",   "TimerValue",          "EncoderValue"};
 // Selectors that lead to work or to data of another kind.
 constexpr std::array kNotSelectors = {"FileSelector", "UserSetSelector", "FileOperationSelector"};
 constexpr std::size_t kMaxPositions = 4096;
@@ -105,8 +105,12 @@ std::vector<std::string> positionsOf(const ModuleView& view, const std::string& 
   std::vector<std::string> positions;
   const std::int64_t step = std::max<std::int64_t>(1, parameter.intInc);
   for (std::int64_t value = parameter.intMin; value <= parameter.intMax && positions.size() <= kMaxPositions;
-       value += step)
+       value += step) {
     positions.push_back(std::to_string(value));
+    if (static_cast<std::uint64_t>(parameter.intMax) - static_cast<std::uint64_t>(value) <
+        static_cast<std::uint64_t>(step))
+      break;  // Another step might leave the range of numbers.
+  }
   return positions;
 }
 
@@ -172,10 +176,20 @@ std::vector<Setting> readSettings(const ModuleView& view, std::vector<std::strin
     selectorNames.insert(names.begin(), names.end());
   Selectors selectors(view);
   std::vector<Setting> settings;
+  std::set<std::string> unreadable;
+  // One that cannot be read must not cost the others.
+  const auto skip = [&](const std::string& feature, const std::string& reason) {
+    if (unreadable.insert(feature).second)
+      notes.push_back(feature + " is missing: " + reason);
+  };
   const auto take = [&](const std::string& feature, const Positions& positions) {
-    const ovi::FeatureParameter parameter = requireParameter(view, feature);
-    if (parameter.accessMode == OVI_ACCESS_READ_WRITE)
-      settings.push_back({feature, positions, readExactly(view, feature)});
+    try {
+      const ovi::FeatureParameter parameter = requireParameter(view, feature);
+      if (parameter.accessMode == OVI_ACCESS_READ_WRITE)
+        settings.push_back({feature, positions, readExactly(view, feature)});
+    } catch (const ToolError& error) {
+      skip(feature, error.what());
+    }
   };
   for (const FeatureNode& node : tree) {
     if (!holdsValue(node.parameter.featureType) || isOneOf(kNotSettings, node.name) ||
@@ -191,8 +205,12 @@ std::vector<Setting> readSettings(const ModuleView& view, std::vector<std::strin
       continue;
     Positions chosen;
     std::size_t count = 0;
-    forEachPosition(view, selectors, selected->second, chosen, count,
-                    [&](const Positions& positions) { take(node.name, positions); });
+    try {
+      forEachPosition(view, selectors, selected->second, chosen, count,
+                      [&](const Positions& positions) { take(node.name, positions); });
+    } catch (const ToolError& error) {
+      skip(node.name, error.what());
+    }
     if (count > kMaxPositions)
       notes.push_back(node.name + ": only the first " + std::to_string(kMaxPositions) + " of its values under " +
                       join(selected->second, ", ") + " are here");

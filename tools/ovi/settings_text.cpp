@@ -56,7 +56,8 @@ std::string settingLine(const Setting& setting) {
 
 std::vector<Setting> parseSettings(const std::string& text, const std::string& path) {
   std::vector<Setting> settings;
-  std::istringstream lines(text);
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // Some editors begin a file with it.
+  std::istringstream lines(text.starts_with(kByteOrderMark) ? text.substr(kByteOrderMark.size()) : text);
   std::size_t number = 0;
   for (std::string line; std::getline(lines, line);) {
     ++number;

@@ -47,16 +47,23 @@ nlohmann::ordered_json problemJson(const SettingProblem& problem, const char* wa
   return json;
 }
 
+// What is not among the settings, and why.
+void tell(const std::vector<std::string>& notes) {
+  for (const std::string& note : notes)
+    printNote("note: " + note);
+}
+
 void save(Session& session, const SettingsOptions& options) {
   const ModuleView view(session, "device", Use::kControl);
   std::vector<std::string> notes;
   const std::vector<Setting> settings = readSettings(view, notes);
+  tell(notes);
   const bool toOutput = options.path.empty() || options.path == "-";
   if (toOutput && session.options().json) {
     nlohmann::ordered_json json = nlohmann::ordered_json::array();
     for (const Setting& setting : settings)
       json.push_back(settingJson(setting, "value"));
-    printData(json.dump(2));
+    printJson(json);
     return;
   }
   const Camera& camera = session.pick(session.options().camera);
@@ -74,7 +81,7 @@ void save(Session& session, const SettingsOptions& options) {
   }
   writeRaw({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, pathFromText(options.path));
   if (session.options().json)
-    printData(nlohmann::ordered_json{{"file", options.path}, {"settings", settings.size()}}.dump(2));
+    printJson(nlohmann::ordered_json{{"file", options.path}, {"settings", settings.size()}});
   else
     printNote("saved " + std::to_string(settings.size()) + " settings in " + options.path);
 }
@@ -87,7 +94,7 @@ void load(Session& session, const SettingsOptions& options) {
     nlohmann::ordered_json json{{"settings", settings.size()}, {"failed", nlohmann::ordered_json::array()}};
     for (const SettingProblem& problem : problems)
       json["failed"].push_back(problemJson(problem, "value", "reason"));
-    printData(json.dump(2));
+    printJson(json);
   }
   std::string text;
   for (const SettingProblem& problem : problems)
@@ -110,6 +117,7 @@ void diff(Session& session, const SettingsOptions& options) {
     settings = settingsOf(options.path);
   else
     settings = readSettings(ModuleView(session, "device", Use::kRead, options.other), notes);
+  tell(notes);
   const ModuleView view(session, "device", Use::kControl);
   const std::vector<SettingProblem> differences = compareSettings(view, settings);
   const std::string reference = options.other.empty() ? options.path : options.other;
@@ -117,7 +125,7 @@ void diff(Session& session, const SettingsOptions& options) {
     nlohmann::ordered_json json = nlohmann::ordered_json::array();
     for (const SettingProblem& difference : differences)
       json.push_back(problemJson(difference, "reference", "camera"));
-    printData(json.dump(2));
+    printJson(json);
   } else if (!differences.empty()) {
     Table table({"feature", "camera", reference});
     for (const SettingProblem& difference : differences)
