@@ -2,6 +2,7 @@
 #include "discovery/tl_discovery.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 
 #include "core/bounded_copy.h"
 #include "core/global_state.h"
@@ -130,6 +131,17 @@ TLDiscovery::TransportLayerPtr TLDiscovery::loadedProducer(const std::string& pa
   return found == producers_.end() ? nullptr : *found;
 }
 
+// Also under another path: a producer can be initialised once, and closing it would end the one that is in use.
+TLDiscovery::TransportLayerPtr TLDiscovery::loadedFile(const std::string& path) const {
+  if (TransportLayerPtr exact = loadedProducer(path))
+    return exact;
+  const auto found = std::ranges::find_if(producers_, [&](const TransportLayerPtr& candidate) {
+    boost::system::error_code error;
+    return boost::filesystem::equivalent(candidate->getProducer()->filePath(), path, error) && !error;
+  });
+  return found == producers_.end() ? nullptr : *found;
+}
+
 std::vector<TLDiscovery::TransportLayerPtr> TLDiscovery::producers() const {
   const std::lock_guard lock(producerMutex_);
   return producers_;
@@ -146,7 +158,7 @@ oviErr TLDiscovery::getTransportLayerInfoByFilePath(const std::string& filePath,
       return code;
     }
   }
-  TransportLayerPtr transportLayer = loadedProducer(filePath);
+  TransportLayerPtr transportLayer = loadedFile(filePath);
   const bool loadedForThis = transportLayer == nullptr;
   if (loadedForThis) {
     const oviErr code = guarded(

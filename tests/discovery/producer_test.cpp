@@ -118,7 +118,9 @@ TEST_F(Producers, InfoComesFromALoadedOneOrOneThatIsLoadedForIt) {
   ASSERT_EQ(discover(), OVI_SUCCESS);
   takeCalls();
   check();
-  EXPECT_THAT(takeCalls(), testing::IsEmpty());
+  EXPECT_EQ(oviGetTLProducerInfobyFilePath(&info, fs::relative(file()).string().c_str()), OVI_SUCCESS);
+  EXPECT_STREQ(info.name, "TreeProducer.cti");
+  EXPECT_THAT(takeCalls(), testing::IsEmpty()) << "the same file is not loaded and closed again";
 
   fail("GCGetInfo", GC_ERR_NOT_IMPLEMENTED, TL_INFO_DISPLAYNAME);
   takeLog();

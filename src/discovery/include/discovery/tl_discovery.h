@@ -95,6 +95,7 @@ class TLDiscovery {
   void reportProgress(unsigned phase, double fraction);
   TransportLayerPtr loadAndOpen(const std::string& path);
   TransportLayerPtr loadedProducer(const std::string& path) const;
+  TransportLayerPtr loadedFile(const std::string& path) const;
   std::vector<TransportLayerPtr> producers() const;
 
   mutable std::mutex optionMutex_;
