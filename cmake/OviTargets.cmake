@@ -27,7 +27,8 @@ find_package(Threads REQUIRED)
 
 add_library(ovi_options INTERFACE)
 if(MSVC)
-  target_compile_options(ovi_options INTERFACE /W4 /utf-8 $<$<BOOL:${OVI_WARNINGS_AS_ERRORS}>:/WX>)
+  target_compile_definitions(ovi_options INTERFACE NOMINMAX _CRT_SECURE_NO_WARNINGS)
+  target_compile_options(ovi_options INTERFACE /W4 /utf-8 /Zc:__cplusplus $<$<BOOL:${OVI_WARNINGS_AS_ERRORS}>:/WX>)
 else()
   target_compile_options(ovi_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
