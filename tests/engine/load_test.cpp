@@ -47,7 +47,12 @@ TEST(Load, TakesTextsInEveryDress) {
     utf16be += std::string{'\0', c};
     utf32 += std::string{c, '\0', '\0', '\0'};
   }
-  const std::vector<std::pair<const char*, std::string>> cases{
+  struct Case {
+    const char* name;
+    std::string text;
+    const char* warning = nullptr;
+  };
+  const std::vector<Case> cases{
       {"plain", plain},
       {"byte-order mark", "\xEF\xBB\xBF" + plain},
       {"UTF-16 little", utf16le},
@@ -55,18 +60,21 @@ TEST(Load, TakesTextsInEveryDress) {
       {"UTF-16 with zeros behind", utf16le + std::string(10, '\0')},
       {"UTF-32", utf32},
       {"blanks before", "\n\n  " + plain},
-      {"text before", "free text" + plain.substr(plain.find("<Reg"))},
+      {"text before", "free text" + plain.substr(plain.find("<Reg")), "stands before the description"},
       {"zeros behind", plain + std::string(1000, '\0')},
-      {"remains behind", plain + "<broken <<< &"},
-      {"remains of a document behind", plain + "</Integer></RegisterDescription>"},
+      {"remains behind", plain + "<broken <<< &", "what follows the end"},
+      {"remains of a document behind", plain + "</Integer></RegisterDescription>", "what follows the end"},
       {"comment behind", plain + "<!-- made by hand -->"},
       {"entities", "<!DOCTYPE x [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]>" + plain.substr(plain.find("<Reg"))},
+      {"no version", "<RegisterDescription>" + kInteger + "</RegisterDescription>", "no SchemaMajorVersion"},
   };
-  for (const auto& [name, text] : cases) {
+  for (const auto& [name, text, warning] : cases) {
     SCOPED_TRACE(name);
     try {
       TestMap map(TestMap::RawText{text});
       EXPECT_EQ(map.integer("A").GetValue(), 7);
+      EXPECT_EQ(map.warnings().size(), warning == nullptr ? 0U : 1U);
+      EXPECT_TRUE(warning == nullptr || hasWarning(map, warning));
     } catch (const GenICam::GenericException& error) {
       ADD_FAILURE() << error.what();
     }

@@ -179,6 +179,13 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
       throw RUNTIME_EXCEPTION("Error while parsing XML stream at line %u and column %u : '%s'", line, column,
                               result.description());
     }
+    if (prepared[i].isPreceded) {
+      warnings.add(lines.lineOf(offset), "text stands before the description and is skipped");
+    }
+    if (prepared[i].isFollowed) {
+      warnings.add(lines.lineOf(offset + static_cast<std::uint32_t>(size)),
+                   "what follows the end of the description is skipped");
+    }
     builder.addDocument(tree.document_element(), i == 0);
     model.times_.build += nanosecondsSince(clock);
     offset += static_cast<std::uint32_t>(size) + 2;
@@ -258,12 +265,14 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
       NumberField{"SchemaSubMinorVersion", &info.schema[2]}, NumberField{"MajorVersion", &info.version[0]},
       NumberField{"MinorVersion", &info.version[1]},         NumberField{"SubMinorVersion", &info.version[2]},
   };
+  bool hasSchema = false;
   for (const pugi::xml_attribute attribute : root.attributes()) {
     const std::string_view name = attribute.name();
     const auto isName = [name](const auto& field) { return equalsIgnoringCase(field.name, name); };
     if (const auto text = std::ranges::find_if(kTexts, isName); text != kTexts.end()) {
       info.*text->field = toUtf8(trim(attribute.value()));
     } else if (const auto number = std::ranges::find_if(numbers, isName); number != numbers.end()) {
+      hasSchema = hasSchema || number->field == &info.schema[0];
       const auto value = describedInteger(attribute.value());
       if (value && *value >= 0 && *value <= std::numeric_limits<std::uint16_t>::max()) {
         *number->field = static_cast<std::uint16_t>(*value);
@@ -271,6 +280,9 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
         warn(root, std::string(name) + " is no version number: '" + attribute.value() + "'");
       }
     }
+  }
+  if (!hasSchema) {
+    warn(root, "there is no SchemaMajorVersion, schema 1.1 is assumed");
   }
   if (info.schema[0] != 1) {
     throw RUNTIME_EXCEPTION("The camera description needs schema version %d.%d, supported are 1.0 and 1.1",

@@ -158,8 +158,13 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
 }
 
 DocumentText own(std::string_view text, bool cutAtFirstEnd) {
-  text = text.substr(0, documentSize(text, cutAtFirstEnd));
+  const std::size_t size = documentSize(text, cutAtFirstEnd);
+  const std::string_view behind = trim(text.substr(size));
+  text = text.substr(0, size);
+  const std::string_view document = trim(text);
   DocumentText out;
+  out.isPreceded = !document.empty() && document.front() != '<';
+  out.isFollowed = !behind.empty() && !behind.starts_with("<!--");
   out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2 + kTextSlack);
   out.data[0] = '\0';
   if (!text.empty()) {
