@@ -1,7 +1,9 @@
 // Descriptions and registers that mean harm: an exception or nodes that are not there, always with the rest usable.
 #include <chrono>
+#include <cstring>
 #include <random>
 
+#include "model/text.h"
 #include "test_map.h"
 
 using namespace GenApi;
@@ -308,6 +310,39 @@ TEST(Hostile, TextThatMultiplies) {
     ends += "RegisterDescription>";
   }
   EXPECT_THROW(TestMap(TestMap::RawText{ends}), GenICam::RuntimeException);
+}
+
+// Names of one hash: found by running the hash backwards from its result.
+TEST(Hostile, NamesThatResembleEachOther) {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ULL;
+  std::uint64_t inverse = kMultiplier;
+  for (int i = 0; i < 6; ++i) {
+    inverse *= 2 - kMultiplier * inverse;
+  }
+  const auto halfFolded = [](std::uint64_t word) { return word ^ (word >> 32); };
+  std::vector<std::string> names;
+  for (std::uint32_t low = 0; names.size() < 2000; ++low) {
+    char text[17] = "Resemble";
+    std::uint64_t first = 0;
+    std::memcpy(&first, text, sizeof first);
+    const std::uint64_t before = halfFolded((16 * kMultiplier ^ first) * kMultiplier);
+    const std::uint64_t last = before ^ halfFolded(((std::uint64_t{0x1234} << 32) + low) * inverse) * inverse;
+    std::memcpy(text + 8, &last, sizeof last);
+    if (std::all_of(text + 8, text + 16,
+                    [](char c) { return c > '!' && c <= '~' && std::strchr("<>&\"'", c) == nullptr; })) {
+      names.emplace_back(text);
+    }
+  }
+  std::string nodes = kGood;
+  for (const std::string& name : names) {
+    ASSERT_EQ(GenApiEngine::hashText(name), GenApiEngine::hashText(names.front()));
+    nodes += "<Integer Name=\"" + name + "\"><Value>1</Value></Integer>";
+  }
+  TestMap map(nodes);
+  EXPECT_EQ(map.integer("Good").GetValue(), 7);
+  EXPECT_EQ(map.integer(names[1000].c_str()).GetValue(), 1);
+  EXPECT_EQ(map->GetNode(names.back().c_str()), nullptr);
+  EXPECT_THAT(map.warnings().front().text, testing::HasSubstr("were made to resemble it"));
 }
 
 // Any prefix and any single changed byte of a description is either refused or answered.

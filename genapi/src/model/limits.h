@@ -23,6 +23,10 @@ inline constexpr std::uint32_t kMaxTextLength = (1U << 24) - 1;
 /// and every warning names its node.
 inline constexpr std::uint32_t kMaxNameLength = 1000;
 
+/// How far from its place a name may lie in the table of names. The longest way among millions of names is some 400;
+/// names that were made to have one place would make every look-up go through all of them.
+inline constexpr std::size_t kMaxProbes = 1024;
+
 /// A reader of warnings wants the first ones; a description that is all wrong must not fill the memory with them.
 inline constexpr std::size_t kMaxWarnings = 1000;
 

@@ -51,6 +51,10 @@ bool ModelLinker::insertName(NodeIndex index, std::string_view full) {
   const std::size_t mask = model_.index_.size() - 1;
   std::size_t slot = hash & mask;
   for (; model_.index_[slot].node != kNoNode; slot = (slot + 1) & mask) {
+    if (((slot - hash) & mask) >= kMaxProbes - 1) {
+      warn(model_.nodes_[index], "'" + std::string(full) + "' is skipped, as many names were made to resemble it");
+      return false;
+    }
     Model::IndexSlot& taken = model_.index_[slot];
     if (model_.matches(taken, hash, full)) {
       const NodeIndex loser = resolveDuplicate(taken.node, index);

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "model/limits.h"
+
 namespace GenApiEngine {
 namespace {
 
@@ -48,7 +50,8 @@ NodeIndex Model::findName(std::string_view full) const {
   }
   const std::uint32_t hash = hashText(full);
   const std::size_t mask = index_.size() - 1;
-  for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
+  std::size_t slot = hash & mask;
+  do {
     const IndexSlot& entry = index_[slot];
     if (entry.node == kNoNode) {
       return kNoNode;
@@ -56,7 +59,9 @@ NodeIndex Model::findName(std::string_view full) const {
     if (matches(entry, hash, full)) {
       return entry.node;
     }
-  }
+    slot = (slot + 1) & mask;
+  } while (((slot - hash) & mask) < kMaxProbes);
+  return kNoNode;
 }
 
 NodeIndex Model::indexOf(std::string_view full) const {

@@ -50,6 +50,7 @@ constexpr std::array kMeanings = {
     Meaning{"is defined twice, the first definition counts",
             "the later definition has no effect. Rename it or take it out"},
     Meaning{"without a name is skipped", "nothing can refer to it, so it is not part of the map. Add a Name"},
+    Meaning{"were made to resemble it", "looking up such names would take too long. Rename the node"},
     Meaning{"with a name that is too long is skipped", "no program shows such a name. Shorten it"},
     Meaning{"which is too much, and is skipped",
             "each entry takes over every element of the struct; they would fill the memory. Divide the struct"},
