@@ -190,7 +190,7 @@ std::string typeOf(const ModuleView& view, const std::string& path) {
 }
 
 bool isFirmware(const std::string& name) {
-  for (const char* word : {"firmware", "application", "bitstream", "bootloader", "package"})
+  for (const char* word : {"firmware", "application", "bitstream", "boot", "package", "fpga", "update"})
     if (matchesPattern(word, name))
       return true;
   return false;
