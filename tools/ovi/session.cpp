@@ -24,7 +24,7 @@ std::string quoted(const std::string& word) {
 // Folders in which the virtual camera may be: beside the tool, or where it is installed.
 std::vector<std::filesystem::path> virtualCameraFolders() {
   const std::filesystem::path own = programFolder();
-  return {own, own / OVI_PRODUCER_DIR};
+  return {own, (own / OVI_PRODUCER_DIR).lexically_normal()};
 }
 
 bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) {
