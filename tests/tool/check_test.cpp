@@ -46,7 +46,8 @@ TEST(Check, NamesTheFault) {
       {"slow 700", "system", 0, "TLUpdateInterfaceList took 7"},
       {"slow 3000", "system", 1, "TLUpdateInterfaceList with a time-out of 1000 ms returned GC_ERR_TIMEOUT"},
       {"block IFClose", "system", 1, "IFClose did not come back within 8 s"},
-      {"crash", "exports", 1, "the process crashed"},
+      {"crash", "exports", 1, "crashed: Segmentation fault, in its own start, while it is loaded"},
+      {"exit", "exports", 1, "it ended the process, with exit code 3"},
   };
   for (const Fault& fault : faults) {
     SCOPED_TRACE(fault.order);

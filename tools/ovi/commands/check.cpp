@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "check/call_watch.h"
 #include "check/groups.h"
 #include "commands.h"
 #include "paths.h"
@@ -59,26 +60,32 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
            {"result", "fail"},
            {"seen", function + " did not come back within " + std::to_string(kCallTime.count()) + " s"}});
   });
+  const auto begin = [&](const std::string& rule) {
+    current = rule;
+    print({{"begin", rule}});
+  };
+  begin("The producer loads");
   // Never unloaded: a broken producer may have threads that still run.
-  static const DynamicLibrary* const library = new DynamicLibrary(pathFromText(options.producer));
+  static const DynamicLibrary* const library = [&] {
+    const check::WatchedCall watch("its own start, while it is loaded");
+    return new DynamicLibrary(pathFromText(options.producer));
+  }();
+  begin("");
   const check::ProducerFunctions functions(*library);
   check::Checker checker(
-      functions, camera,
-      [&](const std::string& rule) {
-        current = rule;
-        print({{"begin", rule}});
-      },
-      [&](check::Verdict verdict, const std::string& rule, const std::string& seen) {
+      functions, camera, begin, [&](check::Verdict verdict, const std::string& rule, const std::string& seen) {
         current.clear();
         print({{"rule", rule}, {"result", kVerdicts.at(static_cast<std::size_t>(verdict))}, {"seen", seen}});
       });
   group->run(checker);
+  print({{"end", options.group}});
 }
 
 // What a group's process printed, with a line for an end that was none.
 std::vector<ordered_json> linesOf(const ChildResult& child) {
   std::vector<ordered_json> lines;
   std::string begun;
+  bool ended = false;
   std::istringstream stream(child.output);
   for (std::string text; std::getline(stream, text);) {
     ordered_json line = ordered_json::parse(text, nullptr, false);
@@ -87,6 +94,8 @@ std::vector<ordered_json> linesOf(const ChildResult& child) {
     } else if (line.is_object() && line.contains("rule")) {
       begun.clear();
       lines.push_back(std::move(line));
+    } else if (line.is_object() && line.contains("end")) {
+      ended = true;
     }
   }
   const auto failed = [&](const std::string& seen) {
@@ -103,8 +112,11 @@ std::vector<ordered_json> linesOf(const ChildResult& child) {
            (where == std::string::npos
                 ? ""
                 : ", in " + child.messages.substr(where + 11, child.messages.find('\n', where) - where - 11)));
-  else if (child.exitCode != 0 && (lines.empty() || lines.back()["result"] != "fail"))
-    failed(child.messages.substr(0, child.messages.find('\n')));
+  else if (const std::string said = child.messages.substr(0, child.messages.find_first_of("\r\n"));
+           (!ended || child.exitCode != 0) && (lines.empty() || lines.back()["result"] != "fail"))
+    failed(said.starts_with("ovi: ") ? said.substr(5)
+                                     : "it ended the process, with exit code " + std::to_string(child.exitCode) +
+                                           (said.empty() ? "" : ", and said: " + said));
   return lines;
 }
 
