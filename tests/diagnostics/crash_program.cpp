@@ -20,6 +20,12 @@ void crashHere() {
 // Called through this, so that the compiler leaves it a function of its own.
 void (*volatile crash)() = crashHere;
 
+// What follows the call keeps this function on the stack.
+void callNowhere() {
+  reinterpret_cast<void (*)()>(nowhere)();
+  nowhere = 0;
+}
+
 // A report about many frames takes its time.
 int crashDeeply(int depth) {
   if (depth == 0)
@@ -37,6 +43,8 @@ int main(int argc, char** argv) {
     return 3;
   if (mode == "null")
     crash();
+  if (mode == "call")
+    callNowhere();
   if (mode == "thread")
     std::thread([] { crash(); }).join();
   if (mode == "threads") {

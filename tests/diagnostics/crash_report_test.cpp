@@ -80,6 +80,7 @@ TEST(CrashReport, NamesWhatCrashedAndLetsTheSystemEndTheProcess) {
   };
   const std::vector<Case> cases = {
       {"null", 11, {"SIGSEGV", "address: 0x10\n", "crashHere", "main", "libc.so"}},
+      {"call", 11, {"SIGSEGV", "#0 0x10 ??\n", "#1 ", "callNowhere", "main"}},
       {"thread", 11, {"SIGSEGV", "crashHere"}},
       {"threads", 11, {"SIGSEGV", "crashHere", "ld-linux"}},  // All of it, the last module too.
       {"abort", 6, {"SIGABRT", "address: none", "main"}},

@@ -66,37 +66,85 @@ const char* signalName(int number) noexcept {
   return "unknown signal";
 }
 
-std::uintptr_t instructionPointer(const void* context) noexcept {
+std::uintptr_t instructionPointer(const ucontext_t& context) noexcept {
 #if defined(__x86_64__)
-  return static_cast<std::uintptr_t>(static_cast<const ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP]);
+  return static_cast<std::uintptr_t>(context.uc_mcontext.gregs[REG_RIP]);
 #elif defined(__aarch64__)
-  return static_cast<const ucontext_t*>(context)->uc_mcontext.pc;
+  return context.uc_mcontext.pc;
 #else
   static_cast<void>(context);
   return 0;
 #endif
 }
 
-void writeBacktrace(SignalSafeWriter& report, std::uintptr_t crashedAt) noexcept {
-  constexpr int kMaxFrames = 64;
-  std::array<void*, kMaxFrames> frames{};
-  const int count = backtrace(frames.data(), kMaxFrames);
-  // The frames of this handler stand before the one that crashed.
-  int first = 0;
-  for (int i = 0; i < count; ++i)
-    if (reinterpret_cast<std::uintptr_t>(frames.at(static_cast<std::size_t>(i))) == crashedAt)
-      first = i;
-  for (int i = first, number = 0; i < count; ++i, ++number) {
-    const auto address = reinterpret_cast<std::uintptr_t>(frames.at(static_cast<std::size_t>(i)));
-    report.text("  #").decimal(static_cast<std::uint64_t>(number)).text(" ").hexadecimal(address).text(" ");
-    // A return address may lie just behind its function's end; the call itself lies before it.
-    writeSymbol(report, i == first ? address : address - 1);
-    report.text("\n");
+/** Makes the context that of the caller, as if the instruction had returned at once. */
+void returnAtOnce(ucontext_t& context) noexcept {
+#if defined(__x86_64__)
+  greg_t& stack = context.uc_mcontext.gregs[REG_RSP];
+  std::uintptr_t caller = 0;
+  if (readMemory(static_cast<std::uintptr_t>(stack), &caller, sizeof(caller))) {
+    context.uc_mcontext.gregs[REG_RIP] = static_cast<greg_t>(caller);
+    stack += static_cast<greg_t>(sizeof(caller));
   }
+#elif defined(__aarch64__)
+  context.uc_mcontext.pc = context.uc_mcontext.regs[30];
+#else
+  static_cast<void>(context);
+#endif
+}
+
+constexpr std::size_t kMaxFrames = 64;
+
+struct Frames {
+  std::array<void*, kMaxFrames> addresses{};
+  std::size_t count = 0;
+
+  Frames() noexcept : count(static_cast<std::size_t>(backtrace(addresses.data(), kMaxFrames))) {}
+  std::uintptr_t at(std::size_t i) const noexcept { return reinterpret_cast<std::uintptr_t>(addresses.at(i)); }
+  /** The frame with this address; `count` when there is none. Those of the signal handler stand before it. */
+  std::size_t find(std::uintptr_t address) const noexcept {
+    std::size_t i = count;
+    while (i > 0 && at(i - 1) != address)
+      --i;
+    return i > 0 ? i - 1 : count;
+  }
+};
+
+void writeFrame(SignalSafeWriter& report, std::size_t number, std::uintptr_t address, std::uintptr_t inside) noexcept {
+  report.text("  #").decimal(number).text(" ").hexadecimal(address).text(" ");
+  writeSymbol(report, inside);
+  report.text("\n");
+}
+
+/** The frames behind the one at which the context stands. @return whether there are any */
+bool writeCallers(SignalSafeWriter& report, const ucontext_t& context, std::uintptr_t crashedAt) noexcept {
+  const std::uintptr_t start = instructionPointer(context);
+  char code = 0;
+  if (!readMemory(start, &code, sizeof(code)))
+    return false;  // The unwinder looks at the code there.
+  const Frames frames;
+  const std::size_t found = frames.find(start);
+  const std::size_t first = start == crashedAt ? found + 1 : found;
+  // A return address may lie just behind its function's end; the call itself lies before it.
+  for (std::size_t i = first; i < frames.count; ++i)
+    writeFrame(report, i - first + 1, frames.at(i), frames.at(i) - 1);
+  return first < frames.count;
+}
+
+void writeBacktrace(SignalSafeWriter& report, ucontext_t& context) noexcept {
+  const std::uintptr_t crashedAt = instructionPointer(context);
+  writeFrame(report, 0, crashedAt, crashedAt);
+  if (writeCallers(report, context, crashedAt))
+    return;
+  // The call of a null pointer, say: nothing tells the way out of such a place, but who called it is known.
+  const mcontext_t saved = context.uc_mcontext;
+  returnAtOnce(context);
+  writeCallers(report, context, crashedAt);
+  context.uc_mcontext = saved;
 }
 
 /** @return 0; or the system's number of what went wrong */
-int writeReport(int file, int number, const siginfo_t* information, const void* context,
+int writeReport(int file, int number, const siginfo_t* information, ucontext_t& context,
                 std::int64_t seconds) noexcept {
   SignalSafeWriter report(file);
   report.text("Crash report of ").text(state.executable.data()).text("\n\n");
@@ -113,13 +161,13 @@ int writeReport(int file, int number, const siginfo_t* information, const void* 
   report.text("process: ").decimal(static_cast<std::uint64_t>(getpid())).text("\n");
   report.text("thread: ").decimal(static_cast<std::uint64_t>(syscall(SYS_gettid))).text("\n");
   report.text("\nbacktrace:\n");
-  writeBacktrace(report, instructionPointer(context));
+  writeBacktrace(report, context);
   report.text("\nloaded modules:\n");
   writeModules(report);
   return report.error();
 }
 
-void report(int number, const siginfo_t* information, const void* context) noexcept {
+void report(int number, const siginfo_t* information, ucontext_t& context) noexcept {
   const std::int64_t seconds = std::time(nullptr);
   std::array<char, PATH_MAX + NAME_MAX + 32> name{};
   composeDumpName(name.data(), name.size(), state.directory.data(), state.executable.data(), seconds);
@@ -158,7 +206,7 @@ void handleSignal(int number, siginfo_t* information, void* context) {
   long first = 0;
   // What damages memory often crashes several threads at once. The default action of the second would cut the report.
   if (reporter.compare_exchange_strong(first, thisThread))
-    report(number, information, context);
+    report(number, information, *static_cast<ucontext_t*>(context));
   else if (first != thisThread)
     waitForTheEnd();
   struct sigaction byDefault {};

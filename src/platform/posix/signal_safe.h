@@ -1,6 +1,7 @@
 // Writing a report from a signal handler: nothing here allocates, locks or formats through the C library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace OVI::platform {
@@ -23,6 +24,9 @@ class SignalSafeWriter {
   int file_;
   int error_ = 0;
 };
+
+/** Copies memory of this process that may not be there. @return whether all of it was */
+bool readMemory(std::uintptr_t address, void* to, std::size_t size) noexcept;
 
 /** The function that holds the code address and its module, as "name+0x12 (module+0x3456)": its symbol is looked up in
  * the module's file, so that functions that are not exported have their names too. */

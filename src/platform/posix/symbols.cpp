@@ -2,6 +2,7 @@
 #include <elf.h>
 #include <fcntl.h>
 #include <link.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <array>
@@ -167,6 +168,14 @@ bool writeFunction(SignalSafeWriter& report, const Mapping& mapping, std::uintpt
 }
 
 }  // namespace
+
+bool readMemory(std::uintptr_t address, void* to, std::size_t size) noexcept {
+  const iovec local{to, size};
+  const iovec remote{reinterpret_cast<void*>(address), size};  // NOLINT(performance-no-int-to-ptr): it is an address.
+  // A sandbox may forbid the call, and the file is closed to a process that has rights of its own.
+  return process_vm_readv(getpid(), &local, 1, &remote, 1, 0) == static_cast<ssize_t>(size) ||
+         FileDescriptor("/proc/self/mem").readAt(address, to, size);
+}
 
 void writeSymbol(SignalSafeWriter& report, std::uintptr_t address) noexcept {
   MapReader map;
