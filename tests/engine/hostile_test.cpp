@@ -290,7 +290,7 @@ TEST(Hostile, TextThatMultiplies) {
   constexpr int kMany = 20000;
   std::string categories = "<Category Name=\"Root\"><pFeature>Good</pFeature></Category>";
   std::string entries = "<StructReg>";
-  std::string values = "<Enumeration Name=\"" + std::string(1 << 20, 'E') + "\"><Value>0</Value>";
+  std::string values = "<Enumeration Name=\"" + std::string(10000, 'E') + "\"><Value>0</Value>";
   for (int i = 0; i < kMany; ++i) {
     const std::string name = "N" + std::to_string(i);
     categories += "<Category Name=\"Root\"><pFeature>Good</pFeature><pFeature>" + name + "</pFeature></Category>" +
@@ -305,6 +305,10 @@ TEST(Hostile, TextThatMultiplies) {
   EXPECT_EQ(features[kMany]->GetNode()->GetName(), "N19999");
   EXPECT_EQ(map->GetNode("SN0"), nullptr);
   EXPECT_THAT(map.warnings().front().text, testing::HasSubstr("which is too much, and is skipped"));
+  EXPECT_THAT(map.warnings().at(1).text, testing::HasSubstr("too long a name for its 20000 entries"));
+  NodeList_t left;
+  CEnumerationPtr(map->GetNode(GenICam::gcstring(10000, 'E')))->GetEntries(left);
+  EXPECT_TRUE(left.empty());
   std::string ends = "<RegisterDescription>";
   for (int i = 0; i < 50 * kMany; ++i) {
     ends += "RegisterDescription>";

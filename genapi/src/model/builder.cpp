@@ -384,8 +384,15 @@ void ModelBuilder::addStruct(pugi::xml_node xml) {
 }
 
 void ModelBuilder::buildNested(const std::vector<Nested>& nested, NodeIndex owner) {
+  repeatedNameBytes_ += std::size_t{model_.nodes_[owner].nameLength} * nested.size();
+  const bool isTooMuch = repeatedNameBytes_ > kMaxRepeatedNameBytes && !nested.empty();
+  if (isTooMuch) {
+    warn(nested.front().xml, quotedNameOf(model_.nodes_[owner]) + " has too long a name for its " +
+                                 std::to_string(nested.size()) + " entries, which are skipped");
+  }
   for (const Nested& inner : nested) {
-    const NodeIndex node = addNode(inner.xml, inner.kind, inner.kind == NodeKind::EnumEntry ? owner : kNoNode);
+    const NodeIndex node =
+        isTooMuch ? kNoNode : addNode(inner.xml, inner.kind, inner.kind == NodeKind::EnumEntry ? owner : kNoNode);
     if (inner.property != kNoNode) {
       model_.properties_[inner.property].target = node;
     }

@@ -130,6 +130,7 @@ class ModelBuilder {
   std::vector<std::uint8_t> documentOfNode_;
   std::uint8_t document_ = 0;
   ElementFinder finder_;
+  std::size_t repeatedNameBytes_ = 0;  // What entries have taken over of the names of their enumerations.
 };
 
 /// Second step: names, references, dependents, features, cycles.

@@ -19,9 +19,11 @@ inline constexpr std::size_t kMaxProperties = std::size_t{1} << 24;
 /// A property keeps the length of its text in 24 bits; the longest text seen in the field has a few kilobytes.
 inline constexpr std::uint32_t kMaxTextLength = (1U << 24) - 1;
 
-/// The longest name seen in the field has 80 bytes. Every entry of an enumeration takes over the enumeration's name,
-/// and every warning names its node.
-inline constexpr std::uint32_t kMaxNameLength = 1000;
+/// The longest name seen in the field has 80 bytes. Every warning names its node.
+inline constexpr std::uint32_t kMaxNameLength = 1U << 14;
+
+/// Every entry of an enumeration takes over the enumeration's name: few bytes of text could mean any number of them.
+inline constexpr std::size_t kMaxRepeatedNameBytes = std::size_t{64} << 20;
 
 /// How far from its place a name may lie in the table of names. The longest way among millions of names is some 400;
 /// names that were made to have one place would make every look-up go through all of them.
