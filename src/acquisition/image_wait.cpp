@@ -260,11 +260,7 @@ oviErr oviReleaseImage(std::uint64_t streamHandle, oviNewBufferEventData* record
     return result;  // Of the buffer alone: an unknown stream is in the log only.
   }
   return guarded(kReleaseSite, Severity::Error, "Failed to queue buffer. Error: ", [&] {
-    GC_ERROR status = GC_ERR_SUCCESS;
-    {
-      const DataStream::Use use(*stream);
-      status = stream->queueBuffer(buffer);
-    }
+    const GC_ERROR status = stream->queueBufferHeld(buffer);
     if (status != GC_ERR_SUCCESS) {
       logRelease("Failed to queue buffer. Error: " + std::to_string(status));
     }

@@ -21,10 +21,8 @@ const char* moduleTypeName(int moduleType) noexcept {
 
 BaseModule::~BaseModule() = default;
 
-BaseModule::Use::Use(const BaseModule& module) {
-  if (!module.beginUse(inside_)) {
-    throw ClosedException(std::string(moduleTypeName(module.moduleType())) + " is closed, cannot return handle");
-  }
+void BaseModule::throwClosed() const {
+  throw ClosedException(std::string(moduleTypeName(moduleType())) + " is closed, cannot return handle");
 }
 
 bool BaseModule::shutUses() noexcept {

@@ -76,6 +76,10 @@ GC_ERROR DataStream::queueBuffer(BUFFER_HANDLE buffer) {
   return functions().DSQueueBuffer(getHandle(), buffer);
 }
 
+bool DataStream::shutUses() noexcept {
+  return BaseModule::shutUses() && OVI::waitUntilUnused(static_cast<const BaseModule*>(this), kPatience);
+}
+
 GC_ERROR DataStream::flushQueue(ACQ_QUEUE_TYPE operation) {
   return functions().DSFlushQueue(getHandle(), operation);
 }

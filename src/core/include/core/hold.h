@@ -133,12 +133,13 @@ class UseGate {
   /** @return whether the gate is open; then the caller is inside until it lets go of the hold */
   bool enter(Hold& hold) const noexcept {
     hold.announce(this);
-    if (!shut_.load(std::memory_order_seq_cst)) {
+    if (isOpen()) {
       return true;
     }
     hold.release();
     return false;
   }
+  bool isOpen() const noexcept { return !shut_.load(std::memory_order_seq_cst); }
   /** Nobody enters any more. @return whether those that were inside have left in time */
   bool shut(std::chrono::milliseconds limit) noexcept {
     shut_.store(true, std::memory_order_seq_cst);

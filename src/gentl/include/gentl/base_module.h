@@ -49,7 +49,11 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   class Use {
    public:
     /** @throws ClosedException when the module is being closed already */
-    explicit Use(const BaseModule& module);
+    explicit Use(const BaseModule& module) {
+      if (!module.beginUse(inside_)) {
+        module.throwClosed();
+      }
+    }
 
    private:
     OVI::Hold inside_;
@@ -57,7 +61,7 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   /** The same without an exception. @return whether the use may begin; it lasts as long as the hold */
   bool beginUse(OVI::Hold& inside) const noexcept { return uses_.enter(inside); }
   /** No use begins any more. @return whether those that were under way were over in time */
-  bool shutUses() noexcept;
+  virtual bool shutUses() noexcept;
 
   /** Closes the module and drops its feature list and port. @return the producer's status, not checked */
   virtual GC_ERROR close();
@@ -94,6 +98,13 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   virtual std::shared_ptr<BaseModule> sharedFromThis() { return shared_from_this(); }
 
  protected:
+  /** @throws ClosedException when the module is being closed already */
+  void requireOpenForUses() const {
+    if (!uses_.isOpen()) {
+      throwClosed();
+    }
+  }
+
   explicit BaseModule(void* handle) : handle_(handle) {}
 
   /** The module as what it is; for children that keep it. */
@@ -113,6 +124,8 @@ class BaseModule : public std::enable_shared_from_this<BaseModule> {
   std::shared_ptr<ConcretePort> port_;
 
  private:
+  [[noreturn]] void throwClosed() const;
+
   std::atomic<void*> handle_;
   OVI::UseGate uses_;
 };

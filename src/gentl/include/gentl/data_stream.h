@@ -58,6 +58,13 @@ class DataStream final : public OpenModule<Device, DSFunctions, &DSFunctions::DS
   /** Not checked, but for what clearing asks of the producer. */
   GC_ERROR queueBuffer(const Buffer& buffer, bool clearFirst);
   GC_ERROR queueBuffer(BUFFER_HANDLE buffer);
+  /** The same as a use of the stream, for a thread that holds it: whoever closes a stream waits for holds as well.
+   * @throws ClosedException when the stream is being closed already */
+  GC_ERROR queueBufferHeld(BUFFER_HANDLE buffer) {
+    requireOpenForUses();
+    return queueBuffer(buffer);
+  }
+  bool shutUses() noexcept override;
   GC_ERROR flushQueue(ACQ_QUEUE_TYPE operation);
   GC_ERROR startAcquisition(ACQ_START_FLAGS flags, std::uint64_t count);
   GC_ERROR stopAcquisition(ACQ_STOP_FLAGS flags);
