@@ -179,6 +179,7 @@ TEST(Images, AreCountedAndChecked) {
   const Outcome bench = ovi(words("bench --camera Mono --seconds 0.5 --json"));
   EXPECT_EQ(bench.code, 0) << bench.err;
   EXPECT_GT(nlohmann::json::parse(bench.out)["images"].get<int>(), 0);
+  EXPECT_GT(nlohmann::json::parse(bench.out)["producerTakeMicroseconds"].get<double>(), 0) << "without the library";
 }
 
 TEST(Images, ThatDoNotComeAreExplained) {

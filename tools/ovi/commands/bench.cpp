@@ -4,11 +4,14 @@
 #include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <thread>
 
 #include "acquisition.h"
 #include "commands.h"
+#include "commands/image_source.h"
 #include "module_view.h"
+#include "platform/child_process.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -26,6 +29,7 @@ struct BenchOptions {
   double seconds = 5;
   std::uint32_t buffers = 16;
   bool touch = false;
+  std::string producer;  // set in the process that does without the library
 };
 
 // The times of one kind of call.
@@ -57,94 +61,142 @@ struct Measurement {
   Times release;  // giving the buffer back
 };
 
-Measurement measure(const ovi::Device& device, const BenchOptions& options) {
+Measurement measure(ImageSource& source, const BenchOptions& options) {
+  using Got = ImageSource::Got;
   Measurement result;
-  const ovi::Stream stream = device.openStream(options.buffers);
-  device.start();
   const Clock::time_point start = Clock::now();
   const std::clock_t processorStart = std::clock();
   ProgressLine line;
-  try {
-    while (!interrupted()) {
-      std::error_code error;
-      const Clock::time_point before = Clock::now();
-      std::unique_ptr<ovi::Image> image = stream.tryNext(std::chrono::milliseconds(0), error);
-      const Clock::time_point after = Clock::now();
-      if (image)
-        result.take.add(after - before);
-      else if (error.value() == OVI_ERR_TIMEOUT)
-        image = stream.tryNext(std::chrono::milliseconds(200), error);
-      result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-      if (result.seconds >= options.seconds)
-        break;
-      if (error.value() == OVI_ERR_INVALID_BUFFER)
-        ++result.incomplete;
-      else if (error && error.value() != OVI_ERR_TIMEOUT)
-        throw ToolError("waiting for an image failed: " + error.message(), "ovi stream --frames 100");
-      line.show(result.seconds / options.seconds, std::to_string(result.images) + " images");
-      if (!image)
-        continue;
-      ++result.images;
-      result.bytes += image->size();
-      for (std::size_t i = 0; options.touch && i < image->size(); ++i)
-        result.sum += image->data()[i];
-      const Clock::time_point releasing = Clock::now();
-      image->release();
-      result.release.add(Clock::now() - releasing);
-      // A program that keeps up never finds an image ready; a break now and then lets two queue, so that taking them
-      // can be timed.
-      if (result.images % kImagesBetweenBreaks == 0)
-        std::this_thread::sleep_for(std::min(kLongestBreak, 2.5 * result.seconds / static_cast<double>(result.images) *
-                                                                std::chrono::duration<double>(1)));
-    }
-  } catch (...) {
-    oviStopAcquisition(device.handle());
-    throw;
+  while (!interrupted()) {
+    const Clock::time_point before = Clock::now();
+    Got got = source.take(std::chrono::milliseconds(0));
+    const Clock::time_point after = Clock::now();
+    if (got == Got::kImage)
+      result.take.add(after - before);
+    else if (got == Got::kNothing)
+      got = source.take(std::chrono::milliseconds(200));
+    result.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    if (result.seconds >= options.seconds)
+      break;
+    result.incomplete += got == Got::kIncomplete ? 1U : 0U;
+    line.show(result.seconds / options.seconds, std::to_string(result.images) + " images");
+    if (got != Got::kImage)
+      continue;
+    ++result.images;
+    result.bytes += source.size();
+    for (std::size_t i = 0; options.touch && i < source.size(); ++i)
+      result.sum += source.data()[i];
+    const Clock::time_point releasing = Clock::now();
+    source.giveBack();
+    result.release.add(Clock::now() - releasing);
+    // A program that keeps up never finds an image ready; a break now and then lets two queue, so that taking them
+    // can be timed.
+    if (result.images % kImagesBetweenBreaks == 0)
+      std::this_thread::sleep_for(std::min(
+          kLongestBreak, 2.5 * result.seconds / static_cast<double>(result.images) * std::chrono::duration<double>(1)));
   }
   result.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
-  oviStopAcquisition(device.handle());
   return result;
+}
+
+/// What the same calls of the producer cost without the library, in microseconds.
+struct ProducerTimes {
+  double take = 0;
+  double release = 0;
+};
+
+// In a process of its own, which may load the producer once more and need not trust it.
+void measureProducer(const BenchOptions& options, const std::string& camera) {
+  const std::unique_ptr<ImageSource> source = openProducerSource(options.producer, camera, options.buffers);
+  Measurement m = measure(*source, options);
+  if (m.take.empty())
+    throw ToolError("no image was ever ready when asked for");
+  printJson({{"take", m.take.quantile(0.5)}, {"release", m.release.quantile(0.5)}});
+}
+
+std::optional<ProducerTimes> timesOfProducer(const Camera& camera, const BenchOptions& options) {
+  constexpr std::chrono::seconds kToOpen{20};
+  ProgressLine line;
+  line.show(-1.0, "the producer without the library", true);
+  const auto time =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(options.seconds));
+  const ChildResult child = runChild(ownProgram(),
+                                     {"bench", "--of-producer", camera.producerPath, "--camera", camera.id, "--seconds",
+                                      std::to_string(options.seconds), "--buffers", std::to_string(options.buffers)},
+                                     time + kToOpen);
+  const nlohmann::ordered_json json = nlohmann::ordered_json::parse(child.output, nullptr, false);
+  if (child.exitCode != 0 || !json.is_object())
+    return std::nullopt;
+  return ProducerTimes{json.value("take", 0.0), json.value("release", 0.0)};
+}
+
+/// "; the producer alone 0.60 us", when that is known.
+std::string producerText(const std::optional<ProducerTimes>& times, double ProducerTimes::*time) {
+  return times ? "; the producer alone " + fixedText((*times).*time, 2) + " us" : std::string();
+}
+
+nlohmann::ordered_json benchJson(Measurement& m, const std::optional<ProducerTimes>& producer) {
+  const double rate = static_cast<double>(m.images) / m.seconds;
+  const double both = m.take.quantile(0.5) + m.release.quantile(0.5);
+  nlohmann::ordered_json json;
+  json["images"] = m.images;
+  json["seconds"] = m.seconds;
+  json["framesPerSecond"] = rate;
+  json["bytesPerSecond"] = static_cast<double>(m.bytes) / m.seconds;
+  json["incomplete"] = m.incomplete;
+  json["takeMicroseconds"] = {{"median", m.take.quantile(0.5)}, {"p99", m.take.quantile(0.99)}};
+  json["releaseMicroseconds"] = {{"median", m.release.quantile(0.5)}, {"p99", m.release.quantile(0.99)}};
+  if (producer) {
+    json["producerTakeMicroseconds"] = producer->take;
+    json["producerReleaseMicroseconds"] = producer->release;
+    json["libraryMicroseconds"] = both - producer->take - producer->release;
+  }
+  json["processorMicrosecondsPerImage"] = m.processorSeconds * 1e6 / static_cast<double>(m.images);
+  json["shareOfFramePeriod"] = both * rate / 1e6;
+  return json;
+}
+
+void printMeasurement(Measurement& m, const std::optional<ProducerTimes>& producer) {
+  const double rate = static_cast<double>(m.images) / m.seconds;
+  const double both = m.take.quantile(0.5) + m.release.quantile(0.5);
+  printData("images:           " + std::to_string(m.images) + " in " + fixedText(m.seconds, 2) + " s, " +
+            fixedText(rate, 1) + " frames/s, " + fixedText(static_cast<double>(m.bytes) / m.seconds / 1e6, 1) +
+            " MB/s" + (m.incomplete == 0 ? "" : ", " + std::to_string(m.incomplete) + " incomplete"));
+  printData("taking one:       " +
+            (m.take.empty()
+                 ? std::string("never measured: no image was ever ready when asked for")
+                 : fixedText(m.take.quantile(0.5), 2) + " us, 99 % under " + fixedText(m.take.quantile(0.99), 2) +
+                       " us, library and producer together" + producerText(producer, &ProducerTimes::take)));
+  printData("giving it back:   " + fixedText(m.release.quantile(0.5), 2) + " us, 99 % under " +
+            fixedText(m.release.quantile(0.99), 2) + " us" + producerText(producer, &ProducerTimes::release));
+  if (producer && !m.take.empty())
+    printData("of it ours:       " + fixedText(both - producer->take - producer->release, 2) + " us an image");
+  printData("share of a frame: " + fixedText(both * rate / 1e4, 3) + " % of the time between two images");
+  printData("processor time:   " + fixedText(m.processorSeconds * 1e6 / static_cast<double>(m.images), 1) +
+            " us an image in this process, the producer's threads included");
 }
 
 void bench(Session& session, const BenchOptions& options) {
   if (options.seconds <= 0 || options.buffers == 0)
     throw ToolError("seconds and buffers must be more than 0", session.command("bench --seconds 5"), ExitCode::kUsage);
-  const ModuleView view(session, "device", Use::kControl);
-  const ovi::Device& device = view.device();
-  Measurement m = measure(device, options);
-  if (m.images == 0) {
-    throwIfInterrupted();
-    const Trigger trigger = findTrigger(view);
-    throw ToolError("no image came" + trigger.reason(), session.command(trigger.next()));
+  if (!options.producer.empty())
+    return measureProducer(options, session.options().camera);
+  Measurement m;
+  {
+    const ModuleView view(session, "device", Use::kControl);
+    m = measure(*openSource(view.device(), options.buffers), options);
+    if (m.images == 0) {
+      throwIfInterrupted();
+      const Trigger trigger = findTrigger(view);
+      throw ToolError("no image came" + trigger.reason(), session.command(trigger.next()));
+    }
   }
-  const double rate = static_cast<double>(m.images) / m.seconds;
-  const double ours = m.take.quantile(0.5) + m.release.quantile(0.5);
-  if (session.options().json) {
-    nlohmann::ordered_json json;
-    json["images"] = m.images;
-    json["seconds"] = m.seconds;
-    json["framesPerSecond"] = rate;
-    json["bytesPerSecond"] = static_cast<double>(m.bytes) / m.seconds;
-    json["incomplete"] = m.incomplete;
-    json["takeMicroseconds"] = {{"median", m.take.quantile(0.5)}, {"p99", m.take.quantile(0.99)}};
-    json["releaseMicroseconds"] = {{"median", m.release.quantile(0.5)}, {"p99", m.release.quantile(0.99)}};
-    json["processorMicrosecondsPerImage"] = m.processorSeconds * 1e6 / static_cast<double>(m.images);
-    json["shareOfFramePeriod"] = ours * rate / 1e6;
-    printJson(json);
-  } else {
-    printData("images:           " + std::to_string(m.images) + " in " + fixedText(m.seconds, 2) + " s, " +
-              fixedText(rate, 1) + " frames/s, " + fixedText(static_cast<double>(m.bytes) / m.seconds / 1e6, 1) +
-              " MB/s" + (m.incomplete == 0 ? "" : ", " + std::to_string(m.incomplete) + " incomplete"));
-    printData("taking one:       " +
-              (m.take.empty() ? std::string("never measured: no image was ever ready when asked for")
-                              : fixedText(m.take.quantile(0.5), 2) + " us, 99 % under " +
-                                    fixedText(m.take.quantile(0.99), 2) + " us, library and producer together"));
-    printData("giving it back:   " + fixedText(m.release.quantile(0.5), 2) + " us, 99 % under " +
-              fixedText(m.release.quantile(0.99), 2) + " us");
-    printData("share of a frame: " + fixedText(ours * rate / 1e4, 3) + " % of the time between two images");
-    printData("processor time:   " + fixedText(m.processorSeconds * 1e6 / static_cast<double>(m.images), 1) +
-              " us an image in this process, the producer's threads included");
-  }
+  throwIfInterrupted();
+  const std::optional<ProducerTimes> producer = timesOfProducer(session.pick(session.options().camera), options);
+  if (session.options().json)
+    printJson(benchJson(m, producer));
+  else
+    printMeasurement(m, producer);
   throwIfInterrupted();
 }
 
@@ -153,12 +205,17 @@ void bench(Session& session, const BenchOptions& options) {
 void addBench(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* command = app.add_subcommand("bench", "Measure how fast this machine takes images from this camera");
   auto options = std::make_shared<BenchOptions>();
-  addNumberOption(*command, "-s,--seconds", options->seconds, "SECONDS", "How long; 5 when not given");
+  addNumberOption(*command, "-s,--seconds", options->seconds, "SECONDS",
+                  "How long with the library, and then without it; 5 when not given");
   addNumberOption(*command, "--buffers", options->buffers, "N", "Buffers of the stream");
   command->add_flag("--touch", options->touch, "Read every byte of every image");
+  command->add_option("--of-producer", options->producer)->group("");
   addCameraOption(*command, common);
   command->footer("Examples:\n  ovi bench\n  ovi bench --seconds 10 --touch --json");
-  command->callback([=, &action] { action = [=](Session& session) { bench(session, *options); }; });
+  command->callback([=, &action, &common] {
+    common.withoutLibrary = !options->producer.empty();
+    action = [=](Session& session) { bench(session, *options); };
+  });
 }
 
 }  // namespace tool

@@ -1,0 +1,38 @@
+// Where a benchmark takes its images from: the library, or the producer without it.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "ovi/ovi.hpp"
+
+namespace tool {
+
+/// A running acquisition; it ends with the object.
+class ImageSource {
+ public:
+  enum class Got { kNothing, kImage, kIncomplete };
+
+  ImageSource() = default;
+  ImageSource(const ImageSource&) = delete;
+  ImageSource& operator=(const ImageSource&) = delete;
+  virtual ~ImageSource() = default;
+
+  /// Waits for an image, which is to be given back before the next is taken. Throws ToolError.
+  virtual Got take(std::chrono::milliseconds timeout) = 0;
+  virtual void giveBack() = 0;
+  virtual const std::uint8_t* data() const = 0;
+  virtual std::size_t size() const = 0;
+};
+
+std::unique_ptr<ImageSource> openSource(const ovi::Device& device, std::uint32_t buffers);
+
+/// The producer in this file, which this process has not loaded yet. It is asked what the library asks about an image.
+/// @param camera  its ID
+std::unique_ptr<ImageSource> openProducerSource(const std::string& file, const std::string& camera,
+                                                std::uint32_t buffers);
+
+}  // namespace tool
