@@ -125,7 +125,7 @@ oviErr endAcquisition(std::uint64_t deviceHandle, const Ending& ending) {
     if (stream->isOpen()) {
       stopStream(*stream, ending, result);
     }
-    endStreamWaits(handle);
+    const StreamPause pause(handle);
     flushToInput(*stream, ending, result);
   }
   return result;

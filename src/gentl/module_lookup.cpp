@@ -21,7 +21,7 @@ void forEachEvent(std::uint64_t moduleHandle, Function&& function) {
   for (const HandleRegistry::Handle handle : events) {
     std::shared_ptr<GenTLCpp::Event> event;
     if (lookupModule(handle, event) == OVI_SUCCESS) {
-      function(*event);
+      function(event);
     }
   }
 }
@@ -62,12 +62,20 @@ void shutWaits(GenTLCpp::Event& event) {
   warnUnless(event.shutWaits(), kWait);
 }
 
-void endStreamWaits(std::uint64_t streamHandle) {
-  forEachEvent(streamHandle, [](GenTLCpp::Event& event) {
-    if (event.getEventType() == EVENT_NEW_BUFFER) {
-      warnUnless(event.endWaits(), kWait);
+StreamPause::StreamPause(std::uint64_t streamHandle) {
+  forEachEvent(streamHandle, [this](const std::shared_ptr<GenTLCpp::Event>& event) {
+    if (event->getEventType() == EVENT_NEW_BUFFER) {
+      events_.push_back(event);
+      event->holdWaits();
+      warnUnless(event->endWaits(), kWait);
     }
   });
+}
+
+StreamPause::~StreamPause() {
+  for (const std::shared_ptr<GenTLCpp::Event>& event : events_) {
+    event->letWaitsIn();
+  }
 }
 
 // Registering an event and opening a stream are uses: once these are over, there is nothing new to miss.
@@ -76,7 +84,7 @@ void shutStreamWaits(std::uint64_t streamHandle) {
   if (lookupModule(streamHandle, stream) == OVI_SUCCESS) {
     shutUses(*stream);
   }
-  forEachEvent(streamHandle, shutWaits);
+  forEachEvent(streamHandle, [](const auto& event) { shutWaits(*event); });
 }
 
 void endDeviceWaits(std::uint64_t deviceHandle) {
@@ -89,7 +97,7 @@ void endDeviceWaits(std::uint64_t deviceHandle) {
   for (const HandleRegistry::Handle stream : streams) {
     shutStreamWaits(stream);
   }
-  forEachEvent(deviceHandle, shutWaits);
+  forEachEvent(deviceHandle, [](const auto& event) { shutWaits(*event); });
 }
 
 void endAllWaits() {

@@ -28,6 +28,27 @@ void WaitGate::leaveEnded() noexcept {
   }
 }
 
+void WaitGate::hold() noexcept {
+  const std::lock_guard lock(mutex_);
+  ++holds_;
+  state_.fetch_or(kHeld, std::memory_order_acq_rel);
+}
+
+void WaitGate::letIn() noexcept {
+  const std::lock_guard lock(mutex_);
+  if (--holds_ == 0) {
+    state_.fetch_and(~kHeld, std::memory_order_acq_rel);
+    letIn_.notify_all();
+  }
+}
+
+std::uint64_t WaitGate::waitUntilLetIn() noexcept {
+  std::unique_lock lock(mutex_);
+  const auto state = [this] { return state_.load(std::memory_order_acquire); };
+  letIn_.wait(lock, [&] { return (state() & kHeld) == 0 || (state() & kShut) != 0; });
+  return state();
+}
+
 bool WaitGate::beginCall() noexcept {
   const std::lock_guard lock(mutex_);
   const bool isOpen = (state_.load(std::memory_order_relaxed) & kShut) == 0;
@@ -102,14 +123,15 @@ std::uint32_t WaitGate::end(const Kill& kill, std::uint64_t flags) {
     std::uint64_t state = state_.load(std::memory_order_relaxed);
     std::uint64_t ended = 0;
     do {
-      // The count of endings may wrap into the flag's bit: it is cut there, like a ticket.
-      ended = ticketOf(state + kEnding) | (state & kShut) | flags;
+      // The count of endings may wrap into the flags' bits: it is cut there, like a ticket.
+      ended = ticketOf(state + kEnding) | (state & (kShut | kHeld)) | flags;
     } while (!state_.compare_exchange_weak(state, ended, std::memory_order_acq_rel, std::memory_order_relaxed));
     waiters = static_cast<std::uint32_t>(state & kWaiters);
     ended_ += waiters;
     owed_ += waiters;
     askedBefore_ += std::exchange(asked_, 0);
   }
+  letIn_.notify_all();
   for (std::uint32_t i = 0; i < waiters; ++i) {
     send(kill);
   }

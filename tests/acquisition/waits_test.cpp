@@ -177,6 +177,28 @@ TEST_F(WaitsTest, NobodyIsKilledWhoDoesNotWait) {
   EXPECT_NE(take(stream), nullptr);
 }
 
+TEST_F(WaitsTest, AStopGivesNobodyAnImageThatItTakesBack) {
+  const Stream stream = openStream();
+  start();
+  EXPECT_TRUE(script().deliver(0, {}));
+  script().hold("DSFlushQueue");
+  std::thread stopper([&] { stop(stream); });
+  while (!script().holds()) {
+    std::this_thread::yield();
+  }
+  oviErr result = OVI_SUCCESS;
+  std::thread waiter([&] {
+    oviNewBufferEventData image{};
+    result = oviGetNextImage(stream.event, &image, 0);
+  });
+  // The waiter has time enough to fetch the image, were it let in.
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  script().hold("");
+  stopper.join();
+  waiter.join();
+  EXPECT_EQ(result, OVI_ERR_TIMEOUT);
+}
+
 TEST_F(WaitsTest, AKillOfTheApplicationEndsTheNextWaitWhenAnImageCameFirst) {
   const Stream stream = openStream(0, 8);
   start();

@@ -185,7 +185,7 @@ TEST_F(EventTest, WaitsAreEndedByStreamByDeviceAndAltogether) {
     return results;
   };
   const std::vector<GC_ERROR> aborted = {GC_ERR_ABORT};
-  EXPECT_EQ(endWhileWaiting([&] { OVI::endStreamWaits(stream); }), aborted);
+  EXPECT_EQ(endWhileWaiting([&] { const OVI::StreamPause pause(stream); }), aborted);
   EXPECT_EQ(endWhileWaiting([&] { OVI::endDeviceWaits(device); }), aborted);
   forgetCalls();
   EXPECT_THROW(event_->waitForBuffer(GENTL_INFINITE), AbortException) << "the device is about to close";

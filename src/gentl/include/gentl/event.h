@@ -90,7 +90,10 @@ class Event : public BaseModule {
    * touched. May be called from any thread that does not stay itself, and never throws. @return whether they are over
    */
   bool endWaits() noexcept;
-  /** The same, and every later wait is aborted at once. For whoever closes the module. */
+  /** Stays that would begin wait until they are let in, or are aborted when the waits are over for good. */
+  void holdWaits() noexcept { gate_.hold(); }
+  void letWaitsIn() noexcept { gate_.letIn(); }
+  /** The same as endWaits, and every later wait is aborted at once. For whoever closes the module. */
   bool shutWaits() noexcept;
 
   /** Once, and only while the module is open. The producer's status is ignored. */

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 #include "core/handle_registry.h"
 #include "gentl/base_module.h"
@@ -58,8 +59,18 @@ void removeModule(std::uint64_t handle) {
 /** The module above: buffer, stream, device, interface, system; what an event is registered on. Empty for a system. */
 std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& module);
 
-/** Ends the waits for filled buffers that are under way on a stream, and returns when they are over. */
-void endStreamWaits(std::uint64_t streamHandle);
+/** Ends the waits for filled buffers that are under way on a stream, until they are over. No other begins while it
+ * lives: who came in between would be given a buffer that is about to be taken back. */
+class StreamPause {
+ public:
+  explicit StreamPause(std::uint64_t streamHandle);
+  StreamPause(const StreamPause&) = delete;
+  StreamPause& operator=(const StreamPause&) = delete;
+  ~StreamPause();
+
+ private:
+  std::vector<std::shared_ptr<GenTLCpp::Event>> events_;
+};
 /** Ends the waits for one event, and no other starts; for whoever unregisters it. */
 void shutWaits(GenTLCpp::Event& event);
 /** Ends the uses of a stream and the waits for events of all kinds on it, and none begins any more; for whoever closes

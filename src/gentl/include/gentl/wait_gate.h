@@ -35,8 +35,11 @@ class WaitGate {
   bool enter(Ticket& ticket) noexcept {
     std::uint64_t state = state_.load(std::memory_order_relaxed);
     do {
-      if ((state & kShut) != 0) {
-        return false;
+      while ((state & (kShut | kHeld)) != 0) {
+        if ((state & kShut) != 0) {
+          return false;
+        }
+        state = waitUntilLetIn();
       }
     } while (!state_.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel, std::memory_order_relaxed));
     ticket = ticketOf(state);
@@ -73,6 +76,10 @@ class WaitGate {
   /** For the application, within a call: ends the waits that are under way, or else the next. */
   void killWaits(const Kill& kill);
 
+  /** Who comes waits until it is let in, or the gate is shut; as often to be let in as to be held. */
+  void hold() noexcept;
+  void letIn() noexcept;
+
   /** Asked by a wait that the producer aborted: whether the abort was meant for it. If not, the wait goes on.
    * @param kill  sends one more kill, for a thread whose kill this wait has met */
   bool abortIsMine(Ticket ticket, const Kill& kill);
@@ -88,12 +95,15 @@ class WaitGate {
   bool drain(const Kill& kill, std::chrono::milliseconds limit);
 
  private:
-  // The state: whether the gate is shut, the number of endings so far, and how many wait since the last of them.
+  // The state: whether the gate is shut or who comes is held, the number of endings so far, and how many wait since the
+  // last of them.
   static constexpr std::uint64_t kShut = std::uint64_t{1} << 63;
+  static constexpr std::uint64_t kHeld = std::uint64_t{1} << 62;
   static constexpr std::uint64_t kEnding = std::uint64_t{1} << 32;
   static constexpr std::uint64_t kWaiters = kEnding - 1;
 
-  static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kWaiters); }
+  static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kHeld | kWaiters); }
+  std::uint64_t waitUntilLetIn() noexcept;
   void leaveEnded() noexcept;
   bool beginCall() noexcept;
   void endCall() noexcept;
@@ -104,6 +114,8 @@ class WaitGate {
 
   std::mutex mutex_;
   std::condition_variable left_;
+  std::condition_variable letIn_;
+  std::uint32_t holds_ = 0;
   std::uint32_t ended_ = 0;        // Threads whose wait was ended and that have not left yet.
   std::uint32_t calls_ = 0;        // Under way.
   std::uint32_t owed_ = 0;         // Kills that endings sent and that no wait has met yet.
