@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds the fuzzers with clang and runs each of them, one on each core at a time.
 #
-#   ./fuzz.sh SECONDS [NAME...]          all fuzzers, or those named, for SECONDS each
+#   ./fuzz.sh SECONDS [NAME...]          all fuzzers, or those named, for SECONDS each, from a new seed
+#   ./fuzz.sh --check [NAME...]          the seeds in the sources and 10 s from a fixed seed: nothing that depends on luck
 #   ./fuzz.sh --merge [NAME...]          takes into fuzz/corpus what the runs on this machine found to reach more code
 #
 # What they find lies in build/fuzz/findings, their logs in build/fuzz/logs, and what they learnt in build/fuzz/corpus.
@@ -15,10 +16,10 @@ for file in fuzz/*_fuzzer.cpp; do
   file=${file#fuzz/}
   all+=("${file%_fuzzer.cpp}")
 done
-usage() { sed -n '2,7s/^# \{0,1\}//p' "$0" >&2; printf 'Fuzzers: %s\n' "${all[*]}" >&2; exit 2; }
+usage() { sed -n '2,8s/^# \{0,1\}//p' "$0" >&2; printf 'Fuzzers: %s\n' "${all[*]}" >&2; exit 2; }
 
 what=${1:-}
-[[ $what =~ ^([1-9][0-9]*|--merge)$ ]] || usage
+[[ $what =~ ^([1-9][0-9]*|--check|--merge)$ ]] || usage
 shift
 [ $# -gt 0 ] && names=("$@") || names=("${all[@]}")
 for name in "${names[@]}"; do
@@ -39,11 +40,14 @@ fuzzer() {
 }
 
 run_fuzzer() {
-  # run_fuzzer NAME SECONDS: one run, told in one line; a finding is told with how to see it again.
-  local name=$1 seconds=$2 log="$build/logs/$1.log" new status=0 figures
-  mkdir -p "$build/corpus/$name"
+  # run_fuzzer NAME SECONDS [SEED]: one run, told in one line; a finding is told with how to see it again. With a seed
+  # it starts from the sources' inputs alone, not from what earlier runs learnt.
+  local name=$1 seconds=$2 log="$build/logs/$1.log" new status=0 figures learnt
+  learnt=$build/corpus/$name
+  [ $# -lt 3 ] || learnt=$scratch/$name.learnt
+  mkdir -p "$learnt"
   touch "$scratch/$name.begin"
-  fuzzer "$name" -max_total_time="$seconds" -print_final_stats=1 "$build/corpus/$name" "fuzz/corpus/$name" \
+  fuzzer "$name" -max_total_time="$seconds" -seed="${3:-0}" -print_final_stats=1 "$learnt" "fuzz/corpus/$name" \
     >"$log" 2>&1 || status=$?
   figures=$(awk '/ cov: / { for (i = 1; i < NF; i++) { if ($i == "cov:") cov = $(i + 1); if ($i == "corp:") corp = $(i + 1) } }
     /^#[0-9]/ { runs = substr($1, 2) } /^stat::number_of_executed_units:/ { runs = $2 }
@@ -91,8 +95,8 @@ in_parallel() {
 stage "install dependencies" scripts/install-deps.sh
 stage "build (fuzz)" build_preset fuzz "${names[@]/#/fuzz_}"
 mkdir -p "$build/findings" "$build/logs"
-if [ "$what" = --merge ]; then
-  stage "merge" in_parallel merge_fuzzer
-else
-  stage "fuzz, $what s each" in_parallel run_fuzzer "$what"
-fi
+case $what in
+  --merge) stage "merge" in_parallel merge_fuzzer ;;
+  --check) stage "fuzz, 10 s each from a fixed seed" in_parallel run_fuzzer 10 1 ;;
+  *) stage "fuzz, $what s each" in_parallel run_fuzzer "$what" ;;
+esac

@@ -48,7 +48,7 @@ if [ "$deep" = 1 ]; then
     stage "build ($sanitizer)" build_preset "$sanitizer"
     stage "test ($sanitizer)" test_preset "$sanitizer"
   done
-  stage "fuzz" ./fuzz.sh 20
+  stage "fuzz" ./fuzz.sh --check
   stage "reference" scripts/make-reference.sh
 fi
 summary
