@@ -244,12 +244,14 @@ TEST(RawRegisters, AreReachedDirectlyAndIndirectlyInBothByteOrders) {
     EXPECT_EQ(take(0xA400), 0xCAFEF00DU);
     ASSERT_EQ(put(0xA18C, 0xA3E4), GC_ERR_SUCCESS);
     EXPECT_EQ(take(0xA190), 0x2A00U);
-    for (const std::uint32_t nowhere : {0x4U, 0xA190U}) {
+    for (const std::uint32_t nowhere : {0x4U, 0xA18DU, 0xA190U, 0xA193U}) {
       ASSERT_EQ(put(0xA18C, nowhere), GC_ERR_SUCCESS);
       EXPECT_EQ(take(0xA190), 0xFFFFFFFFU);
     }
-    ASSERT_EQ(put(0xA184, 0xA188), GC_ERR_SUCCESS);
-    EXPECT_EQ(put(0xA188, 1), GC_ERR_INVALID_ADDRESS) << "not into itself";
+    for (const std::uint32_t itself : {0xA185U, 0xA188U, 0xA18BU}) {
+      ASSERT_EQ(put(0xA184, itself), GC_ERR_SUCCESS);
+      EXPECT_EQ(put(0xA188, 1), GC_ERR_INVALID_ADDRESS) << "not into itself, nor into a part of it";
+    }
     std::array<unsigned char, 8> bytes{};
     EXPECT_EQ(camera->write(camera->description().address, bytes.data(), 1), GC_ERR_ACCESS_DENIED);
     EXPECT_EQ(camera->read(camera->description().address + camera->description().size - 4, bytes.data(), 8),

@@ -19,6 +19,11 @@ constexpr std::uint64_t kIndirectReadValue = 0xA190;
 constexpr std::uint64_t kMaintenance = 0xA3E4;
 constexpr std::uint64_t kScratch = 0xA400;
 
+// Whether an access of 32 bits touches a register of 32 bits, which would lead it back to itself.
+bool overlap(std::uint64_t a, std::uint64_t b) {
+  return a < b + 4 && b < a + 4;
+}
+
 }  // namespace
 
 void DeviceControl::declare() {
@@ -194,7 +199,7 @@ void DeviceControl::declareRegisters() {
   Feature& writeValue = raw("IndirectWriteValue", "Writes 32 bits to IndirectWriteAddress", kIndirectWriteValue);
   writeValue.onWrite([this, &writeAddress, &writeValue](std::size_t) {
     const auto target = static_cast<std::uint64_t>(writeAddress.integer());
-    if (target == kIndirectWriteValue) {
+    if (overlap(target, kIndirectWriteValue)) {
       return GC_ERROR{GC_ERR_INVALID_ADDRESS};
     }
     std::array<std::byte, 4> bytes{};
@@ -209,7 +214,7 @@ void DeviceControl::declareRegisters() {
       .computed([this, &readAddress](std::size_t) -> std::int64_t {
         const auto target = static_cast<std::uint64_t>(readAddress.integer());
         std::array<std::byte, 4> bytes{};
-        if (target == kIndirectReadValue || core_.map.read(target, bytes) != kOk) {
+        if (overlap(target, kIndirectReadValue) || core_.map.read(target, bytes) != kOk) {
           return 0xFFFFFFFF;
         }
         return static_cast<std::int64_t>(core_.map.getInteger(bytes));
