@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <locale>
 #include <stdexcept>
 #include <string>
 
@@ -137,6 +138,22 @@ TEST_P(FeatureMapTest, UserSetsKeepWhatIsStoredAndRefuseWhatIsNotLegal) {
     EXPECT_EQ(map_.find("Limit")->integer(), 100) << line;
   }
   EXPECT_FALSE(map_.loadUserSet("something else"));
+  // The file is the same whatever the application has made its numbers look like.
+  struct Grouped : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+  };
+  ASSERT_EQ(write("Cell", 1234567, 5), GC_ERR_SUCCESS);
+  ASSERT_EQ(write("Level", std::bit_cast<std::uint64_t>(2.5)), GC_ERR_SUCCESS);
+  const std::string plain = map_.saveUserSet();
+  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouped));
+  const std::string grouped = map_.saveUserSet();
+  map_.loadDefaults();
+  EXPECT_TRUE(map_.loadUserSet(plain));
+  std::locale::global(before);
+  EXPECT_EQ(grouped, plain);
+  EXPECT_DOUBLE_EQ(map_.find("Level")->floating(), 2.5);
 }
 
 TEST(FeatureMapDeclaration, ContradictionsAreFoundWhenItIsSealed) {

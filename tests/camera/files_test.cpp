@@ -4,7 +4,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "remote.h"
 
@@ -214,6 +216,25 @@ TEST(UserSets, AndFilesSurviveInTheStorageFolder) {
   camera.set("UserSetSelector", 1);
   EXPECT_EQ(camera.trySet("UserSetLoad", 1), GC_ERR_INVALID_VALUE);
   EXPECT_EQ(camera.get("Width"), 64);
+}
+
+// A full disk must not cost what was stored before.
+TEST(FileStore, KeepsTheOldFileWhenTheNewOneCannotBeWritten) {
+  const std::filesystem::path full = "/dev/full";
+  if (!std::filesystem::exists(full)) {
+    GTEST_SKIP() << "no device that is always full";
+  }
+  const std::filesystem::path folder = std::filesystem::absolute("full");
+  std::filesystem::remove_all(folder);
+  std::vector<std::string> reports;
+  const auto report = [&](const std::string& text) { reports.push_back(text); };
+  FileStore store(folder, report);
+  store.write("UserData", toContent("old"));
+  std::filesystem::create_symlink(full, folder / "UserData.bin.new");
+  store.write("UserData", toContent("new"));
+  EXPECT_EQ(reports.size(), 1U);
+  EXPECT_EQ(toText(*store.read("UserData")), "new") << "as long as the producer lives";
+  EXPECT_EQ(toText(*FileStore(folder, report).read("UserData")), "old");
 }
 
 TEST(RawRegisters, AreReachedDirectlyAndIndirectlyInBothByteOrders) {

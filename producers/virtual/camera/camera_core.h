@@ -1,6 +1,7 @@
 // What the feature groups of one camera share: the lock, the registers, the clock, the schedule and the events.
 #pragma once
 
+#include <algorithm>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -34,8 +35,10 @@ class CameraCore {
   // Raised by every accepted write, so that what is derived from settings knows when to look again.
   std::uint64_t generation = 1;
 
+  // What began before the clock was last set back has the time 0.
   std::uint64_t ticks(Clock::time_point time) const {
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::nanoseconds>(time - epoch_).count());
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::nanoseconds>(std::max(time, epoch_) - epoch_).count());
   }
   void resetTicks() { epoch_ = Clock::now(); }
 

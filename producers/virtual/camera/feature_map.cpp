@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 
@@ -376,6 +377,7 @@ std::int64_t FeatureMap::limitInteger(const Feature& feature, const Formula& lim
 
 std::string FeatureMap::saveUserSet() const {
   std::ostringstream out;
+  out.imbue(std::locale::classic());  // The application's locale may write commas and group digits.
   out << kUserSetMagic;
   out.precision(17);
   for (const Feature& feature : features_) {
@@ -411,6 +413,7 @@ bool FeatureMap::loadUserSet(const std::string& text) {
       continue;
     }
     std::istringstream value(line.substr(equals + 2));
+    value.imbue(std::locale::classic());
     if (feature->kind() == FeatureKind::Float) {
       if (double number = 0; value >> number && checkFloat(*feature, slot, number) == GC_ERR_SUCCESS) {
         feature->floats_[slot] = number;

@@ -28,17 +28,20 @@ void FileStore::write(const std::string& name, FileContent content) {
     std::filesystem::create_directories(folder_, error);
     // A new file replaces the old one in one step, so that a crash leaves one of both.
     const std::filesystem::path path = pathOf(name);
-    const std::filesystem::path fresh = path.string() + ".new";
-    {
-      std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-      file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
-      if (!file.flush()) {
-        tell("The camera file " + path.string() + " cannot be written; it is kept in memory");
-      }
+    std::filesystem::path fresh = path;
+    fresh += ".new";
+    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
+    const bool written = file.flush().good();
+    file.close();
+    if (written) {
+      std::filesystem::rename(fresh, path, error);
+    } else {
+      std::filesystem::remove(fresh, error);
     }
-    std::filesystem::rename(fresh, path, error);
-    if (error) {
-      tell("The camera file " + path.string() + " cannot be replaced: " + error.message());
+    if (!written || error) {
+      tell("The camera file " + path.string() + " cannot be written; it is kept in memory" +
+           (written ? ": " + error.message() : std::string()));
     }
   }
   contents_[name] = std::move(content);
