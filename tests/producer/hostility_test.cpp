@@ -155,6 +155,20 @@ TEST_F(HostilityTest, StuckTransfersEndWithAStopOrAFlush) {
   }
   stopCamera();
   EXPECT_EQ(g.DSStopAcquisition(stream, 0), kSuccess);
+
+  // Also when the next transfer begins, and hangs, before the flush has looked again.
+  announce(2);
+  ASSERT_EQ(remote->set("SpeedMode", 1), kSuccess);
+  ASSERT_EQ(orders().spoilFrames(nullptr, OVI_VIRTUAL_FRAME_STUCK, 1, UINT64_MAX), 0);
+  ASSERT_EQ(g.DSStartAcquisition(stream, 0, kInfinite), kSuccess);
+  startCamera();
+  for (int i = 0; i < 50; ++i) {
+    EXPECT_EQ(g.DSFlushQueue(stream, 2), kSuccess);
+  }
+  EXPECT_EQ(streamInfo(4), 2U);
+  stopCamera();
+  EXPECT_EQ(g.DSStopAcquisition(stream, 1), kSuccess);
+  EXPECT_EQ(remote->set("SpeedMode", 0), kSuccess);
 }
 
 TEST_F(HostilityTest, CamerasFallSilentAndSpeakAgain) {

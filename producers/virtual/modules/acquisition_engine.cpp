@@ -113,6 +113,7 @@ void DataStream::fill(std::unique_lock<std::mutex>& lock, Buffer& buffer, std::u
     }
   }
   filling_ = nullptr;
+  ++fills_;
   if (discardTo_ != nullptr) {
     (this->*std::exchange(discardTo_, nullptr))(buffer);
     fillOver_.notify_all();

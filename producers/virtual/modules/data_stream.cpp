@@ -177,7 +177,7 @@ void DataStream::endFilling(std::unique_lock<std::mutex>& lock, void (DataStream
   if (filling_ != nullptr) {
     discardTo_ = move;
     engineWake_.notify_all();
-    fillOver_.wait(lock, [this] { return filling_ == nullptr; });
+    fillOver_.wait(lock, [this, ended = fills_] { return fills_ != ended; });
   }
   if (late_ != nullptr) {
     (this->*move)(*std::exchange(late_, nullptr));

@@ -102,6 +102,7 @@ class DataStream final : public Module {
   BufferQueue input_;
   BufferQueue output_;
   Buffer* filling_ = nullptr;
+  std::uint64_t fills_ = 0;                           // fills that have ended, so that none is taken for the next one
   Buffer* late_ = nullptr;                            // filled, but to be delivered after the next one
   void (DataStream::*discardTo_)(Buffer&) = nullptr;  // where the buffer being filled goes instead of the output
   NewBufferEvent* event_ = nullptr;
