@@ -173,6 +173,11 @@ TEST_F(LibraryTest, BadPointersAreRefused) {
   EXPECT_EQ(g.DevGetPort(device, nullptr), kInvalidParameter);
   EXPECT_EQ(g.GCRegisterEvent(device, kErrorEvent, nullptr), kInvalidParameter);
   EXPECT_EQ(g.TLOpen(nullptr), kInvalidParameter);
+  // What may be left out must not be a stray pointer either.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  auto* const stray = reinterpret_cast<std::uint8_t*>(~std::uintptr_t{0});
+  EXPECT_EQ(g.TLUpdateInterfaceList(tl, stray, 0), kInvalidParameter);
+  EXPECT_EQ(g.IFUpdateDeviceList(interface, stray, 0), kInvalidParameter);
 }
 
 TEST_F(LibraryTest, ListsAreFrozenBetweenUpdates) {
@@ -183,10 +188,16 @@ TEST_F(LibraryTest, ListsAreFrozenBetweenUpdates) {
   std::uint8_t changed = 9;
   ASSERT_EQ(g.TLGetNumInterfaces(tl, &count), kSuccess);
   EXPECT_EQ(count, 0U) << "nothing is listed before the first update";
+  const Registers registers(tl);
+  EXPECT_EQ(registers.set("InterfaceSelector", 1), kInvalidValue);
+  Handle listChanged = nullptr;
+  ASSERT_EQ(g.GCRegisterEvent(tl, kModuleEvent, &listChanged), kSuccess);
   ASSERT_EQ(g.TLUpdateInterfaceList(tl, &changed, 100), kSuccess);
   EXPECT_EQ(changed, 1);
   ASSERT_EQ(g.TLUpdateInterfaceList(tl, &changed, kInfinite), kSuccess);
   EXPECT_EQ(changed, 0);
+  EXPECT_EQ(ask(g.EventGetInfo, listChanged, 2).number(), 1U) << "fired once";
+  EXPECT_EQ(registers.set("InterfaceSelector", 1), kSuccess);
   ASSERT_EQ(g.TLGetNumInterfaces(tl, &count), kSuccess);
   EXPECT_EQ(count, 2U);
   EXPECT_EQ(g.TLGetInterfaceID(tl, 2, id, &size), kInvalidIndex);

@@ -54,7 +54,8 @@ TEST_F(PortTest, EveryModuleNamesItselfAndServesItsDescription) {
     std::string list(url.size() + 100, 'x');
     std::size_t size = list.size();
     ASSERT_EQ(g.GCGetPortURL(expected.port, list.data(), &size), kSuccess);
-    EXPECT_EQ(list.substr(0, size), url + '\0' + '\0') << "a list of one";
+    const std::string legacy = url.find('?') == std::string::npos ? url + "?SchemaVersion=1.1.0" : url;
+    EXPECT_EQ(list.substr(0, size), legacy + '\0' + '\0') << "a list of one, which tells the schema version, too";
     std::uint32_t urls = 0;
     EXPECT_EQ(g.GCGetNumPortURLs(expected.port, &urls), kSuccess);
     EXPECT_EQ(urls, 1U);
@@ -111,7 +112,15 @@ TEST_F(PortTest, AccessMovesAllBytesOrFails) {
   EXPECT_EQ(g.GCReadPort(port, width, &value, nullptr), kInvalidParameter);
   size = 0;
   EXPECT_EQ(g.GCReadPort(port, width, &value, &size), kInvalidParameter);
+  size = 4;
+  EXPECT_EQ(g.GCReadPort(nullptr, width, &value, &size), kInvalidHandle);
+  EXPECT_EQ(size, 0U);
   EXPECT_EQ(remote->set("PayloadSize", 1), kAccessDenied);
+  size = 8;
+  value = 640;
+  EXPECT_EQ(g.GCWritePort(port, width, &value, &size), kInvalidAddress);
+  EXPECT_EQ(size, 4U) << "there is nothing behind the register, which took its part";
+  EXPECT_EQ(remote->get("Width"), 640U);
 }
 
 TEST_F(PortTest, ReadOnlyDevicesRefuseWrites) {
@@ -141,6 +150,9 @@ TEST_F(PortTest, StackedAccessStopsAtTheFirstFailure) {
   EXPECT_EQ(second, third);
   count = 0;
   EXPECT_EQ(g.GCReadPortStacked(port, entries.data(), &count), kInvalidParameter);
+  count = 3;
+  EXPECT_EQ(g.GCReadPortStacked(nullptr, entries.data(), &count), kInvalidHandle);
+  EXPECT_EQ(count, 0U);
   entries[1].buffer = nullptr;
   count = 2;
   EXPECT_EQ(g.GCWritePortStacked(port, entries.data(), &count), kInvalidParameter);

@@ -48,6 +48,10 @@ TEST_F(StreamTest, AnnouncedMemoryIsCheckedAndComesBack) {
   EXPECT_EQ(g.DSGetBufferID(stream, 2, &listed), kInvalidIndex);
   void* base = nullptr;
   void* priv = nullptr;
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  auto** const stray = reinterpret_cast<void**>(~std::uintptr_t{0});
+  EXPECT_EQ(g.DSRevokeBuffer(stream, first, stray, &priv), kInvalidParameter);
+  EXPECT_EQ(g.DSRevokeBuffer(stream, first, &base, stray), kInvalidParameter);
   ASSERT_EQ(g.DSRevokeBuffer(stream, first, &base, &priv), kSuccess);
   EXPECT_EQ(base, memory.data());
   EXPECT_EQ(priv, &user);

@@ -78,10 +78,14 @@ class Camera {
   virtual const std::string& portName() const = 0;
   virtual const DescriptionInfo& description() const = 0;
 
-  // Moves all bytes or none. GC_ERR_INVALID_ADDRESS outside the map, GC_ERR_ACCESS_DENIED where the register cannot be
-  // read, written or is locked now, GC_ERR_INVALID_VALUE for a value that the camera refuses.
+  // Moves all bytes or fails. GC_ERR_INVALID_ADDRESS outside the map, GC_ERR_ACCESS_DENIED where the register cannot be
+  // read, written or is locked now, GC_ERR_INVALID_VALUE for a value that the camera refuses. A write that fails in a
+  // later register has changed those before it; `moved` gets the bytes that were taken.
   virtual GC_ERROR read(std::uint64_t address, void* data, std::size_t size) = 0;
-  virtual GC_ERROR write(std::uint64_t address, const void* data, std::size_t size) = 0;
+  virtual GC_ERROR write(std::uint64_t address, const void* data, std::size_t size, std::size_t* moved) = 0;
+  GC_ERROR write(std::uint64_t address, const void* data, std::size_t size) {
+    return write(address, data, size, nullptr);
+  }
 
   // Called for each event whose notification is on, from the thread on which it occurred, with no lock of the camera
   // held. An empty function takes the sink away; after return the old one is not called any more.

@@ -200,7 +200,8 @@ GC_ERROR FeatureMap::read(std::uint64_t address, std::span<std::byte> out) {
   return GC_ERR_SUCCESS;
 }
 
-GC_ERROR FeatureMap::write(std::uint64_t address, std::span<const std::byte> in) {
+GC_ERROR FeatureMap::write(std::uint64_t address, std::span<const std::byte> in, std::size_t& moved) {
+  moved = 0;
   std::vector<std::byte> slotBytes;
   while (!in.empty()) {
     Feature* const feature = featureAt(address);
@@ -223,6 +224,7 @@ GC_ERROR FeatureMap::write(std::uint64_t address, std::span<const std::byte> in)
     if (busyPolls_ != 0 && feature->kind() == FeatureKind::Command) {
       busy_[feature] = busyPolls_;
     }
+    moved += count;
     address += count;
     in = in.subspan(count);
   }

@@ -63,7 +63,12 @@ class FeatureMap {
   std::uint64_t endAddress() const { return endAddress_; }
 
   GC_ERROR read(std::uint64_t address, std::span<std::byte> out);
-  GC_ERROR write(std::uint64_t address, std::span<const std::byte> in);
+  GC_ERROR write(std::uint64_t address, std::span<const std::byte> in) {
+    std::size_t moved = 0;
+    return write(address, in, moved);
+  }
+  // `moved` is set to the bytes of the registers that took their part, also when a later one does not.
+  GC_ERROR write(std::uint64_t address, std::span<const std::byte> in, std::size_t& moved);
 
   // From now on a command reads as under way for this many polls after each execution; 0 withdraws it.
   void setBusyPolls(std::uint32_t polls);

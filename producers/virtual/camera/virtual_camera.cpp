@@ -159,7 +159,7 @@ GC_ERROR VirtualCamera::read(std::uint64_t address, void* data, std::size_t size
   return core_.map.read(address, {static_cast<std::byte*>(data), size});
 }
 
-GC_ERROR VirtualCamera::write(std::uint64_t address, const void* data, std::size_t size) {
+GC_ERROR VirtualCamera::write(std::uint64_t address, const void* data, std::size_t size, std::size_t* moved) {
   if (data == nullptr || size == 0) {
     return GC_ERR_INVALID_PARAMETER;
   }
@@ -168,7 +168,12 @@ GC_ERROR VirtualCamera::write(std::uint64_t address, const void* data, std::size
   }
   const CameraLock guard(core_);
   ++core_.generation;
-  return core_.map.write(address, {static_cast<const std::byte*>(data), size});
+  std::size_t taken = 0;
+  const GC_ERROR error = core_.map.write(address, {static_cast<const std::byte*>(data), size}, taken);
+  if (moved != nullptr) {
+    *moved = taken;
+  }
+  return error;
 }
 
 void VirtualCamera::setBusyPolls(std::uint32_t polls) {

@@ -33,7 +33,8 @@ class VirtualCamera : public Camera {
   const std::string& portName() const override { return portName_; }
   const DescriptionInfo& description() const override { return description_; }
   GC_ERROR read(std::uint64_t address, void* data, std::size_t size) override;
-  GC_ERROR write(std::uint64_t address, const void* data, std::size_t size) override;
+  using Camera::write;
+  GC_ERROR write(std::uint64_t address, const void* data, std::size_t size, std::size_t* moved) override;
   void setEventSink(CameraEventSink sink) override { core_.setSink(std::move(sink)); }
   void setBusyPolls(std::uint32_t polls) override;
   std::size_t streamCount() const override { return core_.model.streams; }

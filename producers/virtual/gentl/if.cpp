@@ -37,6 +37,7 @@ GC_ERROR GC_CALLTYPE IFGetDeviceID(IF_HANDLE iface, uint32_t index, char* id, si
 GC_ERROR GC_CALLTYPE IFUpdateDeviceList(IF_HANDLE iface, bool8_t* changed, uint64_t timeoutMs) {
   return call(Function::IFUpdateDeviceList, [&] {
     const Pin<Interface> interface(iface, kInterface, kInterfaceWhat);
+    requireIfGiven(changed, "the changed flag");
     const bool different = interface->updateList(timeoutMs);
     if (changed != nullptr) {
       *changed = different ? 1 : 0;

@@ -1,5 +1,9 @@
 // GC functions of ports.
 #include "modules/port.h"
+
+#include <algorithm>
+#include <utility>
+
 #include "gentl/call.h"
 
 using namespace vcam;
@@ -8,39 +12,34 @@ namespace {
 
 constexpr const char* kPort = "module with a port";
 
-void checkAccess(const void* buffer, const std::size_t* size) {
-  require(size, "the size");
-  require(buffer, "the buffer");
-  if (*size == 0) {
-    fail(GC_ERR_INVALID_PARAMETER, "no bytes to move");
-  }
+// Takes the number that a call was given. What is left stands for a call that moved nothing, so that no failure, of the
+// handle neither, can pass for one that moved all.
+std::size_t take(std::size_t* number) {
+  return isBad(number) ? 0 : std::exchange(*number, 0);
 }
 
-// Moves a block; on failure no byte was moved, and the size says so.
-template<class Move>
-void access(std::size_t* size, Move move) {
-  try {
-    move();
-  } catch (...) {
-    *size = 0;
-    throw;
+void checkAccess(const void* buffer, std::size_t size) {
+  require(buffer, "the buffer");
+  if (size == 0) {
+    fail(GC_ERR_INVALID_PARAMETER, "no bytes to move");
   }
 }
 
 // Moves block after block up to the first that fails; the count says how many were moved.
 template<class Move>
-void accessAll(const PORT_REGISTER_STACK_ENTRY* entries, std::size_t* count, Move move) {
+void accessAll(PORT_HANDLE port, const PORT_REGISTER_STACK_ENTRY* entries, std::size_t* count, Move move) {
+  const std::size_t wanted = take(count);
+  const Pin<Port> target(port, kPorts, kPort);
   require(count, "the number of entries");
   require(entries, "the entries");
-  if (*count == 0) {
+  if (wanted == 0) {
     fail(GC_ERR_INVALID_PARAMETER, "no entries");
   }
-  const std::size_t wanted = *count;
-  for (*count = 0; *count < wanted; ++*count) {
+  for (; *count < wanted; ++*count) {
     // The entry may lie at any address, the structure is packed.
     const PORT_REGISTER_STACK_ENTRY entry = entries[*count];
-    checkAccess(entry.pBuffer, &entry.Size);
-    move(entry.Address, entry.pBuffer, entry.Size);
+    checkAccess(entry.pBuffer, entry.Size);
+    move(*target, entry);
   }
 }
 
@@ -48,40 +47,43 @@ void accessAll(const PORT_REGISTER_STACK_ENTRY* entries, std::size_t* count, Mov
 
 GC_ERROR GC_CALLTYPE GCReadPort(PORT_HANDLE port, uint64_t address, void* buf, size_t* size) {
   return call(Function::GCReadPort, [&] {
+    const std::size_t wanted = take(size);
     const Pin<Port> target(port, kPorts, kPort);
-    checkAccess(buf, size);
-    access(size, [&] {
-      std::size_t missing = Hostility::armed() ? Hostility::instance().missingBytes() : 0;
-      missing = missing < *size ? missing : *size;
-      if (missing < *size) {
-        target->read(address, buf, *size - missing);
-      }
-      *size -= missing;
-    });
+    require(size, "the size");
+    checkAccess(buf, wanted);
+    const std::size_t missing =
+        Hostility::armed() ? std::min(Hostility::instance().missingBytes(), wanted) : std::size_t{0};
+    if (missing < wanted) {
+      target->read(address, buf, wanted - missing);
+    }
+    *size = wanted - missing;
   });
 }
 
 GC_ERROR GC_CALLTYPE GCWritePort(PORT_HANDLE port, uint64_t address, const void* buf, size_t* size) {
   return call(Function::GCWritePort, [&] {
+    const std::size_t wanted = take(size);
     const Pin<Port> target(port, kPorts, kPort);
-    checkAccess(buf, size);
-    access(size, [&] { target->write(address, buf, *size); });
+    require(size, "the size");
+    checkAccess(buf, wanted);
+    target->write(address, buf, wanted, *size);
   });
 }
 
 GC_ERROR GC_CALLTYPE GCReadPortStacked(PORT_HANDLE port, PORT_REGISTER_STACK_ENTRY* entries, size_t* count) {
   return call(Function::GCReadPortStacked, [&] {
-    const Pin<Port> target(port, kPorts, kPort);
-    accessAll(entries, count,
-              [&](uint64_t address, void* buffer, size_t size) { target->read(address, buffer, size); });
+    accessAll(port, entries, count, [](Port& target, const PORT_REGISTER_STACK_ENTRY& entry) {
+      target.read(entry.Address, entry.pBuffer, entry.Size);
+    });
   });
 }
 
 GC_ERROR GC_CALLTYPE GCWritePortStacked(PORT_HANDLE port, PORT_REGISTER_STACK_ENTRY* entries, size_t* count) {
   return call(Function::GCWritePortStacked, [&] {
-    const Pin<Port> target(port, kPorts, kPort);
-    accessAll(entries, count,
-              [&](uint64_t address, void* buffer, size_t size) { target->write(address, buffer, size); });
+    accessAll(port, entries, count, [](Port& target, const PORT_REGISTER_STACK_ENTRY& entry) {
+      std::size_t moved = 0;
+      target.write(entry.Address, entry.pBuffer, entry.Size, moved);
+    });
   });
 }
 
@@ -96,7 +98,7 @@ GC_ERROR GC_CALLTYPE GCGetPortURL(PORT_HANDLE port, char* url, size_t* size) {
   return call(Function::GCGetPortURL, [&] {
     const Pin<Port> target(port, kPorts, kPort);
     // A list of one text: its own NUL and the NUL of the list.
-    answerText(target->description().url + '\0', url, size);
+    answerText(target->legacyUrl() + '\0', url, size);
   });
 }
 

@@ -59,6 +59,7 @@ GC_ERROR GC_CALLTYPE TLOpenInterface(TL_HANDLE tl, const char* id, IF_HANDLE* ou
 GC_ERROR GC_CALLTYPE TLUpdateInterfaceList(TL_HANDLE tl, bool8_t* changed, uint64_t timeoutMs) {
   return call(Function::TLUpdateInterfaceList, [&] {
     const Pin<System> system(tl, kSystem, kSystemWhat);
+    requireIfGiven(changed, "the changed flag");
     const bool different = system->updateList(timeoutMs);
     if (changed != nullptr) {
       *changed = different ? 1 : 0;

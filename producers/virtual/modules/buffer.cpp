@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "modules/data_stream.h"
@@ -95,18 +96,23 @@ void BufferRecord::answer(void* stream, void* buffer, BUFFER_INFO_CMD command, I
   answerScalar(kTypes[static_cast<std::size_t>(command)], value, command, type, target, size);
 }
 
-Buffer::Buffer(DataStream& stream, void* memory, std::size_t size, void* userPointer)
+Buffer::Buffer(DataStream& stream, void* memory, std::size_t size, void* userPointer, std::size_t alignment)
     : Module(kBuffer),
       stream_(stream),
       base_(static_cast<std::byte*>(memory)),
       size_(size),
       userPointer_(userPointer) {
   if (memory == nullptr) {
-    ownMemory_.reset(new (std::nothrow) std::byte[size]());
-    if (!ownMemory_) {
+    const auto aligned = static_cast<std::align_val_t>(alignment);
+    // Sizes near the end of the address space would wrap around inside some allocators.
+    const bool possible = size <= static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) - alignment;
+    auto* const own = possible ? static_cast<std::byte*>(::operator new[](size, aligned, std::nothrow)) : nullptr;
+    if (own == nullptr) {
       fail(GC_ERR_OUT_OF_MEMORY, "no memory for a buffer of ", size, " bytes");
     }
-    base_ = ownMemory_.get();
+    ownMemory_ = {own, {aligned}};
+    std::memset(own, 0, size);
+    base_ = own;
   }
 }
 

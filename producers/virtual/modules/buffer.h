@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <span>
 
@@ -56,11 +57,17 @@ enum class BufferState : std::uint8_t {
   Revoking,
 };
 
+// Gives aligned memory back.
+struct FreeAligned {
+  std::align_val_t alignment{};
+  void operator()(std::byte* memory) const { ::operator delete[](memory, alignment); }
+};
+
 // Everything but the module part is guarded by the stream's mutex.
 class Buffer final : public Module {
  public:
-  // Memory of the application when `memory` is given, otherwise of our own.
-  Buffer(DataStream& stream, void* memory, std::size_t size, void* userPointer);
+  // Memory of the application when `memory` is given, otherwise of our own, aligned as the application's must be.
+  Buffer(DataStream& stream, void* memory, std::size_t size, void* userPointer, std::size_t alignment);
 
   std::byte* base() const { return base_; }
   std::size_t size() const { return size_; }
@@ -102,7 +109,7 @@ class Buffer final : public Module {
   std::byte* base_;
   std::size_t size_;
   void* userPointer_;
-  std::unique_ptr<std::byte[]> ownMemory_;
+  std::unique_ptr<std::byte[], FreeAligned> ownMemory_;
   BufferState state_ = BufferState::Announced;
   bool incomplete_ = false;
   bool multiPart_ = false;

@@ -54,14 +54,14 @@ void* DataStream::announce(void* memory, std::size_t size, void* userPointer) {
   if (!isAligned(memory, session_.options.bufferAlignment)) {
     fail(GC_ERR_INVALID_BUFFER, "buffers must be aligned to ", session_.options.bufferAlignment, " bytes");
   }
-  return add(std::make_unique<Buffer>(*this, memory, size, userPointer));
+  return add(std::make_unique<Buffer>(*this, memory, size, userPointer, session_.options.bufferAlignment));
 }
 
 void* DataStream::allocateAndAnnounce(std::size_t size, void* userPointer) {
   if (size == 0) {
     fail(GC_ERR_INVALID_PARAMETER, "a buffer needs at least one byte");
   }
-  return add(std::make_unique<Buffer>(*this, nullptr, size, userPointer));
+  return add(std::make_unique<Buffer>(*this, nullptr, size, userPointer, session_.options.bufferAlignment));
 }
 
 void* DataStream::add(std::unique_ptr<Buffer> buffer) {
@@ -79,6 +79,8 @@ void* DataStream::add(std::unique_ptr<Buffer> buffer) {
 }
 
 void DataStream::revoke(void* handle, void** memory, void** userPointer) {
+  requireIfGiven(memory, "the memory's place");
+  requireIfGiven(userPointer, "the private pointer's place");
   Buffer* buffer = nullptr;
   {
     const std::lock_guard lock(mutex_);

@@ -19,9 +19,7 @@ constexpr std::uint64_t kLongestTimeoutMs = std::uint64_t{1000} * 60 * 60 * 24 *
 
 GC_ERROR Event::getData(void* buffer, std::size_t* size, std::uint64_t timeoutMs) {
   require(size, "the size");
-  if (buffer != nullptr) {
-    require(buffer, "the buffer");
-  }
+  requireIfGiven(buffer, "the buffer");
   std::unique_lock lock(mutex_);
   if (!ending_ && kills_ == 0 && countLocked() == 0 && timeoutMs != 0) {
     const std::uint64_t ticket = nextTicket_++;

@@ -58,6 +58,14 @@ inline bool isBad(const void* pointer) {
   return address == 0 || address == ~std::uintptr_t{0};
 }
 
+// Refuses a pointer that may be left out but not be all ones.
+template<class T>
+void requireIfGiven(T* pointer, std::string_view name) {
+  if (pointer != nullptr && isBad(static_cast<const void*>(pointer))) {
+    fail(GC_ERR_INVALID_PARAMETER, name, " is not a valid pointer");
+  }
+}
+
 // Refuses a pointer that must be given.
 template<class T>
 void require(T* pointer, std::string_view name) {

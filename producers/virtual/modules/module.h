@@ -30,8 +30,9 @@ class Module : public Port {
 
   const DescriptionInfo& description() override { return features().description(); }
   void read(std::uint64_t address, void* data, std::size_t size) override { features().read(address, data, size); }
-  void write(std::uint64_t address, const void* data, std::size_t size) override {
+  void write(std::uint64_t address, const void* data, std::size_t size, std::size_t& moved) override {
     features().write(address, data, size);
+    moved = size;
   }
 
  protected:

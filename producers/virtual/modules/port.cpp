@@ -38,6 +38,13 @@ Info Port::portInfo(PORT_INFO_CMD command) {
   }
 }
 
+std::string Port::legacyUrl() {
+  const DescriptionInfo& me = description();
+  return me.url.find('?') != std::string::npos
+             ? me.url
+             : join(me.url, "?SchemaVersion=", me.schemaMajor, ".", me.schemaMinor, ".0");
+}
+
 Info Port::urlInfo(std::uint32_t index, URL_INFO_CMD command) {
   if (index != 0) {
     fail(GC_ERR_INVALID_INDEX, "URL ", index, " of 1");

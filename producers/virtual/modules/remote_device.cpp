@@ -35,13 +35,14 @@ void RemoteDevice::read(std::uint64_t address, void* data, std::size_t size) {
   check(device_.camera().read(address, data, size), "read", address, size);
 }
 
-void RemoteDevice::write(std::uint64_t address, const void* data, std::size_t size) {
+void RemoteDevice::write(std::uint64_t address, const void* data, std::size_t size, std::size_t& moved) {
   device_.requireConnection();
   if (device_.isReadOnly()) {
     fail(GC_ERR_ACCESS_DENIED, "the device was opened for reading only");
   }
-  check(device_.camera().write(address, data, size), "write", address, size);
+  const GC_ERROR error = device_.camera().write(address, data, size, &moved);
   device_.noticePayloadChange();
+  check(error, "write", address, size);
 }
 
 }  // namespace vcam

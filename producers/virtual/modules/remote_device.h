@@ -14,7 +14,7 @@ class RemoteDevice final : public Port {
   PortIdentity identity() override;
   const DescriptionInfo& description() override;
   void read(std::uint64_t address, void* data, std::size_t size) override;
-  void write(std::uint64_t address, const void* data, std::size_t size) override;
+  void write(std::uint64_t address, const void* data, std::size_t size, std::size_t& moved) override;
 
  private:
   Device& device_;

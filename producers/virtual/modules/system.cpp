@@ -66,8 +66,15 @@ Info System::interfaceInfo(const InterfaceEntry& entry, INTERFACE_INFO_CMD comma
 
 bool System::updateList(std::uint64_t timeoutMs) {
   update_.search(session_.options.interfaceUpdateMs, timeoutMs);
-  const std::lock_guard lock(listMutex_);
-  return !std::exchange(listed_, true);
+  bool changed = false;
+  {
+    const std::lock_guard lock(listMutex_);
+    changed = !std::exchange(listed_, true);
+  }
+  if (changed) {
+    fireModuleEvent(kInterfaceListChanged, {});
+  }
+  return changed;
 }
 
 std::uint32_t System::interfaceCount() {
@@ -123,6 +130,14 @@ PortIdentity System::identity() {
   return {me.id, me.vendor, me.model, me.version, me.tlType, GENTL_MODULE_SYSTEM, "TLPort"};
 }
 
+const InterfaceEntry& System::selectedInterface() {
+  const std::lock_guard lock(listMutex_);
+  if (!listed_) {
+    fail(GC_ERR_NOT_AVAILABLE, "the system lists no interface before the first update");
+  }
+  return session_.interfaces[selected_];
+}
+
 void System::describe() {
   const ProducerIdentity& me = session_.identity;
   ModuleFeatures& f = features_;
@@ -149,21 +164,17 @@ void System::describe() {
         return selected_;
       },
       [this](std::uint64_t value) {
-        const std::lock_guard lock(listMutex_);
-        if (value >= session_.interfaces.size()) {
-          fail(GC_ERR_INVALID_VALUE, "InterfaceSelector ", value, " of ", session_.interfaces.size());
+        const std::uint32_t count = interfaceCount();
+        if (value >= count) {
+          fail(GC_ERR_INVALID_VALUE, "InterfaceSelector ", value, " of ", count);
         }
+        const std::lock_guard lock(listMutex_);
         selected_ = static_cast<std::uint32_t>(value);
       },
-      {0, [this] { return session_.interfaces.size() - 1; }});
-  f.text({"InterfaceID", "ID of the selected interface", "Expert"}, [this] {
-    const std::lock_guard lock(listMutex_);
-    return session_.interfaces[selected_].id;
-  });
-  f.text({"InterfaceDisplayName", "Name of the selected interface for people", "Expert"}, [this] {
-    const std::lock_guard lock(listMutex_);
-    return session_.interfaces[selected_].displayName;
-  });
+      {0, [this] { return std::max(interfaceCount(), 1U) - 1; }});
+  f.text({"InterfaceID", "ID of the selected interface", "Expert"}, [this] { return selectedInterface().id; });
+  f.text({"InterfaceDisplayName", "Name of the selected interface for people", "Expert"},
+         [this] { return selectedInterface().displayName; });
   f.select("InterfaceSelector", {"InterfaceID", "InterfaceDisplayName"});
   if (session_.options.variant == Variant::RealTime) {
     f.category("RealTimeControl", "The real-time part of the host");

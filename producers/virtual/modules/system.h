@@ -47,6 +47,8 @@ class System final : public Module {
  private:
   void describe();
   const InterfaceEntry& find(const std::string& id) const;
+  // The interface that InterfaceSelector points at.
+  const InterfaceEntry& selectedInterface();
 
   Session& session_;
   ModuleFeatures features_;

@@ -32,6 +32,7 @@ std::int32_t nimboStopRecording(void) {
 
 std::int32_t nimboOpenRecordings(void* info) {
   return onRecorder(Function::nimboOpenRecordings, [&](Recorder& recorder) {
+    requireIfGiven(info, "the records' info");
     recorder.open();
     if (info != nullptr) {
       *static_cast<OviVirtualRecordsInfo*>(info) = recorder.info();
