@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "file_registers.h"
 #include "ovi/ovi.h"
 #include "platform/platform.h"
 #include "report.h"
@@ -23,21 +24,6 @@ namespace {
 constexpr std::size_t kFileSize = std::size_t{16} << 20U;
 constexpr std::size_t kChunk = 1024;
 constexpr std::size_t kChunks = kFileSize / kChunk;
-constexpr std::size_t kBuffer = 0x1000;
-
-enum Register : std::uint64_t {
-  kSelector = 0x10,
-  kOpenMode = 0x18,
-  kOperation = 0x20,
-  kExecute = 0x28,
-  kOffset = 0x30,
-  kLength = 0x38,
-  kResult = 0x40,
-  kStatus = 0x48,
-  kSize = 0x50,
-  kChecksum = 0x58
-};
-enum Operation : std::uint64_t { kOpen, kClose, kRead, kWrite };
 
 void require(bool good, const char* what) {
   if (!good) {
@@ -46,46 +32,11 @@ void require(bool good, const char* what) {
   }
 }
 
-std::string registerNode(const std::string& name, Register address) {
-  return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) +
-         "</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
-         "<Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>";
-}
-
-std::string enumerationNode(const std::string& name, Register address, const std::vector<std::string>& entries) {
-  std::string text = "<Enumeration Name=\"" + name + "\">";
-  for (std::size_t i = 0; i < entries.size(); ++i)
-    text += "<EnumEntry Name=\"" + entries[i] + "\"><Value>" + std::to_string(i) + "</Value></EnumEntry>";
-  return text + "<pValue>" + name + "Reg</pValue></Enumeration>" + registerNode(name + "Reg", address);
-}
-
-std::string description() {
-  return "<?xml version=\"1.0\"?><RegisterDescription ModelName=\"Bench\" VendorName=\"Kestrova\" "
-         "StandardNameSpace=\"None\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" "
-         "MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\" "
-         "ProductGuid=\"1F3C7F9E-1111-4222-8333-444455556678\" VersionGuid=\"1F3C7F9E-1111-4222-8333-444455556679\" "
-         "xmlns=\"http://www.genicam.org/GenApi/Version_1_1\"><Category Name=\"Root\">"
-         "<pFeature>FileSelector</pFeature><pFeature>FileOperationStatus</pFeature>"
-         "<pFeature>FileAccessBuffer</pFeature></Category>" +
-         enumerationNode("FileSelector", kSelector, {"UserData"}) +
-         enumerationNode("FileOpenMode", kOpenMode, {"Read", "Write"}) +
-         enumerationNode("FileOperationSelector", kOperation, {"Open", "Close", "Read", "Write"}) +
-         enumerationNode("FileOperationStatus", kStatus, {"Success", "Failure"}) +
-         "<Command Name=\"FileOperationExecute\"><pValue>ExecuteReg</pValue><CommandValue>1</CommandValue></Command>" +
-         registerNode("ExecuteReg", kExecute) + registerNode("FileAccessOffset", kOffset) +
-         registerNode("FileAccessLength", kLength) + registerNode("FileOperationResult", kResult) +
-         registerNode("FileSize", kSize) + registerNode("FileChecksum", kChecksum) +
-         "<Register Name=\"FileAccessBuffer\"><Address>" + std::to_string(kBuffer) + "</Address><Length>" +
-         std::to_string(kChunk) +
-         "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable></Register>"
-         "<Port Name=\"Device\"></Port></RegisterDescription>";
-}
-
 /** One file, no checks, and a count of all accesses. */
-class FileCamera {
+class FileCamera : scripted::FileRegisters {
  public:
   explicit FileCamera(scripted::Space& space) : space_(space) {
-    space_.description = description();
+    space_.description = description(kChunk, {"UserData"});
     space_.onRead = [this](std::uint64_t, std::size_t) {
       ++accesses;
       return GC_ERR_SUCCESS;

@@ -8,32 +8,23 @@
 #include <string>
 #include <vector>
 
+#include "file_registers.h"
 #include "library_fixture.h"
 
 namespace scripted {
 
-class FileCamera {
+class FileCamera : public FileRegisters {
  public:
-  enum Register : std::uint64_t {
-    kSelector = 0x10,
-    kOpenMode = 0x18,
-    kOperation = 0x20,
-    kExecute = 0x28,
-    kOffset = 0x30,
-    kLength = 0x38,
-    kResult = 0x40,
-    kStatus = 0x48,
-    kSize = 0x50,
-    kChecksum = 0x58,
-    kModelName = 0x60,
-    kHeartbeat = 0x80,
-    kBuffer = 0x1000
-  };
-  enum Operation : std::uint64_t { kOpen, kClose, kRead, kWrite };
-  enum Status : std::uint64_t { kSuccess, kFailure, kFatalError, kOther };
-
   explicit FileCamera(Script& script, std::int64_t bufferLength = 256) : space_(script.camera) {
-    space_.description = description(bufferLength);
+    space_.description = description(
+        bufferLength, {"UserSet1", "BrefLut1", "GammaLUT"}, "DeviceModelName DeviceLinkHeartbeatTimeout",
+        "<StringReg Name=\"DeviceModelName\"><Address>" + std::to_string(kModelName) +
+            "</Address><Length>32</Length><AccessMode>RO</AccessMode><pPort>Device</pPort></StringReg>"
+            "<Float Name=\"DeviceLinkHeartbeatTimeout\"><pValue>HeartbeatReg</pValue><Min>500</Min><Max>10000</Max>"
+            "</Float><FloatReg Name=\"HeartbeatReg\"><Address>" +
+            std::to_string(kHeartbeat) +
+            "</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
+            "<Endianess>LittleEndian</Endianess></FloatReg>");
     set(kHeartbeat, 3000.0);
     std::strcpy(reinterpret_cast<char*>(&space_.memory[kModelName]), "Scripted");
     space_.onWrite = [this](std::uint64_t address, std::size_t size) { return written(address, size); };
@@ -73,8 +64,6 @@ class FileCamera {
   std::int64_t checksumError = 0;
 
  private:
-  static std::string description(std::int64_t bufferLength);
-
   GC_ERROR written(std::uint64_t address, std::size_t size) {
     static const std::map<std::uint64_t, std::string> kNames = {
         {kSelector, "Selector"}, {kOpenMode, "OpenMode"},   {kOperation, "Operation"},
@@ -139,41 +128,5 @@ class FileCamera {
   int chunk_ = 0;
   std::vector<std::string> trace_;
 };
-
-inline std::string FileCamera::description(std::int64_t bufferLength) {
-  const auto reg = [](const std::string& name, Register address) {
-    return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) +
-           "</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
-           "<Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>\n";
-  };
-  const auto enumeration = [&](const std::string& name, Register address, const std::vector<std::string>& entries) {
-    std::string text = "<Enumeration Name=\"" + name + "\">";
-    for (std::size_t i = 0; i < entries.size(); ++i)
-      text += "<EnumEntry Name=\"" + entries[i] + "\"><Value>" + std::to_string(i) + "</Value></EnumEntry>";
-    return text + "<pValue>" + name + "Reg</pValue></Enumeration>\n" + reg(name + "Reg", address);
-  };
-  return describe(
-      "FileSelector FileOpenMode FileOperationSelector FileOperationExecute FileAccessOffset FileAccessLength "
-      "FileOperationResult FileOperationStatus FileSize FileChecksum FileAccessBuffer DeviceModelName "
-      "DeviceLinkHeartbeatTimeout",
-      enumeration("FileSelector", kSelector, {"UserSet1", "BrefLut1", "GammaLUT"}) +
-          enumeration("FileOpenMode", kOpenMode, {"Read", "Write"}) +
-          enumeration("FileOperationSelector", kOperation, {"Open", "Close", "Read", "Write"}) +
-          enumeration("FileOperationStatus", kStatus, {"Success", "Failure", "FatalError", "Other"}) +
-          "<Command Name=\"FileOperationExecute\"><pValue>ExecuteReg</pValue><CommandValue>1</CommandValue></Command>" +
-          reg("ExecuteReg", kExecute) + reg("FileAccessOffset", kOffset) + reg("FileAccessLength", kLength) +
-          reg("FileOperationResult", kResult) + reg("FileSize", kSize) + reg("FileChecksum", kChecksum) +
-          "<StringReg Name=\"DeviceModelName\"><Address>" + std::to_string(kModelName) +
-          "</Address><Length>32</Length><AccessMode>RO</AccessMode><pPort>Device</pPort></StringReg>"
-          "<Float Name=\"DeviceLinkHeartbeatTimeout\"><pValue>HeartbeatReg</pValue><Min>500</Min><Max>10000</Max>"
-          "</Float><FloatReg Name=\"HeartbeatReg\"><Address>" +
-          std::to_string(kHeartbeat) +
-          "</Address><Length>8</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
-          "<Endianess>LittleEndian</Endianess></FloatReg>"
-          "<Register Name=\"FileAccessBuffer\"><Address>" +
-          std::to_string(kBuffer) + "</Address><Length>" + std::to_string(bufferLength) +
-          "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><pInvalidator>ExecuteReg</pInvalidator></"
-          "Register>");
-}
 
 }  // namespace scripted
