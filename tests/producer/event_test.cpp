@@ -231,6 +231,24 @@ TEST_F(EventTest, FeatureEventsComeFromTheTransportSide) {
   EXPECT_EQ(info(invalidate, entry, 0).type, kString);
   EXPECT_EQ(info(invalidate, entry, 1).error, kNotAvailable);
   EXPECT_EQ(remote->set("Height", remote->get("Height") * 2), kSuccess);
+
+  // Of two streams the first locks and the last one frees the parameters, also one that is closed.
+  ASSERT_EQ(g.TLClose(tl), kSuccess);
+  tl = interface = device = nullptr;
+  openDevice("VC-1024D");
+  ASSERT_EQ(g.GCRegisterEvent(device, kFeatureChange, &change), kSuccess);
+  Handle streams[2] = {};
+  for (std::uint32_t i = 0; i < 2; ++i) {
+    openStream(i);
+    streams[i] = stream;
+    announce(1);
+    ASSERT_EQ(g.DSStartAcquisition(stream, 0, kInfinite), kSuccess);
+  }
+  ASSERT_EQ(g.DSStopAcquisition(streams[0], 0), kSuccess);
+  EXPECT_EQ(info(change, take(change, 1000), 1).bytes, "1");
+  EXPECT_EQ(take(change, 0).error, kTimeout);
+  ASSERT_EQ(g.DSClose(streams[1]), kSuccess);
+  EXPECT_EQ(info(change, take(change, 1000), 1).bytes, "0");
 }
 
 TEST_F(EventTest, CameraEventsCarryTheirDataFromAddressZero) {

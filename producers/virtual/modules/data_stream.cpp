@@ -412,6 +412,7 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
   if (engine_.joinable()) {
     engine_.join();
   }
+  bool restarted = false;  // after an end by its count, without the stop that belongs to it
   {
     const std::lock_guard lock(mutex_);
     stopping_ = false;
@@ -423,7 +424,10 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
     packetsLost_ = 0;
     framesLost_ = 0;
     grabbing_ = true;
-    stopPending_ = true;
+    restarted = std::exchange(stopPending_, true);
+  }
+  if (!restarted) {
+    device_.streamStarted();
   }
   device_.camera().startStream(index_);
   try {
@@ -432,7 +436,6 @@ void DataStream::start(ACQ_START_FLAGS flags, std::uint64_t count) {
     stopEngine();
     fail(GC_ERR_RESOURCE_EXHAUSTED, "no thread for the acquisition");
   }
-  device_.fireFeatureChange("TLParamsLocked", "1");
   fireModuleEvent(kAcquisitionStarted, {});
 }
 
@@ -445,7 +448,6 @@ void DataStream::stop(ACQ_STOP_FLAGS flags) {
   if (!stopEngine()) {
     fail(GC_ERR_RESOURCE_IN_USE, "the acquisition is not running");
   }
-  device_.fireFeatureChange("TLParamsLocked", "0");
   fireModuleEvent(kAcquisitionStopped, {});
 }
 
@@ -462,6 +464,7 @@ bool DataStream::stopEngine() {
   if (engine_.joinable()) {
     engine_.join();
   }
+  device_.streamEnded();
   return true;
 }
 

@@ -99,6 +99,18 @@ void* Device::registerEvent(EVENT_TYPE type) {
   return Module::registerEvent(type);
 }
 
+void Device::streamStarted() {
+  if (runningStreams_++ == 0) {
+    fireFeatureChange("TLParamsLocked", "1");
+  }
+}
+
+void Device::streamEnded() {
+  if (--runningStreams_ == 0) {
+    fireFeatureChange("TLParamsLocked", "0");
+  }
+}
+
 void Device::fireFeatureChange(std::string_view feature, std::string_view value) {
   events().fire(EVENT_FEATURE_CHANGE, {0, feature, std::as_bytes(std::span(value))});
 }

@@ -40,8 +40,9 @@ class Device final : public Module {
   std::unique_ptr<Module> take(const DataStream& child);
 
   void* registerEvent(EVENT_TYPE type) override;
-  // A camera feature changed by what the transport side did.
-  void fireFeatureChange(std::string_view feature, std::string_view value);
+  // The parameters of the camera are to be locked from the first stream's start to the last one's end.
+  void streamStarted();
+  void streamEnded();
   // To be called after a write to the camera.
   void noticePayloadChange();
 
@@ -54,6 +55,7 @@ class Device final : public Module {
 
  private:
   void describe();
+  void fireFeatureChange(std::string_view feature, std::string_view value);
   void describeLink();
   void closeRemotePort();
 
@@ -66,6 +68,7 @@ class Device final : public Module {
   RemoteDevice remote_;
   std::atomic<std::size_t> selectedStream_{0};
   std::atomic<std::size_t> knownPayload_{0};
+  std::atomic<std::size_t> runningStreams_{0};
   std::atomic<std::uint64_t> acknowledgeMs_{500};
   std::atomic<std::uint64_t> heartbeatMs_{3000};
   std::unique_ptr<Children<DataStream>> children_;
