@@ -347,6 +347,7 @@ TEST(Streams, TheSecondShowsTheNegativeOfTheSameFrames) {
 
 TEST(SpeedMode, WritesNothingButTheFrameId) {
   Remote camera;
+  camera.set("ChunkModeActive", 1);
   camera.set("SpeedMode", 1);
   camera.start();
   FramePlan plan;
@@ -357,6 +358,7 @@ TEST(SpeedMode, WritesNothingButTheFrameId) {
     ASSERT_EQ(std::to_integer<unsigned>(buffer[0]) | std::to_integer<unsigned>(buffer[1]) << 8, i);
   }
   EXPECT_EQ(buffer[8], std::byte{0xEE});
+  EXPECT_EQ(plan.chunkCount, 0U) << "what is not written is not described";
 }
 
 }  // namespace

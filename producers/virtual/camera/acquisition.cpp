@@ -115,8 +115,8 @@ void Acquisition::declare() {
                             "Delivers as fast as buffers come back, with nothing but the frame ID written into them")
                     .describe(
                         "For measurements. Each frame holds its frame ID as 64-bit little-endian number in its first "
-                        "8 bytes; the rest of the buffer stays as it was. Exposure, frame rate and triggers have no "
-                        "effect.")
+                        "8 bytes; the rest of the buffer stays as it was. Exposure, frame rate, triggers and chunks "
+                        "have no effect.")
                     .vendorSpecific()
                     .visibility("Guru")
                     .lockedWhileStreaming()
@@ -245,10 +245,10 @@ void Acquisition::declareTransport(const std::function<std::int64_t()>& payloadS
       .length(8)
       .readOnly()
       .visibility("Expert")
-      .dependsOn(core_.model.components
-                     ? std::vector<std::string>{"Width", "Height", "PixelFormat", "ChunkModeActive", "ChunkEnable",
-                                                "ComponentEnable"}
-                     : std::vector<std::string>{"Width", "Height", "PixelFormat", "ChunkModeActive", "ChunkEnable"})
+      .dependsOn(core_.model.components ? std::vector<std::string>{"Width", "Height", "PixelFormat", "ChunkModeActive",
+                                                                   "ChunkEnable", "SpeedMode", "ComponentEnable"}
+                                        : std::vector<std::string>{"Width", "Height", "PixelFormat", "ChunkModeActive",
+                                                                   "ChunkEnable", "SpeedMode"})
       .computed([payloadSize](std::size_t) { return payloadSize(); });
   locked_ =
       &map.integer("TLParamsLocked", transport, "Not 0 while the consumer streams; what sizes buffers is locked then")

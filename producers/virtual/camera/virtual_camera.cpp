@@ -256,7 +256,11 @@ std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::siz
   if (format_.multiPart()) {
     addParts(*plan, slot);
   }
-  chunks_.layOut(*plan);
+  if (plan->speedMode) {
+    plan->payloadSize = plan->imageSize;  // Nothing is written, so there are no chunks that could be described.
+  } else {
+    chunks_.layOut(*plan);
+  }
   return plan;
 }
 
