@@ -100,6 +100,7 @@ TEST_F(HostilityTest, FramesAreSpoiled) {
   ASSERT_EQ(orders().spoilFrames(id, OVI_VIRTUAL_FRAME_LATE, 3, 1), 0);
   ASSERT_EQ(orders().spoilFrames(nullptr, OVI_VIRTUAL_FRAME_LOST, 6, 1), 0);
   EXPECT_EQ(orders().spoilFrames(id, 32, 1, 1), -1);
+  EXPECT_EQ(orders().spoilFrames("no such device", OVI_VIRTUAL_FRAME_LOST, 1, 1), -1);
   ASSERT_EQ(g.DSStartAcquisition(stream, 0, 6), kSuccess);
   startCamera();
   std::vector<std::uint64_t> ids;
@@ -180,7 +181,7 @@ TEST_F(HostilityTest, CamerasFallSilentAndSpeakAgain) {
     ASSERT_EQ(g.DSStartAcquisition(stream, 0, kInfinite), kSuccess);
     startCamera();
     ASSERT_TRUE(next());
-    ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 1), 0);
+    ASSERT_EQ(orders().pauseFrames(speedMode == 0 ? deviceId.c_str() : nullptr, 1), 0);
     ASSERT_EQ(g.DSFlushQueue(stream, 2), kSuccess);
     EXPECT_FALSE(next(50));
     ASSERT_EQ(orders().pauseFrames(deviceId.c_str(), 0), 0);
@@ -225,6 +226,16 @@ TEST_F(HostilityTest, LostDevicesStayLostUntilReopened) {
   ASSERT_EQ(g.DevGetPort(device, &port), kSuccess);
   size = 4;
   EXPECT_EQ(g.GCReadPort(port, address, &value, &size), kSuccess);
+
+  // An order is also given, and holds, while the producer is not initialised.
+  ASSERT_EQ(g.GCCloseLib(), kSuccess);
+  ASSERT_EQ(orders().loseDevice(deviceId.c_str()), 0);
+  ASSERT_EQ(g.GCInitLib(), kSuccess);
+  tl = interface = device = stream = nullptr;
+  openInterface();
+  EXPECT_EQ(g.IFOpenDevice(interface, deviceId.c_str(), 4, &device), kInvalidId);
+  orders().reset();
+  EXPECT_EQ(g.IFOpenDevice(interface, deviceId.c_str(), 4, &device), kSuccess);
 }
 
 TEST_F(HostilityTest, CommandsStayBusyForAWhile) {

@@ -54,10 +54,7 @@ constexpr OviVirtualHostility kOrders = {
       return order([&] { return done(Hostility::instance().spoilFrames(device, how, from, frames)); });
     },
     [](const char* device, std::int32_t paused) {
-      return order([&] {
-        Hostility::instance().pauseFrames(device, paused != 0);
-        return 0;
-      });
+      return order([&] { return done(Hostility::instance().pauseFrames(device, paused != 0)); });
     },
     [](const char* device) {
       return order([&] { return done(Library::instance().setPresent(deviceFrom(device), false)); });
@@ -79,8 +76,7 @@ constexpr OviVirtualHostility kOrders = {
     [] {
       order([] {
         Hostility::instance().reset();
-        Library::instance().setPresent({}, true);
-        Library::instance().setBusyPolls({}, 0);
+        Library::instance().withdrawOrders();
         return 0;
       });
     },

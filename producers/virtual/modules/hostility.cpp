@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <new>
 
+#include "camera/camera_model.h"
+
 namespace vcam {
 
 namespace {
@@ -14,6 +16,12 @@ thread_local Function currentFunction = Function::GCInitLib;
 
 std::string nameFrom(const char* text) {
   return text == nullptr ? std::string() : std::string(text);
+}
+
+// Whether orders can be about this device; an empty ID stands for all.
+bool isDevice(const std::string& id) {
+  const std::vector<CameraModel> models = defaultModels();
+  return id.empty() || std::ranges::any_of(models, [&](const CameraModel& model) { return model.identity.id == id; });
 }
 
 }  // namespace
@@ -89,7 +97,7 @@ std::uint32_t Hostility::nextFrame(const std::string& device) {
 
 bool Hostility::isPaused(const std::string& device) {
   const std::lock_guard lock(mutex_);
-  return std::ranges::any_of(paused_, [&](const std::string& order) { return matches(order, device); });
+  return std::ranges::find(paused_, device) != paused_.end();
 }
 
 std::uint64_t Hostility::updateDelayMs() const {
@@ -176,7 +184,7 @@ void Hostility::shortReads(std::uint32_t missing, std::uint64_t from, std::uint6
 bool Hostility::spoilFrames(const char* device, std::uint32_t how, std::uint64_t from, std::uint64_t frames) {
   constexpr std::uint32_t kAll = OVI_VIRTUAL_FRAME_INCOMPLETE | OVI_VIRTUAL_FRAME_NO_GEOMETRY | OVI_VIRTUAL_FRAME_LATE |
                                  OVI_VIRTUAL_FRAME_LOST | OVI_VIRTUAL_FRAME_STUCK;
-  if (how == 0 || (how & ~kAll) != 0 || from == 0) {
+  if (how == 0 || (how & ~kAll) != 0 || from == 0 || !isDevice(nameFrom(device))) {
     return false;
   }
   const std::lock_guard lock(mutex_);
@@ -185,14 +193,22 @@ bool Hostility::spoilFrames(const char* device, std::uint32_t how, std::uint64_t
   return true;
 }
 
-void Hostility::pauseFrames(const char* device, bool paused) {
-  const std::lock_guard lock(mutex_);
+bool Hostility::pauseFrames(const char* device, bool paused) {
   const std::string name = nameFrom(device);
-  std::erase(paused_, name);
-  if (paused) {
-    paused_.push_back(name);
-    arm();
+  bool known = false;
+  const std::lock_guard lock(mutex_);
+  for (const CameraModel& model : defaultModels()) {
+    const std::string& id = model.identity.id;
+    if (name.empty() || name == id) {
+      known = true;
+      std::erase(paused_, id);
+      if (paused) {
+        paused_.push_back(id);
+        arm();
+      }
+    }
   }
+  return known;
 }
 
 void Hostility::slowUpdates(std::uint64_t milliseconds) {

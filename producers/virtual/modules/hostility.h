@@ -46,7 +46,7 @@ class Hostility {
   bool spoilType(const char* function, std::int32_t command, INFO_DATATYPE type, std::uint64_t calls);
   void shortReads(std::uint32_t missing, std::uint64_t from, std::uint64_t calls);
   bool spoilFrames(const char* device, std::uint32_t how, std::uint64_t from, std::uint64_t frames);
-  void pauseFrames(const char* device, bool paused);
+  bool pauseFrames(const char* device, bool paused);
   void slowUpdates(std::uint64_t milliseconds);
   void startCounting();
   std::uint64_t calls(const char* function);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <new>
 
+#include "camera/camera_model.h"
 #include "modules/recorder.h"
 #include "modules/system.h"
 #include "platform/own_path.h"
@@ -72,6 +73,11 @@ void Library::open() {
     fail(GC_ERR_RESOURCE_IN_USE, "the library is already initialised");
   }
   session_ = makeSession();
+  for (const auto& slot : session_->cameras) {
+    if (const auto ordered = orders_.find(slot->camera->identity().id); ordered != orders_.end()) {
+      follow(*slot, ordered->second);
+    }
+  }
   initialized_.store(true, std::memory_order_release);
 }
 
@@ -132,45 +138,56 @@ std::unique_ptr<System> Library::takeSystem() {
   return std::move(system_);
 }
 
-bool Library::setPresent(const std::string& deviceId, bool present) {
+// Notes an order about the devices that are meant, and lets those that exist follow it.
+template<class Change>
+bool Library::order(const std::string& deviceId, Change change) {
   const std::lock_guard lock(mutex_);
-  bool known = deviceId.empty();
-  if (!session_) {
-    return known;
-  }
-  for (const auto& slot : session_->cameras) {
-    if (!deviceId.empty() && slot->camera->identity().id != deviceId) {
+  bool known = false;
+  for (const CameraModel& model : defaultModels()) {
+    const std::string& id = model.identity.id;
+    if (!deviceId.empty() && id != deviceId) {
       continue;
     }
     known = true;
-    if (slot->present.exchange(present) == present) {
-      continue;
-    }
-    if (present) {
-      ++slot->plugs;
-    } else {
-      slot->camera->disconnect();
-    }
-    const std::lock_guard systemLock(systemMutex_);
-    if (system_) {
-      system_->cableChanged(*slot, present);
+    change(orders_[id]);
+    for (std::size_t i = 0; session_ && i < session_->cameras.size(); ++i) {
+      if (session_->cameras[i]->camera->identity().id == id) {
+        follow(*session_->cameras[i], orders_[id]);
+      }
     }
   }
   return known;
 }
 
-bool Library::setBusyPolls(const std::string& deviceId, std::uint32_t polls) {
-  const std::lock_guard lock(mutex_);
-  bool known = deviceId.empty();
-  if (session_) {
-    for (const auto& slot : session_->cameras) {
-      if (deviceId.empty() || slot->camera->identity().id == deviceId) {
-        slot->camera->setBusyPolls(polls);
-        known = true;
-      }
-    }
+void Library::follow(CameraSlot& slot, const Order& order) {
+  slot.camera->setBusyPolls(order.busyPolls);
+  const bool present = order.present.value_or(slot.present);
+  if (slot.present.exchange(present) == present) {
+    return;
   }
-  return known;
+  if (present) {
+    ++slot.plugs;
+  } else {
+    slot.camera->disconnect();
+  }
+  const std::lock_guard systemLock(systemMutex_);
+  if (system_) {
+    system_->cableChanged(slot, present);
+  }
+}
+
+bool Library::setPresent(const std::string& deviceId, bool present) {
+  return order(deviceId, [present](Order& order) { order.present = present; });
+}
+
+bool Library::setBusyPolls(const std::string& deviceId, std::uint32_t polls) {
+  return order(deviceId, [polls](Order& order) { order.busyPolls = polls; });
+}
+
+void Library::withdrawOrders() {
+  order({}, [](Order& order) { order = {true, 0}; });
+  const std::lock_guard lock(mutex_);
+  orders_.clear();
 }
 
 }  // namespace vcam

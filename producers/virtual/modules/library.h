@@ -3,8 +3,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -70,16 +72,31 @@ class Library {
   void* openSystem();
   std::unique_ptr<System> takeSystem();
 
-  // The cable of one device, or of all when the ID is empty. False for an ID that no camera has.
+  // Orders about one device, or about all when the ID is empty; they hold from one GCInitLib to the next, too. False
+  // for an ID that no camera has. The cable:
   bool setPresent(const std::string& deviceId, bool present);
-  // The same for commands that take a while.
+  // Commands that take a while:
   bool setBusyPolls(const std::string& deviceId, std::uint32_t polls);
+  // Plugs every device in and forgets what was ordered.
+  void withdrawOrders();
 
  private:
+  // What was ordered about a device, as long as it was not withdrawn.
+  struct Order {
+    std::optional<bool> present;
+    std::uint32_t busyPolls = 0;
+  };
+
+  // All of these run under mutex_.
+  void follow(CameraSlot& slot, const Order& order);
+  template<class Change>
+  bool order(const std::string& deviceId, Change change);
+
   inline static std::atomic<bool> initialized_{false};
 
   std::mutex mutex_;
   std::unique_ptr<Session> session_;
+  std::map<std::string, Order> orders_;
   std::mutex systemMutex_;  // taken after mutex_
   std::unique_ptr<System> system_;
 };
