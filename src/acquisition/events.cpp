@@ -119,7 +119,7 @@ oviErr waitForData(Event& event, std::uint64_t timeout, void** data) {
   *data = record.data();
   try {
     std::vector<char> eventData(record.dataSize());
-    const Event::Stay stay(event);
+    const Event::Stay stay(event, timeout);
     const std::size_t size = event.getData(stay, eventData.data(), eventData.size(), timeout);
     const std::uint64_t id = eventIdOf(event, eventData.data(), size);
     record.fill(eventData.data(), size, id, eventValueOf(event, eventData.data(), size));

@@ -222,7 +222,7 @@ oviErr waitForImage(Event& event, std::uint64_t timeout, oviNewBufferEventData*&
   }
   Delivery delivery;
   try {
-    const Event::Stay stay(event);
+    const Event::Stay stay(event, timeout);
     const EVENT_NEW_BUFFER_DATA data = newBuffer->waitForBuffer(stay, timeout);
     deliver(event, static_cast<DataStream&>(*event.getParent()), data, outCopy, delivery);
   } catch (const GenTLCpp::TimeoutException& error) {

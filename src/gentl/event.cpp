@@ -33,7 +33,7 @@ std::size_t Event::getData(void* buffer, std::size_t size, std::uint64_t timeout
   if (!isAccessible()) {
     throw ClosedException("Module is closed, cannot get data");
   }
-  const Stay stay(*this);
+  const Stay stay(*this, timeout);
   return wait(stay, buffer, size, timeout);
 }
 
@@ -97,9 +97,14 @@ bool Event::sendKill() noexcept {
   return !isUnregistered() && functions_.EventKill(eventHandle()) == GC_ERR_SUCCESS;
 }
 
-Event::Stay::Stay(Event& event) : gate_(event.gate_) {
-  if (!gate_.enter(ticket_)) {
-    throw AbortException("The event is over.");
+Event::Stay::Stay(Event& event, std::uint64_t& timeout) : gate_(event.gate_) {
+  switch (gate_.enter(ticket_, timeout)) {
+    case WaitGate::Entry::In:
+      return;
+    case WaitGate::Entry::Shut:
+      throw AbortException("The event is over.");
+    case WaitGate::Entry::TimedOut:
+      throw TimeoutException("The acquisition was being stopped all the time.");
   }
 }
 
@@ -136,7 +141,7 @@ std::shared_ptr<DataStream> NewBufferEvent::getStream() const {
 }
 
 EVENT_NEW_BUFFER_DATA NewBufferEvent::waitForBuffer(std::uint64_t timeout) {
-  const Stay stay(*this);
+  const Stay stay(*this, timeout);
   return waitForBuffer(stay, timeout);
 }
 

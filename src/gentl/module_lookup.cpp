@@ -65,17 +65,10 @@ void shutWaits(GenTLCpp::Event& event) {
 StreamPause::StreamPause(std::uint64_t streamHandle) {
   forEachEvent(streamHandle, [this](const std::shared_ptr<GenTLCpp::Event>& event) {
     if (event->getEventType() == EVENT_NEW_BUFFER) {
-      events_.push_back(event);
-      event->holdWaits();
+      held_.emplace_back(event);
       warnUnless(event->endWaits(), kWait);
     }
   });
-}
-
-StreamPause::~StreamPause() {
-  for (const std::shared_ptr<GenTLCpp::Event>& event : events_) {
-    event->letWaitsIn();
-  }
 }
 
 // Registering an event and opening a stream are uses: once these are over, there is nothing new to miss.

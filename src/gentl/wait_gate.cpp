@@ -11,6 +11,9 @@ namespace {
 /** How long a wait may take to end before its kill counts as lost. */
 constexpr std::chrono::milliseconds kKillAgain{100};
 
+/** Longer ones, of more than 30 years, count as endless: a clock could not tell their end. */
+constexpr std::uint64_t kLongestTimeout = 1'000'000'000'000;
+
 /** @return whether there was one left */
 bool takeOne(std::uint32_t& count) noexcept {
   const bool isThere = count != 0;
@@ -42,11 +45,24 @@ void WaitGate::letIn() noexcept {
   }
 }
 
-std::uint64_t WaitGate::waitUntilLetIn() noexcept {
+/** @return whether it is worth to look at the gate again before the time-out is over */
+bool WaitGate::waitUntilLetIn(std::uint64_t& timeout) noexcept {
   std::unique_lock lock(mutex_);
-  const auto state = [this] { return state_.load(std::memory_order_acquire); };
-  letIn_.wait(lock, [&] { return (state() & kHeld) == 0 || (state() & kShut) != 0; });
-  return state();
+  const auto isOver = [this] {
+    const std::uint64_t state = state_.load(std::memory_order_acquire);
+    return (state & kHeld) == 0 || (state & kShut) != 0;
+  };
+  if (timeout > kLongestTimeout) {
+    letIn_.wait(lock, isOver);
+    return true;
+  }
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout);
+  if (!letIn_.wait_until(lock, end, isOver)) {
+    return false;
+  }
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
+  timeout = static_cast<std::uint64_t>(std::max<std::int64_t>(left, 0));
+  return true;
 }
 
 bool WaitGate::beginCall() noexcept {

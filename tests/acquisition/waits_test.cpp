@@ -177,6 +177,7 @@ TEST_F(WaitsTest, NobodyIsKilledWhoDoesNotWait) {
   EXPECT_NE(take(stream), nullptr);
 }
 
+// An image lies ready while the stop is held at the very call that takes it back.
 TEST_F(WaitsTest, AStopGivesNobodyAnImageThatItTakesBack) {
   const Stream stream = openStream();
   start();
@@ -186,17 +187,24 @@ TEST_F(WaitsTest, AStopGivesNobodyAnImageThatItTakesBack) {
   while (!script().holds()) {
     std::this_thread::yield();
   }
+  oviNewBufferEventData image{};
+  for (const std::uint64_t timeout : {0U, 30U}) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(oviGetNextImage(stream.event, &image, timeout), OVI_ERR_TIMEOUT);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(timeout));
+  }
+  EXPECT_TRUE(script().holds());
   oviErr result = OVI_SUCCESS;
-  std::thread waiter([&] {
-    oviNewBufferEventData image{};
-    result = oviGetNextImage(stream.event, &image, 0);
-  });
-  // The waiter has time enough to fetch the image, were it let in.
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  std::thread waiter([&] { result = oviGetNextImage(stream.event, &image, UINT64_MAX); });
   script().hold("");
   stopper.join();
+  start();
+  Frame next;
+  next.frameId = 77;
+  EXPECT_TRUE(script().deliver(0, next));
   waiter.join();
-  EXPECT_EQ(result, OVI_ERR_TIMEOUT);
+  EXPECT_EQ(result, OVI_SUCCESS);
+  EXPECT_EQ(image.frameID, 77U);
 }
 
 TEST_F(WaitsTest, AKillOfTheApplicationEndsTheNextWaitWhenAnImageCameFirst) {

@@ -43,11 +43,14 @@ class Event : public BaseModule {
    * A thread's stay with an event: from before it waits until it has read what the event brought. Whoever closes the
    * event's module waits for the end of all stays first, so nothing may be closed from within one.
    *
-   * @throws AbortException when the event's waits are over for good
+   * While a stop takes buffers back, a stay for filled buffers begins when it is done.
+   *
+   * @param timeout  of the wait to come; less by what passed before the stay began
+   * @throws AbortException when the event's waits are over for good; TimeoutException when the time-out was over first
    */
   class Stay {
    public:
-    explicit Stay(Event& event);
+    Stay(Event& event, std::uint64_t& timeout);
     Stay(const Stay&) = delete;
     Stay& operator=(const Stay&) = delete;
     ~Stay() { gate_.leave(ticket_); }
@@ -90,7 +93,7 @@ class Event : public BaseModule {
    * touched. May be called from any thread that does not stay itself, and never throws. @return whether they are over
    */
   bool endWaits() noexcept;
-  /** Stays that would begin wait until they are let in, or are aborted when the waits are over for good. */
+  /** Stays that would begin wait until they are let in, or their time-out is over, or the waits are for good. */
   void holdWaits() noexcept { gate_.hold(); }
   void letWaitsIn() noexcept { gate_.letIn(); }
   /** The same as endWaits, and every later wait is aborted at once. For whoever closes the module. */

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "core/handle_registry.h"
@@ -66,10 +67,26 @@ class StreamPause {
   explicit StreamPause(std::uint64_t streamHandle);
   StreamPause(const StreamPause&) = delete;
   StreamPause& operator=(const StreamPause&) = delete;
-  ~StreamPause();
 
  private:
-  std::vector<std::shared_ptr<GenTLCpp::Event>> events_;
+  /** Holds the waits for one event back while it lives. */
+  class HeldWaits {
+   public:
+    explicit HeldWaits(std::shared_ptr<GenTLCpp::Event> event) noexcept : event_(std::move(event)) {
+      event_->holdWaits();
+    }
+    HeldWaits(HeldWaits&&) noexcept = default;
+    HeldWaits& operator=(HeldWaits&&) = delete;
+    ~HeldWaits() {
+      if (event_ != nullptr) {
+        event_->letWaitsIn();
+      }
+    }
+
+   private:
+    std::shared_ptr<GenTLCpp::Event> event_;
+  };
+  std::vector<HeldWaits> held_;
 };
 /** Ends the waits for one event, and no other starts; for whoever unregisters it. */
 void shutWaits(GenTLCpp::Event& event);

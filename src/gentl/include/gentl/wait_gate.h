@@ -31,19 +31,29 @@ class WaitGate {
   using Kill = std::function<bool()>;
   using Ticket = std::uint64_t;
 
-  /** @return whether the gate is open; only then the ticket is to be given back */
-  bool enter(Ticket& ticket) noexcept {
+  enum class Entry { In, Shut, TimedOut };
+
+  /**
+   * Who comes while the gate is held waits for at most its time-out.
+   *
+   * @param timeout  milliseconds, GENTL_INFINITE for ever; less by what was spent before the gate
+   * @return whether the thread is in; only then the ticket is to be given back
+   */
+  Entry enter(Ticket& ticket, std::uint64_t& timeout) noexcept {
     std::uint64_t state = state_.load(std::memory_order_relaxed);
     do {
       while ((state & (kShut | kHeld)) != 0) {
         if ((state & kShut) != 0) {
-          return false;
+          return Entry::Shut;
         }
-        state = waitUntilLetIn();
+        if (!waitUntilLetIn(timeout)) {
+          return Entry::TimedOut;
+        }
+        state = state_.load(std::memory_order_relaxed);
       }
     } while (!state_.compare_exchange_weak(state, state + 1, std::memory_order_acq_rel, std::memory_order_relaxed));
     ticket = ticketOf(state);
-    return true;
+    return Entry::In;
   }
   void leave(Ticket ticket) noexcept {
     std::uint64_t state = state_.load(std::memory_order_relaxed);
@@ -76,7 +86,7 @@ class WaitGate {
   /** For the application, within a call: ends the waits that are under way, or else the next. */
   void killWaits(const Kill& kill);
 
-  /** Who comes waits until it is let in, or the gate is shut; as often to be let in as to be held. */
+  /** Who comes waits until it is let in, its time is over, or the gate is shut; as often to be let in as to be held. */
   void hold() noexcept;
   void letIn() noexcept;
 
@@ -103,7 +113,7 @@ class WaitGate {
   static constexpr std::uint64_t kWaiters = kEnding - 1;
 
   static Ticket ticketOf(std::uint64_t state) noexcept { return state & ~(kShut | kHeld | kWaiters); }
-  std::uint64_t waitUntilLetIn() noexcept;
+  bool waitUntilLetIn(std::uint64_t& timeout) noexcept;
   void leaveEnded() noexcept;
   bool beginCall() noexcept;
   void endCall() noexcept;
