@@ -3,7 +3,7 @@
 #
 #   ./bench.sh             all of them; fails when a target was missed
 #   ./bench.sh NAME...     those named, without touching the page: acquisition, discovery, features, file_transfer, genapi,
-#                          producer
+#                          pattern, producer
 #
 # Figures mean something only on a machine that does nothing else meanwhile.
 set -euo pipefail
@@ -11,7 +11,7 @@ cd "$(dirname "$0")"
 # shellcheck source=scripts/lib/stages.sh
 . scripts/lib/stages.sh
 
-all=(acquisition discovery features file_transfer genapi producer)
+all=(acquisition discovery features file_transfer genapi pattern producer)
 [ $# -gt 0 ] && names=("$@") || names=("${all[@]}")
 for name in "${names[@]}"; do
   [[ " ${all[*]} " = *" $name "* ]] || { sed -n '2,8s/^# \{0,1\}//p' "$0" >&2; exit 2; }
