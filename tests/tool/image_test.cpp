@@ -176,7 +176,7 @@ TEST(Images, AreCountedAndChecked) {
   EXPECT_EQ(scan.code, 0) << scan.err;
   EXPECT_EQ(nlohmann::json::parse(scan.out)["bad"], 0);
 
-  const Outcome bench = ovi(words("bench --camera Mono --seconds 0.5 --json"));
+  const Outcome bench = ovi(words("bench --camera Mono --seconds 0.5 --json --set SpeedMode=on"));
   EXPECT_EQ(bench.code, 0) << bench.err;
   EXPECT_GT(nlohmann::json::parse(bench.out)["images"].get<int>(), 0);
   EXPECT_GT(nlohmann::json::parse(bench.out)["producerTakeMicroseconds"].get<double>(), 0) << "without the library";

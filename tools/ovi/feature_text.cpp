@@ -104,16 +104,6 @@ std::optional<std::int64_t> integerFrom(const std::string& text) {
   return number;
 }
 
-std::optional<bool> booleanFrom(const std::string& text) {
-  for (const char* yes : {"1", "true", "on", "yes"})
-    if (equalsIgnoringCase(text, yes))
-      return true;
-  for (const char* no : {"0", "false", "off", "no"})
-    if (equalsIgnoringCase(text, no))
-      return false;
-  return std::nullopt;
-}
-
 // The legal value that is nearest to a number.
 std::int64_t nearestInteger(const ovi::FeatureParameter& p, std::int64_t value) {
   const std::int64_t clamped = std::clamp(value, p.intMin, std::max(p.intMin, p.intMax));

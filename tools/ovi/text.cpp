@@ -136,4 +136,14 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
   return text;
 }
 
+std::optional<bool> booleanFrom(const std::string& text) {
+  for (const char* yes : {"1", "true", "on", "yes"})
+    if (equalsIgnoringCase(text, yes))
+      return true;
+  for (const char* no : {"0", "false", "off", "no"})
+    if (equalsIgnoringCase(text, no))
+      return false;
+  return std::nullopt;
+}
+
 }  // namespace tool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,5 +33,8 @@ std::string systemReason();
 std::vector<std::string> split(std::string_view text, std::string_view separators);
 
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
+
+/// True for 1, true, on and yes, false for 0, false, off and no, in whatever letters; nothing for anything else.
+std::optional<bool> booleanFrom(const std::string& text);
 
 }  // namespace tool

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cinttypes>
+#include <optional>
 #include <thread>
 
+#include "hex.h"
+#include "platform/console.h"
 #include "text.h"
 
 namespace tool::check {
@@ -270,6 +273,28 @@ void PortMap::lock(bool on) {
   const GenApi::CIntegerPtr locked = map_->GetNode("TLParamsLocked");
   if (GenApi::IsWritable(locked))
     locked->SetValue(on ? 1 : 0);
+}
+
+void PortMap::assign(const std::string& assignment) {
+  const std::size_t equals = assignment.find('=');
+  const std::string value = assignment.substr(equals + 1);
+  GenApi::INode* const node = map_->GetNode(assignment.substr(0, equals).c_str());
+  try {
+    if (const GenApi::CCommandPtr command = node; command.IsValid()) {
+      command->Execute();
+    } else if (const GenApi::CBooleanPtr boolean = node; boolean.IsValid()) {
+      boolean->SetValue(booleanFrom(value).value());
+    } else if (node != nullptr && node->GetPrincipalInterfaceType() == GenApi::intfIRegister) {
+      const std::vector<std::uint8_t> data = bytesFromHex(value).value();
+      GenApi::CRegisterPtr(node)->Set(data.data(), static_cast<std::int64_t>(data.size()));
+    } else {
+      GenApi::CValuePtr(node)->FromString(toLibraryText(value).c_str());
+    }
+  } catch (const GenICam::GenericException& error) {
+    throw Broken(assignment + ": " + error.GetDescription());
+  } catch (const std::bad_optional_access&) {
+    throw Broken(assignment + ": the feature has no such value");
+  }
 }
 
 }  // namespace tool::check

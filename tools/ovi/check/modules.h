@@ -65,6 +65,8 @@ class PortMap {
   /// The value of an integer node.
   std::optional<std::int64_t> integer(const char* node) const;
   void lock(bool on);
+  /// Sets a feature, or executes a command, from "Name=Value", as the tool's other commands do. Throws Broken.
+  void assign(const std::string& assignment);
 
  private:
   std::unique_ptr<GenApi::IPort> port_;

@@ -5,10 +5,12 @@
 
 namespace tool::check {
 
-StreamSession::StreamSession(Checker& check)
+StreamSession::StreamSession(Checker& check, const Prepare& prepare)
     : check_(check),
       modules_(check, Depth::kStream),
       camera_(check, modules_.remote) {
+  if (prepare)
+    prepare(camera_);
   const ProducerFunctions& gentl = check.gentl();
   const Info defines = ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
                                std::size_t* size) { return gentl.DSGetInfo(stream(), command, type, buffer, size); },

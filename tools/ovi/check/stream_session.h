@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 
 #include "check/modules.h"
 
@@ -9,8 +10,11 @@ namespace tool::check {
 
 class StreamSession {
  public:
+  /// Sets the camera up before its images are asked for.
+  using Prepare = std::function<void(PortMap& camera)>;
+
   /// Opens a stream and reads the device's description. Throws Broken.
-  explicit StreamSession(Checker& check);
+  explicit StreamSession(Checker& check, const Prepare& prepare = {});
 
   Modules& modules() { return modules_; }
   PortMap& camera() { return camera_; }

@@ -106,27 +106,44 @@ struct ProducerTimes {
 };
 
 // In a process of its own, which may load the producer once more and need not trust it.
-void measureProducer(const BenchOptions& options, const std::string& camera) {
-  const std::unique_ptr<ImageSource> source = openProducerSource(options.producer, camera, options.buffers);
+void measureProducer(const CommonOptions& common, const BenchOptions& options) {
+  const std::unique_ptr<ImageSource> source =
+      openProducerSource(options.producer, common.camera, common.assignments, options.buffers);
   Measurement m = measure(*source, options);
   if (m.take.empty())
     throw ToolError("no image was ever ready when asked for");
   printJson({{"take", m.take.quantile(0.5)}, {"release", m.release.quantile(0.5)}});
 }
 
-std::optional<ProducerTimes> timesOfProducer(const Camera& camera, const BenchOptions& options) {
+std::optional<ProducerTimes> timesOfProducer(Session& session, const BenchOptions& options) {
   constexpr std::chrono::seconds kToOpen{20};
   ProgressLine line;
   line.show(-1.0, "the producer without the library", true);
   const auto time =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(options.seconds));
-  const ChildResult child = runChild(ownProgram(),
-                                     {"bench", "--of-producer", camera.producerPath, "--camera", camera.id, "--seconds",
-                                      std::to_string(options.seconds), "--buffers", std::to_string(options.buffers)},
-                                     time + kToOpen);
+  const Camera& camera = session.pick(session.options().camera);
+  std::vector<std::string> words = {"bench",
+                                    "--of-producer",
+                                    camera.producerPath,
+                                    "--camera",
+                                    camera.id,
+                                    "--seconds",
+                                    std::to_string(options.seconds),
+                                    "--buffers",
+                                    std::to_string(options.buffers)};
+  if (options.touch)
+    words.emplace_back("--touch");
+  // The settings of virtual cameras end with the process that made them.
+  for (const std::string& assignment : session.options().assignments)
+    words.insert(words.end(), {"--set", assignment});
+  const ChildResult child = runChild(ownProgram(), words, time + kToOpen);
+  line.clear();
   const nlohmann::ordered_json json = nlohmann::ordered_json::parse(child.output, nullptr, false);
-  if (child.exitCode != 0 || !json.is_object())
+  if (child.exitCode != 0 || !json.is_object()) {
+    if (!child.stopped)
+      printNote("the producer alone could not be measured: " + child.messages.substr(0, child.messages.find('\n')));
     return std::nullopt;
+  }
   return ProducerTimes{json.value("take", 0.0), json.value("release", 0.0)};
 }
 
@@ -180,7 +197,7 @@ void bench(Session& session, const BenchOptions& options) {
   if (options.seconds <= 0 || options.buffers == 0)
     throw ToolError("seconds and buffers must be more than 0", session.command("bench --seconds 5"), ExitCode::kUsage);
   if (!options.producer.empty())
-    return measureProducer(options, session.options().camera);
+    return measureProducer(session.options(), options);
   Measurement m;
   {
     const ModuleView view(session, "device", Use::kControl);
@@ -192,7 +209,7 @@ void bench(Session& session, const BenchOptions& options) {
     }
   }
   throwIfInterrupted();
-  const std::optional<ProducerTimes> producer = timesOfProducer(session.pick(session.options().camera), options);
+  const std::optional<ProducerTimes> producer = timesOfProducer(session, options);
   if (session.options().json)
     printJson(benchJson(m, producer));
   else

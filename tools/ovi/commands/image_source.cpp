@@ -44,12 +44,17 @@ class LibrarySource : public ImageSource {
 
 class ProducerSource : public ImageSource {
  public:
-  ProducerSource(const std::string& file, const std::string& camera, std::uint32_t buffers)
+  ProducerSource(const std::string& file, const std::string& camera, const std::vector<std::string>& assignments,
+                 std::uint32_t buffers)
       : library_(pathFromText(file)),
         functions_(library_),
         checker_(
             functions_, camera, [](const std::string&) {}, [](check::Verdict, const auto&, const auto&) {}),
-        session_(checker_),
+        session_(checker_,
+                 [&](check::PortMap& map) {
+                   for (const std::string& assignment : assignments)
+                     map.assign(assignment);
+                 }),
         getData_(functions_.EventGetData.unwatched()),
         getDataInfo_(functions_.EventGetDataInfo.unwatched()),
         getBufferInfo_(functions_.DSGetBufferInfo.unwatched()),
@@ -118,8 +123,8 @@ std::unique_ptr<ImageSource> openSource(const ovi::Device& device, std::uint32_t
 }
 
 std::unique_ptr<ImageSource> openProducerSource(const std::string& file, const std::string& camera,
-                                                std::uint32_t buffers) {
-  return std::make_unique<ProducerSource>(file, camera, buffers);
+                                                const std::vector<std::string>& assignments, std::uint32_t buffers) {
+  return std::make_unique<ProducerSource>(file, camera, assignments, buffers);
 }
 
 }  // namespace tool

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ovi/ovi.hpp"
 
@@ -31,8 +32,9 @@ class ImageSource {
 std::unique_ptr<ImageSource> openSource(const ovi::Device& device, std::uint32_t buffers);
 
 /// The producer in this file, which this process has not loaded yet. It is asked what the library asks about an image.
-/// @param camera  its ID
+/// @param camera       its ID
+/// @param assignments  FEATURE=VALUE, set on the camera, as on one that the library opens
 std::unique_ptr<ImageSource> openProducerSource(const std::string& file, const std::string& camera,
-                                                std::uint32_t buffers);
+                                                const std::vector<std::string>& assignments, std::uint32_t buffers);
 
 }  // namespace tool
