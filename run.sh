@@ -24,10 +24,10 @@ ovi info "$camera"
 ovi features --camera "$camera" 'Pixel*'
 ovi get --camera "$camera" Width Height PixelFormat ExposureTime AcquisitionFrameRate
 ovi stream --camera "$camera" --frames 300
-ovi stream --camera "$camera" --frames 3 --save "$pictures" --format png
-ovi stream --camera "$camera" --set PixelFormat=Mono12p --frames 3 --save "$pictures" --format png
-ovi stream --camera Colour --frames 3 --save "$pictures" --format png
-ovi stream --camera Colour --set PixelFormat=BGRa8 --frames 3 --save "$pictures" --format png
+ovi stream --camera "$camera" --frames 3 --save png --to "$pictures"
+ovi stream --camera "$camera" --set PixelFormat=Mono12p --frames 3 --save png --to "$pictures"
+ovi stream --camera Colour --frames 3 --save png --to "$pictures"
+ovi stream --camera Colour --set PixelFormat=BGRa8 --frames 3 --save png --to "$pictures"
 if [ -x scripts/round-trip-file.sh ]; then
   scripts/round-trip-file.sh "$out/ovi" "$camera"
 fi

@@ -16,7 +16,7 @@ take() {
   mkdir "$folder"
   for camera in "Mono --set PixelFormat=Mono12p --set Width=640 --set Height=480" Colour "BigEndian"; do
     # shellcheck disable=SC2086 # words of the camera's options
-    "$@" stream --camera $camera --frames 50 --save "$folder" --format png >/dev/null 2>"$folder.log" ||
+    "$@" stream --camera $camera --frames 50 --save png --to "$folder" >/dev/null 2>"$folder.log" ||
       { cat "$folder.log" >&2; return 1; }
   done
 }

@@ -51,7 +51,7 @@ TEST(Images, SpellTheFrameIDsOfTheirNamesWithoutAGap) {
     SCOPED_TRACE(std::string(one.camera) + " " + one.format);
     const std::filesystem::path folder = freshFolder("pictures");
     const Outcome run = ovi({"stream", "--camera", one.camera, "--set", std::string("PixelFormat=") + one.format,
-                             "--set", "Width=320", "--set", "Height=240", "--frames", "20", "--save", "pictures"});
+                             "--set", "Width=320", "--set", "Height=240", "--frames", "20", "--save", "png"});
     ASSERT_EQ(run.code, 0) << run.err;
     EXPECT_THAT(run.err, HasSubstr("every image arrived whole"));
     const auto frames = savedFrames(folder);
@@ -81,9 +81,9 @@ constexpr std::array kFormats = {
 
 std::filesystem::path oneFrame(const Format& format, const std::string& pattern) {
   const std::filesystem::path folder = freshFolder("pictures");
-  const Outcome run = ovi({"stream", "--camera", format.camera, "--frames", "1", "--save", "pictures", "--set",
-                           std::string("PixelFormat=") + format.name, "--set", "TestPattern=" + pattern, "--set",
-                           "Width=256", "--set", "Height=64"});
+  const Outcome run = ovi({"stream", "--camera", format.camera, "--frames", "1", "--save", "png", "--to", "pictures",
+                           "--set", std::string("PixelFormat=") + format.name, "--set", "TestPattern=" + pattern,
+                           "--set", "Width=256", "--set", "Height=64"});
   EXPECT_EQ(run.code, 0) << run.err;
   const auto frames = savedFrames(folder);
   return frames.empty() ? std::filesystem::path() : frames.begin()->second;
@@ -164,6 +164,14 @@ TEST(Images, AreCountedAndChecked) {
   EXPECT_EQ(summary["lost"], 0);
   EXPECT_GT(summary["framesPerSecond"].get<double>(), 1.0);
 
+  // A frame needs about the frame period from the start of its exposure to its arrival.
+  const Outcome timed =
+      ovi(words("stream --json --camera Mono --frames 5 --camera-time --set AcquisitionFrameRate=20"));
+  ASSERT_EQ(timed.code, 0) << timed.err;
+  EXPECT_EQ(nlohmann::json::parse(timed.out)["latencyFrom"], "camera");
+  EXPECT_GT(nlohmann::json::parse(timed.out)["latencySeconds"].get<double>(), 0.001);
+  EXPECT_EQ(summary["latencyFrom"], "library");
+
   const Outcome several = ovi(words("stream --camera Mono --camera Colour --frames 5 --json"));
   ASSERT_EQ(several.code, 0) << several.err;
   const nlohmann::json summaries = nlohmann::json::parse(several.out);
@@ -181,6 +189,34 @@ TEST(Images, AreCountedAndChecked) {
   EXPECT_GT(nlohmann::json::parse(bench.out)["images"].get<int>(), 0);
   EXPECT_GT(nlohmann::json::parse(bench.out)["producerTakeMicroseconds"].get<double>(), 0) << "without the library";
 }
+
+#ifndef _WIN32
+TEST(Images, ThatAreLostAreToldApart) {
+  struct Case {
+    const char* order;  // what happens to the third image
+    const char* counted;
+    const char* verdict;
+  };
+  for (const Case& one :
+       {Case{"frames 8", "lostOnTheWay", "never arrived"}, Case{"frames 1", "incomplete", "arrived without all data"},
+        Case{"frames 2", "incomplete", "arrived without all data"},
+        Case{"frames 4", "late", "came after one that was made later"}}) {
+    SCOPED_TRACE(one.order);
+    const Environment order("OVI_TEST_ORDER", one.order);
+    const Outcome run = ovi(words("stream -c 1 --frames 8 --json --producer " HOSTILE_DIR "/Hostile.cti"));
+    ASSERT_EQ(run.code, 0) << run.err;
+    const nlohmann::json summary = nlohmann::json::parse(run.out);
+    for (const char* count : {"lostOnTheWay", "incomplete", "late", "withoutBuffer"})
+      EXPECT_EQ(summary[count], std::string(count) == one.counted ? 1 : 0) << count;
+    EXPECT_EQ(summary["frames"], 8);
+    EXPECT_EQ(summary["verdict"].get<std::string>().find(std::string("1 image ") + one.verdict), 0U) << summary;
+  }
+  const Environment order("OVI_TEST_ORDER", "fail DSStopAcquisition -1010");
+  const Outcome gone = ovi(words("stream -c 1 --frames 3 --producer " HOSTILE_DIR "/Hostile.cti"));
+  EXPECT_EQ(gone.code, 1);
+  EXPECT_THAT(gone.err, AllOf(HasSubstr("could not be stopped (IO"), HasSubstr("could not be stopped: IO")));
+}
+#endif
 
 TEST(Images, ThatDoNotComeAreExplained) {
   for (const char* command : {"grab -o none.png", "stream --frames 1 --image-timeout 600", "stream --seconds 0.3",

@@ -19,7 +19,7 @@ TEST(Interrupt, StopsEveryCommandWithTheCameraClosed) {
   writeText("sent.bin", "UserSet" + std::string(100'000, 'x'));
   const Environment slow("OVI_VIRTUAL_FIRMWARE_APPLY_MS", "60000");
   const std::vector<Interrupted> commands = {
-      {"stream -c Mono --save pictures --format raw", "frame-"},
+      {"stream -c Mono --save raw --to pictures", "frame-"},
       {"stream -c Mono --set TriggerMode=On --verbose", "Timeout waiting"},
       {"grab -c Mono --set TriggerMode=On --verbose", "Timeout waiting"},
       {"watch Width -c Mono", "Width="},

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "feature_view.h"
 #include "session.h"
@@ -18,13 +19,24 @@ using Clock = std::chrono::steady_clock;
 class Running {
  public:
   explicit Running(const ovi::Device& device) : device_(device) { device_.start(); }
-  ~Running() { oviStopAcquisition(device_.handle()); }
+  ~Running() { stop(); }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
 
+  oviErr stop() { return std::exchange(stopped_, true) ? OVI_SUCCESS : oviStopAcquisition(device_.handle()); }
+
  private:
   const ovi::Device& device_;
+  bool stopped_ = false;
 };
+
+// Fewer bytes than its size needs, as of a frame whose transfer broke off. A producer that tells no bytes at all, and
+// formats of a maker's own, of which nobody knows how much they need, are taken for whole.
+bool isPartial(const ovi::Image& image) {
+  constexpr std::uint32_t kOfMaker = 0x80000000;
+  return image.size() != 0 && (image.pixelFormat() & kOfMaker) == 0 &&
+         image.size() < std::uint64_t{image.linePitch()} * image.height();
+}
 
 double seconds(Clock::duration duration) {
   return std::chrono::duration<double>(duration).count();
@@ -35,28 +47,62 @@ class Counter {
  public:
   explicit Counter(Ledger& ledger) : ledger_(ledger) {}
 
-  void count(const ovi::Image& image) {
+  void count(const ovi::Image& image, const AcquisitionReports& reports) {
     const Clock::time_point now = Clock::now();
     ++ledger_.delivered;
     ledger_.bytes += image.size();
-    if (known_ && image.frameID() > lastID_ + 1)
-      ledger_.missing += image.frameID() - lastID_ - 1;
     if (known_)
       ledger_.longestGap = std::max(ledger_.longestGap, seconds(now - last_));
-    const double latency = seconds(now.time_since_epoch() - image.timestamp());
-    latencies_ += std::max(0.0, latency);
-    ledger_.latency = latencies_ / static_cast<double>(ledger_.delivered);
-    lastID_ = image.frameID();
-    known_ = true;
+    countLatency(now, image, reports);
+    countFrame(image.frameID());
     last_ = now;
   }
 
+  void countIncomplete() {
+    ++ledger_.incomplete;
+    ++incompleteSince_;
+  }
+
  private:
+  // IDs that are left out belong to images that were incomplete, or lost. An ID from a little before is that of an
+  // image which was overtaken; from long before, the camera began to count again.
+  void countFrame(std::uint64_t id) {
+    constexpr std::int64_t kOvertaking = 64;
+    const auto step = known_ ? static_cast<std::int64_t>(id - lastID_) : 1;
+    if (step < 0 && step > -kOvertaking) {
+      ++ledger_.late;
+      ledger_.lost -= ledger_.lost > 0 ? 1U : 0U;
+      return;
+    }
+    const auto leftOut = static_cast<std::uint64_t>(std::max<std::int64_t>(step - 1, 0));
+    ledger_.lost += leftOut - std::min(leftOut, incompleteSince_);
+    incompleteSince_ = 0;
+    lastID_ = id;
+    known_ = true;
+  }
+
+  // The mean is of one kind of time stamp: of the camera's as soon as an image has one.
+  void countLatency(Clock::time_point now, const ovi::Image& image, const AcquisitionReports& reports) {
+    const std::optional<Clock::time_point> taken = reports.cameraTime ? reports.cameraTime(image) : std::nullopt;
+    if (!taken && ledger_.ofCamera)
+      return;
+    if (taken && !ledger_.ofCamera) {
+      ledger_.ofCamera = true;
+      latencies_ = 0;
+      measured_ = 0;
+    }
+    const Clock::duration latency = taken ? now - *taken : now.time_since_epoch() - image.timestamp();
+    latencies_ += std::max(0.0, seconds(latency));
+    ledger_.latency = latencies_ / static_cast<double>(++measured_);
+  }
+
   Ledger& ledger_;
   bool known_ = false;
   std::uint64_t lastID_ = 0;
+  std::uint64_t incompleteSince_ = 0;  // the image with that ID
   Clock::time_point last_;
   double latencies_ = 0;
+  std::uint64_t measured_ = 0;
 };
 
 bool isEnough(const AcquisitionOptions& options, const Ledger& ledger) {
@@ -72,7 +118,7 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
   Ledger ledger;
   Counter counter(ledger);
   const ovi::Stream stream = device.openStream(options.buffers);
-  const Running running(device);
+  Running running(device);
   const Clock::time_point start = Clock::now();
   Clock::time_point lastSign = start;
   while (!isEnough(options, ledger)) {
@@ -80,12 +126,14 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
     const std::unique_ptr<ovi::Image> image = stream.tryNext(std::min(options.timeout, kLongestWait), error);
     const Clock::time_point now = Clock::now();
     ledger.seconds = seconds(now - start);
-    if (image) {
-      counter.count(*image);
+    if (image && isPartial(*image)) {
+      counter.countIncomplete();
+    } else if (image) {
+      counter.count(*image, reports);
       if (reports.image)
         reports.image(*image, ledger);
     } else if (error.value() == OVI_ERR_INVALID_BUFFER) {
-      ++ledger.incomplete;
+      counter.countIncomplete();
     } else if (error.value() != OVI_ERR_TIMEOUT) {
       throw ToolError("waiting for an image failed: " + error.message(), "the same command with --verbose");
     } else {
@@ -104,8 +152,12 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
       reports.progress(stream, ledger);
   }
   ledger.seconds = seconds(Clock::now() - start);
-  const std::uint64_t underruns = stream.statistics().underruns;
-  ledger.underruns = underruns == ~std::uint64_t{0} ? 0 : underruns;
+  ledger.silence = seconds(Clock::now() - lastSign);
+  oviAcquistionStatistics counters{};  // Of a camera that is gone they may not be told.
+  if (oviGetAcquisitionStatistics(stream.handle(), &counters) == OVI_SUCCESS && counters.underruns != ~std::uint64_t{0})
+    ledger.underruns = counters.underruns;
+  if (const oviErr stopped = running.stop(); stopped != OVI_SUCCESS)
+    ledger.stopError = ovi::makeErrorCode(stopped).message();
   return ledger;
 }
 

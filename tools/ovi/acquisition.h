@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 
 #include "module_view.h"
@@ -14,30 +15,37 @@
 namespace tool {
 
 /// What happened to the images of one acquisition. Every image that the camera made between the first and the last one
-/// delivered is in delivered, incomplete, noBuffer or onTheWay.
+/// delivered is in delivered, incomplete, noBuffer or onTheWay, as its frame IDs tell.
 struct Ledger {
   std::uint64_t delivered = 0;
   std::uint64_t incomplete = 0;  ///< came without all of their data
-  std::uint64_t missing = 0;     ///< frame IDs that were not delivered, whatever the reason
+  std::uint64_t lost = 0;        ///< did not come at all
+  std::uint64_t late = 0;        ///< delivered, but after one that was made later
   std::uint64_t underruns = 0;   ///< no buffer was free for them, as the producer counts
   std::uint64_t badPattern = 0;  ///< delivered, but not showing the test pattern
   std::uint64_t bytes = 0;
   double seconds = 0;
-  double latency = 0;     ///< seconds from the library's time stamp to the program, the mean
+  double latency = 0;     ///< seconds from an image's time stamp to the program, the mean
   double longestGap = 0;  ///< seconds between two images
+  double silence = 0;     ///< seconds from the last image, whole or not, to the end
+  bool ofCamera = false;  ///< the time stamps are the camera's; else the library's
   bool timedOut = false;
-  bool waiting = false;  ///< no image for half a second
+  bool waiting = false;   ///< no image for half a second
+  std::string stopError;  ///< why the camera could not be stopped in the end; empty when it could
 
   double framesPerSecond() const { return seconds > 0 ? static_cast<double>(delivered) / seconds : 0.0; }
   double bytesPerSecond() const { return seconds > 0 ? static_cast<double>(bytes) / seconds : 0.0; }
-  std::uint64_t lost() const { return missing > incomplete ? missing - incomplete : 0; }
-  std::uint64_t noBuffer() const { return std::min(lost(), underruns); }
-  std::uint64_t onTheWay() const { return lost() - noBuffer(); }
-  std::uint64_t made() const { return delivered + incomplete + lost(); }
+  std::uint64_t noBuffer() const { return std::min(lost, underruns); }
+  std::uint64_t onTheWay() const { return lost - noBuffer(); }
+  std::uint64_t made() const { return delivered + incomplete + lost; }
+  /// Whether images stopped coming, long before the end for their rate.
+  bool fellSilent() const;
 };
 
 /// "250.0 frames/s, 19.2 MB/s"
 std::string rateText(const Ledger& ledger);
+/// "12 us from the library's time stamp"
+std::string latencyText(const Ledger& ledger);
 /// The losses in numbers.
 std::string lossText(const Ledger& ledger);
 /// What the ledger means and what to do about it.
@@ -56,6 +64,8 @@ struct AcquisitionOptions {
 struct AcquisitionReports {
   std::function<void(const ovi::Image&, Ledger&)> image;  ///< may count what it finds wrong with the image
   std::function<void(const ovi::Stream&, const Ledger&)> progress;
+  /// When the camera took its time stamp of an image, where that is known.
+  std::function<std::optional<std::chrono::steady_clock::time_point>(const ovi::Image&)> cameraTime;
 };
 
 /// Takes images until enough came, the time is over, no image came within the time-out, or the user interrupts. The

@@ -14,7 +14,10 @@ SaveFormat saveFormatFromText(const std::string& text) {
     return SaveFormat::kPng;
   if (equalsIgnoringCase(text, "raw"))
     return SaveFormat::kRaw;
-  throw ToolError("there is no image format \"" + text + "\"", "--format png, raw or none", ExitCode::kUsage);
+  if (equalsIgnoringCase(text, "none"))
+    return SaveFormat::kNone;
+  throw ToolError("there is no image format \"" + text + "\"", "--save png, raw or none; --to names the folder",
+                  ExitCode::kUsage);
 }
 
 void saveImage(const ovi::Image& image, const std::filesystem::path& file, SaveFormat format) {

@@ -8,9 +8,9 @@
 
 namespace tool {
 
-enum class SaveFormat { kPng, kRaw };
+enum class SaveFormat { kNone, kPng, kRaw };
 
-/// "png" or "raw". Throws ToolError.
+/// "png", "raw" or "none". Throws ToolError.
 SaveFormat saveFormatFromText(const std::string& text);
 
 /// Writes one image. Throws ToolError.

@@ -14,8 +14,21 @@ std::string countText(std::uint64_t count, const char* singular, const char* plu
 
 }  // namespace
 
+bool Ledger::fellSilent() const {
+  constexpr double kUsual = 5;  // times the mean of the time between two
+  const std::uint64_t came = delivered + incomplete;
+  return waiting && came > 0 && silence > kUsual * (seconds - silence) / static_cast<double>(came);
+}
+
 std::string rateText(const Ledger& ledger) {
   return fixedText(ledger.framesPerSecond(), 1) + " frames/s, " + fixedText(ledger.bytesPerSecond() / 1e6, 1) + " MB/s";
+}
+
+std::string latencyText(const Ledger& ledger) {
+  constexpr double kMillisecond = 1e-3;
+  const std::string time = ledger.latency < kMillisecond ? fixedText(ledger.latency * 1e6, 0) + " us"
+                                                         : fixedText(ledger.latency * 1e3, 1) + " ms";
+  return time + " from the " + (ledger.ofCamera ? "camera's" : "library's") + " time stamp";
 }
 
 std::string lossText(const Ledger& ledger) {
@@ -31,7 +44,7 @@ std::string verdictText(const Ledger& ledger) {
   const auto add = [&](const std::string& sentence) { text += (text.empty() ? "" : "; ") + sentence; };
   if (ledger.noBuffer() > 0)
     add(countText(ledger.noBuffer(), "image", "images") +
-        " found no free buffer: this program or the disk was too slow. More --buffers, a lower frame rate or --format "
+        " found no free buffer: this program or the disk was too slow. More --buffers, a lower frame rate or --save "
         "raw help");
   if (ledger.onTheWay() > 0)
     add(countText(ledger.onTheWay(), "image", "images") +
@@ -42,6 +55,12 @@ std::string verdictText(const Ledger& ledger) {
   if (ledger.badPattern > 0)
     add(countText(ledger.badPattern, "image", "images") +
         " did not show the test pattern: data were changed on the way");
+  if (ledger.late > 0)
+    add(countText(ledger.late, "image", "images") + " came after one that was made later");
+  if (ledger.stopError.empty() && ledger.fellSilent())
+    add("no image came in the last " + fixedText(ledger.silence, 1) + " s");
+  if (!ledger.stopError.empty())
+    add("the camera could not be stopped (" + ledger.stopError + "): its cable, its power or the link may have failed");
   return text.empty() ? "every image arrived whole" : text;
 }
 
@@ -53,13 +72,17 @@ nlohmann::ordered_json ledgerJson(const Ledger& ledger) {
   json["bytes"] = ledger.bytes;
   json["bytesPerSecond"] = ledger.bytesPerSecond();
   json["made"] = ledger.made();
-  json["lost"] = ledger.lost();
+  json["lost"] = ledger.lost;
   json["lostOnTheWay"] = ledger.onTheWay();
   json["incomplete"] = ledger.incomplete;
+  json["withoutBuffer"] = ledger.noBuffer();
+  json["late"] = ledger.late;
   json["underruns"] = ledger.underruns;
   json["badPattern"] = ledger.badPattern;
   json["latencySeconds"] = ledger.latency;
+  json["latencyFrom"] = ledger.ofCamera ? "camera" : "library";
   json["longestGapSeconds"] = ledger.longestGap;
+  json["silenceSeconds"] = ledger.silence;
   json["timedOut"] = ledger.timedOut;
   json["verdict"] = verdictText(ledger);
   return json;

@@ -151,7 +151,7 @@ Picture decodePicture(std::span<const std::uint8_t> data, std::uint32_t width, s
   const Format* format = findFormat(pixelFormat);
   if (format == nullptr)
     throw ToolError("cannot make a picture of pixel format " + pixelFormatName(pixelFormat),
-                    "save the bytes as they are with --format raw, or choose another PixelFormat");
+                    "save the bytes as they are: --save raw, or a file name with .raw; or choose another PixelFormat");
   const std::size_t pixels = static_cast<std::size_t>(width) * height;
   if (pixels == 0 || data.size() < sourceBytes(*format, pixels))
     throw ToolError("the image holds " + std::to_string(data.size()) + " bytes, but " + std::to_string(width) + " x " +

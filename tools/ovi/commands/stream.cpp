@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "acquisition.h"
+#include "camera_time.h"
 #include "commands.h"
 #include "image_saver.h"
 #include "module_view.h"
@@ -19,25 +20,30 @@ namespace tool {
 
 namespace {
 
+constexpr const char* kUsualFolder = "pictures";
+
 struct StreamOptions {
   AcquisitionOptions acquisition;
   std::vector<std::string> cameras;
+  std::string save = "none";
   std::string folder;
-  std::string format = "png";
   std::uint32_t buffers = 0;
   unsigned imageTimeout = 3000;
   bool all = false;
   bool checkPattern = false;
+  bool cameraTime = false;
 };
 
 // One camera's acquisition, on a thread of its own.
 class Run {
  public:
+  /// @param folder  for the images; empty when they are not saved
   Run(Session& session, const Camera& camera, const StreamOptions& options, std::filesystem::path folder)
       : name_(camera.shortName()),
         options_(options),
         json_(session.options().json),
         folder_(std::move(folder)),
+        format_(saveFormatFromText(options.save)),
         view_(session, "device", Use::kControl, camera.id),
         device_(view_.device()),
         acquisition_(options.acquisition) {
@@ -45,6 +51,8 @@ class Run {
     acquisition_.buffers = options.buffers != 0 ? options.buffers : usualBuffers();
     if (options.checkPattern)
       pattern_ = std::make_unique<TestPattern>(device_);
+    if (options.cameraTime)
+      cameraTime_ = std::make_unique<CameraTime>(device_);
     trigger_ = findTrigger(view_);
     acquisition_.patient = !trigger_.text.empty() && (acquisition_.frames == 0 || acquisition_.seconds > 0);
   }
@@ -75,8 +83,8 @@ class Run {
   std::string liveText() const {
     const std::lock_guard lock(mutex_);
     std::string text = std::to_string(ledger_.delivered) + " frames, " + rateText(ledger_) + ", " +
-                       std::to_string(ledger_.lost()) + " lost, " + std::to_string(ledger_.incomplete) +
-                       " incomplete, latency " + fixedText(ledger_.latency * 1e6, 0) + " us";
+                       std::to_string(ledger_.lost) + " lost, " + std::to_string(ledger_.incomplete) +
+                       " incomplete, latency " + latencyText(ledger_);
     if (filled_ >= 0)
       text += ", " + std::to_string(filled_) + " of " + std::to_string(acquisition_.buffers) + " buffers filled";
     if (ledger_.waiting)
@@ -104,6 +112,8 @@ class Run {
       AcquisitionReports reports;
       reports.image = [this](const ovi::Image& image, Ledger& ledger) { take(image, ledger); };
       reports.progress = [this](const ovi::Stream& stream, const Ledger& ledger) { publish(stream, ledger); };
+      if (cameraTime_)
+        reports.cameraTime = [this](const ovi::Image& image) { return cameraTime_->of(image); };
       result = acquire(device_, acquisition_, reports);
     } catch (...) {
       failure_ = std::current_exception();
@@ -119,9 +129,8 @@ class Run {
       ++ledger.badPattern;
     if (folder_.empty())
       return;
-    const SaveFormat format = saveFormatFromText(options_.format);
-    const std::filesystem::path file = folder_ / imageFileName(image, format);
-    saveImage(image, file, format);
+    const std::filesystem::path file = folder_ / imageFileName(image, format_);
+    saveImage(image, file, format_);
     if (!json_)
       printData(pathText(file));
   }
@@ -141,10 +150,12 @@ class Run {
   const StreamOptions& options_;
   bool json_;
   std::filesystem::path folder_;
+  SaveFormat format_;
   ModuleView view_;
   const ovi::Device& device_;
   AcquisitionOptions acquisition_;
   std::unique_ptr<TestPattern> pattern_;
+  std::unique_ptr<CameraTime> cameraTime_;
   PatternCheck check_;
   Trigger trigger_;
   std::exception_ptr failure_;
@@ -195,7 +206,7 @@ void showProgress(ProgressLine& line, const std::vector<std::unique_ptr<Run>>& r
   line.show(fraction, text);
 }
 
-void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& runs) {
+void summarise(const Session& session, const StreamOptions& options, const std::vector<std::unique_ptr<Run>>& runs) {
   nlohmann::ordered_json all = nlohmann::ordered_json::array();
   for (const auto& run : runs) {
     const Ledger ledger = run->ledger();
@@ -206,7 +217,10 @@ void summarise(const Session& session, const std::vector<std::unique_ptr<Run>>& 
       continue;
     printNote((runs.size() == 1 ? "" : run->name() + ": ") + std::to_string(ledger.delivered) +
               (ledger.delivered == 1 ? " frame in " : " frames in ") + fixedText(ledger.seconds, 2) + " s, " +
-              rateText(ledger) + "; " + lossText(ledger));
+              rateText(ledger) + (ledger.delivered == 0 ? "" : ", latency " + latencyText(ledger)) + "; " +
+              lossText(ledger));
+    if (options.cameraTime && !ledger.ofCamera && ledger.delivered > 0)
+      printNote("the images carried no time stamp of the camera");
     printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger) +
               (interrupted() && ledger.delivered == 0 ? run->trigger().reason() : ""));
   }
@@ -220,13 +234,18 @@ void failForRuns(const Session& session, const StreamOptions& options, const std
       std::rethrow_exception(run->failure());
   for (const auto& run : runs) {
     const Ledger ledger = run->ledger();
-    const bool empty = ledger.delivered == 0 && ledger.incomplete == 0 && !interrupted();
-    if (ledger.timedOut || empty)
-      throw ToolError(run->name() + ": no image came " +
+    if (!ledger.stopError.empty())
+      throw ToolError(run->name() + ": the camera could not be stopped: " + ledger.stopError,
+                      session.command("list", {}));
+    const bool none = ledger.delivered == 0 && ledger.incomplete == 0;
+    if (ledger.timedOut || (none && !interrupted()))
+      throw ToolError(run->name() + (none ? ": no image came " : ": no further image came ") +
                           (ledger.timedOut ? "within " + std::to_string(options.imageTimeout) + " ms"
                                            : "in " + fixedText(ledger.seconds, 1) + " s") +
                           run->trigger().reason(),
                       session.command(run->trigger().next(), run->name()));
+    if (ledger.delivered == 0 && !interrupted())
+      throw ToolError(run->name() + ": no image arrived whole", session.command("doctor", {}));
   }
   throwIfInterrupted();
   for (const auto& run : runs)
@@ -236,15 +255,15 @@ void failForRuns(const Session& session, const StreamOptions& options, const std
 }
 
 void stream(Session& session, const StreamOptions& options) {
-  const bool saves = !options.folder.empty() && !equalsIgnoringCase(options.format, "none");
-  if (!equalsIgnoringCase(options.format, "none"))
-    saveFormatFromText(options.format);
+  const bool saves = saveFormatFromText(options.save) != SaveFormat::kNone;
+  if (!saves && !options.folder.empty())
+    throw ToolError("--to names a folder, but no image is saved", "--save png or --save raw with it", ExitCode::kUsage);
   const std::vector<const Camera*> cameras = chosenCameras(session, options);
   std::vector<std::unique_ptr<Run>> runs;
   for (const Camera* camera : cameras) {
     std::filesystem::path folder;
     if (saves) {
-      const std::filesystem::path base = pathFromText(options.folder);
+      const std::filesystem::path base = pathFromText(options.folder.empty() ? kUsualFolder : options.folder);
       folder = makeFolder(cameras.size() == 1 ? base : base / pathFromText(camera->shortName()));
     }
     runs.push_back(std::make_unique<Run>(session, *camera, options, folder));
@@ -261,7 +280,7 @@ void stream(Session& session, const StreamOptions& options) {
   }
   for (const auto& run : runs)
     run->join();
-  summarise(session, runs);
+  summarise(session, options, runs);
   failForRuns(session, options, runs);
 }
 
@@ -273,13 +292,16 @@ void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   addNumberOption(*command, "-n,--frames", options->acquisition.frames, "N",
                   "Number of images; without it until Ctrl-C");
   addNumberOption(*command, "-s,--seconds", options->acquisition.seconds, "SECONDS", "For so long at most");
-  command->add_option("--save", options->folder, "Folder to save every image in")->type_name("DIR");
-  command->add_option("--format", options->format, "png, raw or none")->type_name("FORMAT");
+  command->add_option("--save", options->save, "Save every image: png, raw or none; none when not given")
+      ->type_name("FORMAT");
+  command->add_option("--to", options->folder, "Folder to save them in; pictures when not given")->type_name("DIR");
   addNumberOption(*command, "--buffers", options->buffers, "N",
                   "Buffers of the stream; 16 when not given, more for saving");
   addNumberOption(*command, "--image-timeout", options->imageTimeout, "MS",
                   "Milliseconds without an image that end it");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
+  command->add_flag("--camera-time", options->cameraTime,
+                    "Have the camera send its time stamps, and count the latency from them");
   command
       ->add_option("-c,--camera", options->cameras,
                    "Number, serial number, user-defined name, model or ID; may be "
@@ -288,9 +310,9 @@ void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
       ->allow_extra_args(false);
   command->add_flag("--all", options->all, "All cameras at once");
   command->footer(
-      "Examples:\n  ovi stream --frames 100\n  ovi stream --frames 10 --save pictures --format png\n"
+      "Examples:\n  ovi stream --frames 100\n  ovi stream --frames 10 --save png --to pictures\n"
       "  ovi stream --seconds 60 --check-pattern --json\n  ovi stream --camera 1 --camera 2 --seconds 10\n"
-      "  ovi stream --frames 10 --set PixelFormat=Mono12p --save pictures");
+      "  ovi stream --frames 10 --set PixelFormat=Mono12p --save png");
   command->callback([=, &action] { action = [=](Session& session) { stream(session, *options); }; });
 }
 
