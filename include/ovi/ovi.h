@@ -32,6 +32,11 @@
 #include <stdint.h>
 
 /** @cond */
+/* A system header of mingw-w64, by way of windows.h's ras.h, makes a number of what is a member's name here. */
+#if defined(maxStringLength)
+#undef maxStringLength
+#endif
+
 #if defined(_WIN32)
 #if defined(OVI_BUILDING_LIBRARY)
 #define OVI_API __declspec(dllexport)
