@@ -8,33 +8,33 @@
 
 namespace {
 
-void record(const ovi::Device& camera, std::uint64_t images) {
+void record(const ovi::Device& camera, const ovi::Recorder& recorder, std::uint64_t images) {
   const ovi::Stream stream = camera.openStream();
-  ovi::check(oviNimboSetFrameRate(camera.handle(), 0), "set the rate of recording");  // 0: every image
-  ovi::check(oviNimboStartRecording(camera.handle()), "start recording");
+  recorder.setFrameRate(0);  // every image
+  recorder.start();
   ovi::Acquisition acquisition = camera.acquire();
   for (const ovi::Image& image : stream.images(images))
     std::printf("live: frame %" PRIu64 "\n", image.frameID());
   acquisition.stop();
-  ovi::check(oviNimboStopRecording(camera.handle()), "stop recording");
+  recorder.stop();
 }
 
-void play(const ovi::Device& camera) {
+void play(const ovi::Recorder& recorder) {
   OviVirtualRecordsInfo info{};
   OviVirtualRecordingData recording{};
-  ovi::check(oviNimboOpenRecordings(camera.handle(), &info), "open the recordings");
-  ovi::check(oviNimboSelectRecording(camera.handle(), info.recordings - 1), "select the last recording");
-  ovi::check(oviNimboGetRecordingData(camera.handle(), info.recordings - 1, &recording), "describe the recording");
+  recorder.open(&info);
+  recorder.select(info.recordings - 1);  // the last one
+  recorder.readDescription(info.recordings - 1, &recording);
   for (std::uint32_t i = 0; i < recording.images; ++i) {
     OviVirtualRecordedImage image{};
     image.index = OVI_VIRTUAL_NEXT_IMAGE;
-    const std::uint64_t reference = oviNimboReadRecording(camera.handle(), &image);
-    if (reference == 0)
+    void* const reference = recorder.readImage(&image);
+    if (reference == nullptr)
       throw std::runtime_error("an image of the recording cannot be read");
     std::printf("recorded: frame %" PRIu64 ", %u x %u\n", image.frameId, image.width, image.height);
-    ovi::check(oviNimboFreeRecordImage(camera.handle(), reinterpret_cast<void*>(reference)), "give the image back");
+    recorder.release(reference);
   }
-  ovi::check(oviNimboCloseRecordings(camera.handle()), "close the recordings");
+  recorder.close();
 }
 
 }  // namespace
@@ -48,12 +48,14 @@ int main() {
       return 1;
     }
     const ovi::Device camera(cameras.front().deviceID);
-    if (!oviNimboIsRecordingAvailable(camera.handle())) {
-      std::fprintf(stderr, "the producer of %s cannot record\n", cameras.front().displayName);
+    const ovi::Recorder recorder(camera);
+    if (!recorder.isAvailable()) {
+      std::fprintf(stderr, "the producer of %s cannot record; the virtual camera's in the folder \"recording\" can\n",
+                   cameras.front().displayName);
       return 1;
     }
-    record(camera, 5);
-    play(camera);
+    record(camera, recorder, 5);
+    play(recorder);
     return 0;
   } catch (const std::exception& error) {  // ovi::Error, and what the recording functions throw without a producer
     std::fprintf(stderr, "%s\n", error.what());

@@ -131,6 +131,39 @@ TEST_F(Wrapper, FeaturesHaveTypes) {
   EXPECT_EQ(tree.front().depth, 0U);
 }
 
+TEST_F(Wrapper, ScansCallAFunctionOfAnyKind) {
+  const ovi::Device device(camera("KV032003"));
+  std::size_t images = 0;
+  ovi::scanImages(device, 3, [&](const std::uint8_t* pixels, const ovi::ImageInfo& info, bool ok) {
+    images += pixels != nullptr && ok && info.width == 320 ? 1U : 0U;
+  });
+  EXPECT_EQ(images, 3U);
+  EXPECT_THROW(ovi::scanMinutes(device, 1, [](auto&&...) { throw std::runtime_error("mine"); }), std::runtime_error)
+      << "it ends the scan";
+  std::vector<std::uint8_t> pixels(device.imageSize());
+  EXPECT_EQ(ovi::scanImage(device, pixels.data()).height, 240U);
+  EXPECT_EQ(codeOf([&] { ovi::scanStreams(device, 0, nullptr); }), ovi::Errc::kInvalidParameter);
+}
+
+TEST_F(Wrapper, TheRestOfTheInterfaceIsThere) {
+  const ovi::Device device(camera("KV032003"));
+  EXPECT_EQ(std::string(device["PixelFormat"].entry().stringValue), device["PixelFormat"].asString());
+  EXPECT_EQ(codeOf([&] { device["PixelFormat"].entry("NoSuchFormat"); }), ovi::Errc::kNotFound);
+  EXPECT_EQ(device["Width"].accessMode(), static_cast<std::uint32_t>(OVI_ACCESS_READ_WRITE));
+  EXPECT_TRUE(device.isLittleEndian());
+  EXPECT_FALSE(device.usesKitharaProducer());
+  EXPECT_FALSE(ovi::Recorder(device).isAvailable());
+  EXPECT_STRNE(device.streamInfo(0).id, "");
+  std::uint32_t bytes = 0;
+  device.readMemory(0x10830, reinterpret_cast<std::uint8_t*>(&bytes), sizeof(bytes));
+  EXPECT_EQ(std::stoul(device.readRegister("x10830"), nullptr, 16), bytes);
+  const oviTLProducerInfos info = library_.producerInfo(library_.producers().front());
+  EXPECT_STRNE(info.displayName, "");
+  library_.setFeatureCachingDisabled(true);
+  EXPECT_TRUE(library_.isFeatureCachingDisabled());
+  library_.setFeatureCachingDisabled(false);
+}
+
 TEST_F(Wrapper, AWatchEndsWithItsLastCall) {
   const ovi::Device device(camera("KV032003"));
   std::promise<void> entered;
