@@ -75,5 +75,6 @@ out why a camera does not work."
 that can be proved.")
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
     "${debian_dir}/symbols" "${debian_dir}/triggers" "${debian_out}/shlibs")
+  set(CPACK_POST_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/OviWithoutLdconfig.cmake")
 endif()
 include(CPack)

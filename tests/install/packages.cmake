@@ -18,8 +18,14 @@ foreach(package IN ITEMS libovi0 libovi-dev ovi-tools ovi-virtual-camera)
   run(dpkg-deb --extract "${file}" "${root}")
 endforeach()
 
-# The list of symbols by which other packages find out which version they need.
+# The system's own trigger tells the loader of the library.
 file(GLOB library "${SCRATCH}/libovi0_*.deb")
+run(dpkg-deb --control "${library}" "${SCRATCH}/control")
+if(NOT EXISTS "${SCRATCH}/control/triggers" OR EXISTS "${SCRATCH}/control/postinst")
+  message(FATAL_ERROR "the library's package calls ldconfig itself, or nobody does")
+endif()
+
+# The list of symbols by which other packages find out which version they need.
 run(dpkg-deb --info "${library}" symbols)
 string(REGEX MATCHALL "[A-Za-z0-9_]+@Base" listed "${output}")
 list(TRANSFORM listed REPLACE "@Base" "")
