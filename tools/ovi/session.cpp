@@ -32,20 +32,31 @@ bool sameFolder(const std::filesystem::path& a, const std::filesystem::path& b) 
   return std::filesystem::equivalent(a, b, error) && !error;
 }
 
+// Whether the library would load other producers with this one.
+bool hasNeighbours(const std::filesystem::path& file) {
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(file.parent_path(), error), end; !error && entry != end;
+       entry.increment(error))
+    if (entry->path().extension() == file.extension() && entry->path().filename() != file.filename())
+      return true;
+  return false;
+}
+
 Camera describe(const ovi::DeviceInfo& info, std::size_t number) {
   Camera camera;
   camera.number = number;
   camera.id = fromLibraryText(info.deviceID);
-  camera.displayName = fromLibraryText(info.displayName);
-  camera.model = fromLibraryText(info.model);
-  camera.vendor = fromLibraryText(info.vendor);
-  camera.serial = fromLibraryText(info.serialNumber);
-  camera.userName = fromLibraryText(info.userDefinedName);
-  camera.version = fromLibraryText(info.version);
+  const auto shown = [](const char* text) { return printable(fromLibraryText(text)); };
+  camera.displayName = shown(info.displayName);
+  camera.model = shown(info.model);
+  camera.vendor = shown(info.vendor);
+  camera.serial = shown(info.serialNumber);
+  camera.userName = shown(info.userDefinedName);
+  camera.version = shown(info.version);
   camera.tlType = fromLibraryText(info.tlType);
-  camera.interfaceName = fromLibraryText(info.interfaceDisplayName);
+  camera.interfaceName = shown(info.interfaceDisplayName);
   camera.interfaceId = fromLibraryText(info.interfaceID);
-  camera.producerName = fromLibraryText(info.tlDisplayName);
+  camera.producerName = shown(info.tlDisplayName);
   camera.producerPath = fromLibraryText(info.tlPathName);
   camera.accessStatus = info.accessStatus;
   camera.isVirtual = pathFromText(camera.producerPath).filename() == kVirtualProducer;
@@ -67,6 +78,11 @@ std::string Camera::shortName() const {
   if (!serial.empty())
     return serial;
   return userName.empty() ? id : userName;
+}
+
+bool libraryCanName(const std::string& folder) {
+  return fromLibraryText(toLibraryText(folder)) == folder &&
+         folder.find_first_of(searchPathSeparators()) == std::string::npos;
 }
 
 std::string accessText(std::uint32_t accessStatus) {
@@ -106,6 +122,8 @@ std::vector<std::string> Session::takeMessages() {
   const std::lock_guard lock(messageMutex_);
   std::vector<std::string> taken(messages_.begin(), messages_.end());
   messages_.clear();
+  for (std::string& message : taken)
+    message = withOwnPath(std::move(message));
   return taken;
 }
 
@@ -114,7 +132,13 @@ std::string Session::searchPath() const {
     const std::filesystem::path file = std::filesystem::absolute(pathFromText(options_.producer));
     std::error_code error;
     if (!std::filesystem::exists(file, error))
-      throw ToolError("there is no producer " + pathText(file), "give the path of a .cti file", ExitCode::kUsage);
+      throw ToolError(error ? "the producer " + pathText(file) + " cannot be looked at: " + error.message()
+                            : "there is no producer " + pathText(file),
+                      error ? "let this user read its folder" : "give the path of a .cti file", ExitCode::kUsage);
+    if (const std::filesystem::path only = soleProducer(); !only.empty() && only.extension() != ".cti")
+      throw ToolError("the library loads no file named " + pathText(only.filename()) +
+                          ": the name of a producer ends with .cti, in small letters",
+                      "give the path of a .cti file", ExitCode::kUsage);
     return pathText(std::filesystem::is_directory(file, error) ? file : file.parent_path());
   }
   // The environment's folders are searched anyway; the virtual camera joins them unless it is there already.
@@ -130,33 +154,57 @@ std::string Session::searchPath() const {
   return {};
 }
 
-// A producer that was named by its file shares its folder with others that were not meant. The path that a producer
-// tells may be empty, or another than that of its file.
-bool Session::isOfNeighbour(const Camera& camera) const {
-  std::error_code error;
+std::filesystem::path Session::soleProducer() const {
   const std::filesystem::path wanted = pathFromText(options_.producer);
-  const std::filesystem::path told = pathFromText(camera.producerPath).filename();
-  return !wanted.empty() && !told.empty() && told != wanted.filename() &&
-         !std::filesystem::is_directory(wanted, error) && std::filesystem::exists(wanted.parent_path() / told, error);
+  std::error_code error;
+  return wanted.empty() || std::filesystem::is_directory(wanted, error) ? std::filesystem::path()
+                                                                        : std::filesystem::absolute(wanted);
+}
+
+// The folder as the library can take it: one with a single producer when only that is meant, or when the library could
+// not be told the name of the folder.
+std::string Session::libraryPath(const std::string& folder) {
+  std::filesystem::path only = soleProducer();
+  if (only.empty() && !folder.empty() && options_.producer.empty() && !libraryCanName(folder))
+    only = pathFromText(folder) / kVirtualProducer;
+  if (!only.empty() && (!libraryCanName(folder) || hasNeighbours(only))) {
+    sole_ = std::make_unique<SoleProducer>(only);
+    soleHome_ = pathText(only.parent_path());
+    takeMessages();
+  }
+  const std::string path = sole_ ? pathText(sole_->folder()) : folder;
+  if (!libraryCanName(path))
+    throw ToolError("the library cannot be told of the folder " + path +
+                        ": its name has letters that this system's code page lacks, or separates folders",
+                    "rename the folder, or name one producer in it: --producer FILE.cti");
+  return path;
+}
+
+// What the library says about the folder of a single producer is meant about the producer's own.
+std::string Session::withOwnPath(std::string text) const {
+  if (!sole_)
+    return text;
+  const std::string folder = pathText(sole_->folder());
+  for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos; at += soleHome_.size())
+    text.replace(at, folder.size(), soleHome_);
+  return text;
 }
 
 const std::vector<Camera>& Session::cameras() {
   if (cameras_)
     return *cameras_;
+  const std::string path = toLibraryText(libraryPath(searchPath()));
   ProgressLine line;
   const auto show = [&](const oviDiscoveryInfo& info) {
     line.show(info.progress / 100.0, "searching, " + std::to_string(info.deviceCount) + " found");
   };
-  const std::vector<ovi::DeviceInfo> found = library_->discover(
-      std::chrono::milliseconds(options_.timeout), show, toLibraryText(searchPath()), !options_.producer.empty());
+  const std::vector<ovi::DeviceInfo> found =
+      library_->discover(std::chrono::milliseconds(options_.timeout), show, path, !options_.producer.empty());
   line.clear();
   cameras_.emplace();
   for (const ovi::DeviceInfo& info : found) {
-    Camera camera = describe(info, cameras_->size() + 1);
-    if (isOfNeighbour(camera))
-      continue;
-    camera.number = cameras_->size() + 1;
-    cameras_->push_back(std::move(camera));
+    cameras_->push_back(describe(info, cameras_->size() + 1));
+    cameras_->back().producerPath = withOwnPath(cameras_->back().producerPath);
   }
   return *cameras_;
 }
@@ -257,7 +305,7 @@ std::string Session::command(const std::string& words, const std::string& camera
 std::vector<std::string> Session::producers() {
   std::vector<std::string> paths = library_->producers();
   for (std::string& path : paths)
-    path = fromLibraryText(path);
+    path = withOwnPath(fromLibraryText(path));
   return paths;
 }
 
@@ -271,12 +319,19 @@ std::vector<std::string> Session::folders() const {
 }
 
 std::string Session::explainNoCameras() {
+  const std::filesystem::path only = soleProducer();
   const std::vector<std::string> searched = folders();
   std::string text = "  searched: ";
-  text += searched.empty() ? "no folder at all; GENICAM_GENTL64_PATH is not set" : join(searched, ", ");
+  if (!only.empty())
+    text += "this producer alone: " + pathText(only);
+  else
+    text += searched.empty() ? "no folder at all; GENICAM_GENTL64_PATH is not set" : join(searched, ", ");
   const std::vector<std::string> files = producers();
-  text +=
-      "\n  producers: " + (files.empty() ? std::string("none (no *.cti file in these folders)") : join(files, ", "));
+  text += "\n  producers: ";
+  if (!files.empty())
+    text += join(files, ", ");
+  else
+    text += only.empty() ? "none (no *.cti file in these folders)" : "none (the library loads no file of this name)";
   for (const std::string& message : takeMessages())
     if (!message.starts_with("timeout discovery"))
       text += "\n  " + message;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -10,6 +11,7 @@
 
 #include "interrupt.h"
 #include "ovi/ovi.hpp"
+#include "sole_producer.h"
 
 namespace tool {
 
@@ -17,7 +19,7 @@ namespace tool {
 struct CommonOptions {
   bool json = false;
   bool verbose = false;
-  std::string producer;                  ///< one producer file; then no other is used
+  std::string producer;                  ///< a producer file or a folder of them; then no other is used
   std::string camera;                    ///< which camera is meant; may be empty
   std::vector<std::string> assignments;  ///< FEATURE=VALUE, set on every camera that is opened
   unsigned timeout = 1000;
@@ -49,6 +51,9 @@ struct Camera {
 /// "available", "in use by another program", ... for a GenTL access status.
 std::string accessText(std::uint32_t accessStatus);
 
+/// Whether the library can be told of the folder: it takes narrow text, and several folders in one.
+bool libraryCanName(const std::string& folder);
+
 /// What a command does with the camera that it opens.
 enum class Use {
   kRead,    ///< looks only; a camera that another program holds is opened for reading, when its producer lets us
@@ -76,10 +81,13 @@ class Session {
   /// The same with this camera instead of the one that was given.
   std::string command(const std::string& words, const std::string& camera) const;
 
-  /// Folders that are searched for producers.
+  /// Folders that are searched for producers; of a single producer that is meant, its own.
   std::vector<std::string> folders() const;
 
-  /// Producer files on the search path.
+  /// The one producer file that is meant; empty when a folder or nothing was named.
+  std::filesystem::path soleProducer() const;
+
+  /// Producer files on the search path, as the library finds them.
   std::vector<std::string> producers();
 
   /// What the library logged as warnings and errors since the last call.
@@ -91,11 +99,14 @@ class Session {
  private:
   void remember(ovi::LogLevel level, std::string_view message);
   std::string searchPath() const;
-  bool isOfNeighbour(const Camera& camera) const;
+  std::string libraryPath(const std::string& folder);
+  std::string withOwnPath(std::string text) const;
 
   CommonOptions options_;
   std::mutex messageMutex_;
   std::deque<std::string> messages_;
+  std::unique_ptr<SoleProducer> sole_;  // outlives the library, which uses it
+  std::string soleHome_;                // the folder that its producer comes from
   std::unique_ptr<ovi::Library> library_;
   std::optional<std::vector<Camera>> cameras_;
 };

@@ -24,8 +24,7 @@ std::string coloured(std::string_view text, Colour colour, bool onTerminal) {
 
 void Table::add(std::vector<std::string> row) {
   for (std::string& cell : row)
-    std::ranges::replace_if(
-        cell, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+    cell = printable(std::move(cell));
   rows_.push_back(std::move(row));
 }
 

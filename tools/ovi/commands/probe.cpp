@@ -5,7 +5,7 @@
 #include "commands.h"
 #include "doctor/producer_probe.h"
 #include "paths.h"
-#include "platform/console.h"
+#include "sole_producer.h"
 #include "terminal.h"
 
 namespace tool {
@@ -16,21 +16,10 @@ void tellLine(const nlohmann::ordered_json& line) {
   printJson(line, -1);
 }
 
-// What the library demands of the machine before it loads a producer of this name. Nothing is loaded: there is no file
-// below a file.
-bool isRefused(const std::string& path) {
-  const std::filesystem::path file = pathFromText(path);
-  const auto info = std::make_unique<oviTLProducerInfos>();
-  const oviErr code =
-      oviGetTLProducerInfobyFilePath(info.get(), toLibraryText(pathText(file / file.filename())).c_str());
-  if (code != OVI_ERR_HYPERVISOR_NOT_DISABLED && code != OVI_ERR_NO_KITHARA_PROCESSORS)
-    return false;
-  tellLine({{"is", "refused"}, {"reason", ovi::makeErrorCode(code).message()}});
-  return true;
-}
-
 void probe(Session& session, const std::string& path) {
-  if (!isRefused(path))
+  if (const std::string reason = refusalOf(pathFromText(path)); !reason.empty())
+    tellLine({{"is", "refused"}, {"reason", reason}});
+  else
     probeProducer(pathFromText(path), std::chrono::milliseconds(session.options().timeout), tellLine);
 }
 
