@@ -16,6 +16,7 @@
 
 #include "paths.h"
 #include "platform/console.h"
+#include "platform/windows/usb.h"
 #include "text.h"
 
 namespace tool {
@@ -74,9 +75,14 @@ void examinePower(Findings& findings) {
   if (IsEqualGUID(*active, kSaver))
     findings.push_back({Level::kNote, "the power plan saves power: images may be lost at high frame rates",
                         "choose the plan \"High performance\" in the power options"});
-  DWORD suspends = 0;
-  if (PowerReadACValueIndex(nullptr, active, &kUsb, &kUsbSuspend, &suspends) == ERROR_SUCCESS && suspends != 0)
-    findings.push_back({Level::kNote, "USB devices may be put to sleep when they are idle, cameras too",
+  DWORD onMains = 0;
+  DWORD onBattery = 0;
+  PowerReadACValueIndex(nullptr, active, &kUsb, &kUsbSuspend, &onMains);
+  PowerReadDCValueIndex(nullptr, active, &kUsb, &kUsbSuspend, &onBattery);
+  if (onMains != 0 || onBattery != 0)
+    findings.push_back({Level::kNote,
+                        std::string("USB devices may be put to sleep when they are idle, cameras too") +
+                            (onMains != 0 ? "" : ", while the machine runs on its battery"),
                         "turn \"USB selective suspend\" off in the power plan's advanced settings"});
 }
 
@@ -94,11 +100,14 @@ Findings examineMachine() {
   Findings findings;
   examineAdapters(findings);
   examinePower(findings);
+  examineUsbControllers(findings);
   return findings;
 }
 
 Findings examineBuses() {
-  return {};
+  Findings findings;
+  examineUsbCameras(findings);
+  return findings;
 }
 
 std::vector<std::pair<std::string, std::string>> machineFacts() {
