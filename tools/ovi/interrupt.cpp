@@ -32,6 +32,9 @@ bool interrupted() {
 void catchInterrupt() {
   std::signal(SIGINT, onInterrupt);
   std::signal(SIGTERM, onInterrupt);
+#ifdef SIGBREAK
+  std::signal(SIGBREAK, onInterrupt);  // Ctrl-Break, and the closing of the window.
+#endif
 }
 
 void throwIfInterrupted() {

@@ -3,12 +3,16 @@
 #include "check/call_watch.h"
 
 #include <array>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <list>
 #include <mutex>
+#include <string>
 #include <thread>
+
+#include "platform/crash_watch.h"
+#include "tool_error.h"
 
 namespace tool::check {
 
@@ -35,12 +39,9 @@ Calls& calls() {
 thread_local std::list<Call>::iterator currentCall;
 thread_local const char* currentFunction = nullptr;
 
-void onCrash(int signal) {
-  if (currentFunction != nullptr)
-    std::fprintf(stderr, "crashed in %s\n", currentFunction);
+void tellPlace() {
+  std::fprintf(stderr, "crashed in %s\n", currentFunction != nullptr ? currentFunction : "a thread of its own");
   std::fflush(stderr);
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
 }
 
 }  // namespace
@@ -57,9 +58,19 @@ WatchedCall::~WatchedCall() {
   currentFunction = nullptr;
 }
 
+void throwOnAs(const char* function) {
+  std::string what = "of unknown type";
+  try {
+    throw;
+  } catch (const std::exception& exception) {
+    what = exception.what();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): there is no more to tell.
+  }
+  throw ToolError(std::string(function) + " threw an exception, which no function of GenTL may: " + what);
+}
+
 void watchCalls(std::chrono::milliseconds limit, std::function<void(const std::string& function)> hung) {
-  for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGILL})
-    std::signal(signal, onCrash);
+  watchCrashes(tellPlace);
   std::thread([limit, hung = std::move(hung)] {
     for (;;) {
       std::this_thread::sleep_for(std::chrono::milliseconds(200));

@@ -22,4 +22,7 @@ class WatchedCall {
 /// A crash leaves "crashed in FUNCTION" on standard error before it takes its course.
 void watchCalls(std::chrono::milliseconds limit, std::function<void(const std::string& function)> hung);
 
+/// Throws the exception that just left a function of a producer as ToolError, with the function's name.
+[[noreturn]] void throwOnAs(const char* function);
+
 }  // namespace tool::check

@@ -35,7 +35,11 @@ class Function<GC_ERROR(GC_CALLTYPE*)(Args...)> {
     if (pointer_ == nullptr)
       return GC_ERR_NOT_IMPLEMENTED;
     const WatchedCall watch(name_);
-    return pointer_(args...);
+    try {
+      return pointer_(args...);
+    } catch (...) {
+      throwOnAs(name_);
+    }
   }
 
  private:

@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -68,6 +69,30 @@ void openForChild(const std::filesystem::path& file, Handle& handle) {
                              FILE_ATTRIBUTE_TEMPORARY, nullptr);
 }
 
+constexpr DWORD kFirstException = 0xC0000000;
+
+// What ended a process, by the exit code that the system gave it.
+std::string exceptionText(DWORD code) {
+  struct Exception {
+    DWORD code;
+    const char* text;
+  };
+  static constexpr std::array kExceptions = {Exception{0xC0000005, "access violation"},
+                                             Exception{0xC000001D, "illegal instruction"},
+                                             Exception{0xC0000094, "division by zero"},
+                                             Exception{0xC00000FD, "stack overflow"},
+                                             Exception{0xC0000135, "a library that it needs is not there"},
+                                             Exception{0xC0000142, "a library failed to start"},
+                                             Exception{0xC0000374, "the heap was damaged"},
+                                             Exception{0xC0000409, "it aborted"}};
+  for (const Exception& exception : kExceptions)
+    if (exception.code == code)
+      return exception.text;
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "exception 0x%08lX", static_cast<unsigned long>(code));
+  return text.data();
+}
+
 }  // namespace
 
 ChildResult runChild(const std::filesystem::path& program, const std::vector<std::string>& arguments,
@@ -110,9 +135,9 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
       DWORD code = 0;
       GetExitCodeProcess(info.hProcess, &code);
       result.exitCode = static_cast<int>(code);
-      result.crashed = code >= 0xC0000000U;
+      result.crashed = code >= kFirstException;
       if (result.crashed)
-        result.crash = code == EXCEPTION_ACCESS_VIOLATION ? "access violation" : "exception " + std::to_string(code);
+        result.crash = exceptionText(code);
     }
   }
   result.output = takeFile(outputFile);

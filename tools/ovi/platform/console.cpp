@@ -64,6 +64,8 @@ void enableEscapeSequences(DWORD which) {
 
 std::FILE* takeStandardOutput(bool showLibraryOutput) {
   const int real = _dup(_fileno(stdout));
+  if (real >= 0)  // What producers start must not hold it open.
+    SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(real)), HANDLE_FLAG_INHERIT, 0);
   std::FILE* data = real < 0 ? nullptr : _fdopen(real, "w");
   if (data == nullptr)
     return stdout;
@@ -153,7 +155,7 @@ const char* searchPathSeparators() {
 #else
 
 std::FILE* takeStandardOutput(bool showLibraryOutput) {
-  const int real = dup(STDOUT_FILENO);
+  const int real = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);  // What producers start must not hold it open.
   std::FILE* data = real < 0 ? nullptr : fdopen(real, "w");
   if (data == nullptr)
     return stdout;

@@ -22,13 +22,37 @@ std::string trimmedReason(std::string text) {
   return text.empty() ? "no reason is given" : text;
 }
 
+// The system's words, or plainer ones.
+std::string whyNotLoaded() {
+#ifdef _WIN32
+  // Windows catches what happens in a library's own start.
+  if (GetLastError() == ERROR_NOACCESS)
+    return "it crashes in its own start";
+#endif
+  return trimmedReason(fromLibraryText(OVI::platform::lastErrorText()));
+}
+
+// The path in narrow text. On Windows a name that the code page lacks has a short one that it does not.
+std::string narrowPath(const std::filesystem::path& file) {
+  const std::string text = pathText(std::filesystem::absolute(file));
+#ifdef _WIN32
+  if (fromLibraryText(toLibraryText(text)) != text) {
+    std::wstring brief(32768, L'\0');
+    brief.resize(
+        GetShortPathNameW(std::filesystem::absolute(file).c_str(), brief.data(), static_cast<DWORD>(brief.size())));
+    if (!brief.empty())
+      return toLibraryText(pathText(std::filesystem::path(brief)));
+  }
+#endif
+  return toLibraryText(text);
+}
+
 }  // namespace
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
-    : handle_(OVI::platform::loadLibrary(toLibraryText(pathText(std::filesystem::absolute(file))))) {
+    : handle_(OVI::platform::loadLibrary(narrowPath(file))) {
   if (handle_ == nullptr)
-    throw ToolError(pathText(file) +
-                    " does not load: " + trimmedReason(fromLibraryText(OVI::platform::lastErrorText())));
+    throw ToolError(pathText(file) + " does not load: " + whyNotLoaded());
 }
 
 DynamicLibrary::~DynamicLibrary() {
