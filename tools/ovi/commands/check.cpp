@@ -131,7 +131,7 @@ void printLine(const ordered_json& line) {
   static constexpr std::array<Colour, 3> kColours = {Colour::kGreen, Colour::kYellow, Colour::kRed};
   const std::string result = line["result"];
   const std::size_t index = result == "pass" ? 0U : result == "warn" ? 1U : 2U;
-  const std::string seen = line.value("seen", "");
+  const std::string seen = printable(line.value("seen", ""));
   printData("  " + coloured(result, kColours.at(index), standardOutputIsTerminal()) + "  " +
             line["rule"].get<std::string>() +
             (seen.empty() ? ""
@@ -145,7 +145,7 @@ std::vector<std::string> knownProducers(const Session& session) {
   std::error_code error;
   for (const std::string& folder : session.folders())
     for (const auto& entry : std::filesystem::directory_iterator(pathFromText(folder), error))
-      if (entry.path().extension() == ".cti")
+      if (entry.path().extension() == ".cti" && entry.is_regular_file(error))
         files.push_back(pathText(entry.path()));
   return files;
 }

@@ -1,5 +1,6 @@
 // ovi doctor: why a camera or an image is missing, and what to do about it.
 #include <array>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -8,6 +9,7 @@
 #include "doctor/cameras.h"
 #include "doctor/producers.h"
 #include "doctor/search_path.h"
+#include "doctor/surroundings.h"
 #include "paths.h"
 #include "platform/console.h"
 #include "platform/machine_settings.h"
@@ -34,9 +36,9 @@ std::string chapterText(const Chapter& chapter, bool terminal) {
     const auto level = static_cast<std::size_t>(finding.level);
     std::string mark = kLevels.at(level);
     mark.resize(8, ' ');
-    text += "  " + coloured(mark, kColours.at(level), terminal) + finding.text + "\n";
+    text += "  " + coloured(mark, kColours.at(level), terminal) + printable(finding.text) + "\n";
     if (!finding.advice.empty())
-      text += "          try: " + finding.advice + "\n";
+      text += "          try: " + printable(finding.advice) + "\n";
   }
   return text;
 }
@@ -109,7 +111,10 @@ Diagnosis diagnose(Session& session) {
     add("Images", "images", examineImages(session, camera));
   }
   line.show(0.9, "looking at the machine", true);
-  add("This machine", "machine", examineMachine());
+  Findings machine = examineSurroundings();
+  Findings settings = examineMachine();
+  machine.insert(machine.end(), std::make_move_iterator(settings.begin()), std::make_move_iterator(settings.end()));
+  add("This machine", "machine", std::move(machine));
   return diagnosis;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "doctor/changed_environment.h"
 #include "paths.h"
 #include "platform/child_process.h"
 #include "platform/console.h"
@@ -29,27 +30,19 @@ std::string childFailure(const ChildResult& child) {
   return {};
 }
 
-// Keeps the folders of harmful producers out of the search of the child that is run meanwhile.
-class SafeSearchPath {
- public:
-  explicit SafeSearchPath(const std::vector<std::filesystem::path>& harmful) : before_(environmentVariable(kName)) {
-    std::vector<std::string> safe;
-    for (const std::string& folder : split(before_, searchPathSeparators()))
-      if (std::ranges::none_of(harmful, [&](const std::filesystem::path& file) {
-            std::error_code error;
-            return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
-          }))
-        safe.push_back(folder);
-    setEnvironmentVariable(kName, join(safe, std::string_view(searchPathSeparators(), 1)));
-  }
-  ~SafeSearchPath() { setEnvironmentVariable(kName, before_); }
-  SafeSearchPath(const SafeSearchPath&) = delete;
-  SafeSearchPath& operator=(const SafeSearchPath&) = delete;
+constexpr const char* kSearchPath = "GENICAM_GENTL64_PATH";
 
- private:
-  static constexpr const char* kName = "GENICAM_GENTL64_PATH";
-  std::string before_;
-};
+// The search path without the folders of harmful producers.
+std::string safeSearchPath(const std::vector<std::filesystem::path>& harmful) {
+  std::vector<std::string> safe;
+  for (const std::string& folder : split(environmentVariable(kSearchPath), searchPathSeparators()))
+    if (std::ranges::none_of(harmful, [&](const std::filesystem::path& file) {
+          std::error_code error;
+          return std::filesystem::equivalent(file.parent_path(), pathFromText(folder), error);
+        }))
+      safe.push_back(folder);
+  return join(safe, std::string_view(searchPathSeparators(), 1));
+}
 
 // What the library says about the cameras that producers tell.
 class LibraryView {
@@ -207,7 +200,7 @@ ordered_json askLibrary(const Session& session, CameraExamination& result) {
 
 CameraExamination examineCameras(const Session& session, const ProducerExamination& producers) {
   CameraExamination result;
-  const SafeSearchPath safe(producers.harmful);
+  const ChangedEnvironment safe(kSearchPath, safeSearchPath(producers.harmful));
   ordered_json list;
   if (loadsAny(session, producers.harmful))
     result.findings.push_back({Level::kNote, "the library's own list was not asked for: it would load what is broken"});

@@ -1,6 +1,7 @@
 // A producer asked about itself and its cameras, in a process that it may take down.
 #include "doctor/producer_probe.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -29,7 +30,7 @@ class Walk {
       return;
     describeProducer();
     TL_HANDLE tl = nullptr;
-    if (succeeds(gentl_.TLOpen, &tl)) {
+    if (succeeds(gentl_.TLOpen, &tl) && isThere("", gentl_.TLOpen.name(), tl)) {
       walkInterfaces(tl);
       succeeds(gentl_.TLClose, tl);
     }
@@ -47,11 +48,29 @@ class Walk {
     const GC_ERROR code = function(args...);
     if (code == GC_ERR_SUCCESS)
       return true;
-    ordered_json fault{{"is", "fault"}, {"function", function.name()}, {"result", resultText(function.exists(), code)}};
+    tellFault(module, function.name(), resultText(function.exists(), code));
+    return false;
+  }
+
+  void tellFault(const std::string& module, const char* function, const std::string& result) {
+    ordered_json fault{{"is", "fault"}, {"function", function}, {"result", result}};
     if (!module.empty())
       fault["module"] = module;
     tell_(fault);
-    return false;
+  }
+  // A handle that a function gave.
+  bool isThere(const std::string& module, const char* function, const void* handle) {
+    if (handle == nullptr)
+      tellFault(module, function, "reported success and gave no handle");
+    return handle != nullptr;
+  }
+  // How many of so many are looked at.
+  std::uint32_t sensible(const std::string& module, const char* function, std::uint32_t count) {
+    constexpr std::uint32_t kMost = 256;
+    if (count > kMost)
+      tellFault(module, function,
+                "told of " + std::to_string(count) + ", of which " + std::to_string(kMost) + " were looked at");
+    return std::min(count, kMost);
   }
 
   std::string resultText(bool exported, GC_ERROR code) const {
@@ -93,7 +112,7 @@ class Walk {
                           {"type", textOf(query, TL_INFO_TLTYPE)}};
     const check::Info major = check::ask(query, TL_INFO_GENTL_VER_MAJOR);
     const check::Info minor = check::ask(query, TL_INFO_GENTL_VER_MINOR);
-    if (major.exists() && minor.exists())
+    if (major.exists() && minor.exists() && major.type == INFO_DATATYPE_UINT32 && minor.type == INFO_DATATYPE_UINT32)
       producer["gentl"] = std::to_string(major.number()) + "." + std::to_string(minor.number());
     tell_(producer);
   }
@@ -104,10 +123,13 @@ class Walk {
     if (!succeeds(gentl_.TLUpdateInterfaceList, tl, &changed, timeout_) ||
         !succeeds(gentl_.TLGetNumInterfaces, tl, &count))
       return;
+    count = sensible("", gentl_.TLGetNumInterfaces.name(), count);
     for (std::uint32_t i = 0; i < count; ++i) {
       const std::string id =
           idOf([&](char* text, std::size_t* size) { return gentl_.TLGetInterfaceID(tl, i, text, size); });
-      if (!id.empty())
+      if (id.empty())
+        tellFault("", gentl_.TLGetInterfaceID.name(), "gave no ID of interface " + std::to_string(i));
+      else
         walkInterface(tl, id);
     }
   }
@@ -117,7 +139,8 @@ class Walk {
       return gentl_.TLGetInterfaceInfo(tl, id.c_str(), command, type, buffer, size);
     };
     IF_HANDLE interface = nullptr;
-    if (!succeedsFor(id, gentl_.TLOpenInterface, tl, id.c_str(), &interface))
+    if (!succeedsFor(id, gentl_.TLOpenInterface, tl, id.c_str(), &interface) ||
+        !isThere(id, gentl_.TLOpenInterface.name(), interface))
       return;
     bool8_t changed = 0;
     std::uint32_t count = 0;
@@ -131,10 +154,13 @@ class Walk {
              {"type", textOf(query, INTERFACE_INFO_TLTYPE)},
              {"cameras", count},
              {"milliseconds", taken}});
+      count = sensible(id, gentl_.IFGetNumDevices.name(), count);
       for (std::uint32_t i = 0; i < count; ++i) {
         const std::string device =
             idOf([&](char* text, std::size_t* size) { return gentl_.IFGetDeviceID(interface, i, text, size); });
-        if (!device.empty())
+        if (device.empty())
+          tellFault(id, gentl_.IFGetDeviceID.name(), "gave no ID of camera " + std::to_string(i));
+        else
           tellCamera(interface, id, device);
       }
     }

@@ -25,11 +25,14 @@ std::string textIn(const ordered_json& object, const char* key) {
 }
 
 // "crashed in FUNCTION" on the standard error of a watched process.
+constexpr std::string_view kCrashMark = "crashed in ";
+
 std::string crashPlace(const std::string& messages) {
-  static constexpr std::string_view kMark = "crashed in ";
-  const std::size_t at = messages.find(kMark);
-  return at == std::string::npos ? std::string()
-                                 : messages.substr(at + kMark.size(), messages.find('\n', at) - at - kMark.size());
+  const std::size_t at = messages.find(kCrashMark);
+  if (at == std::string::npos)
+    return {};
+  const std::size_t start = at + kCrashMark.size();
+  return messages.substr(start, messages.find_first_of("\r\n", at) - start);
 }
 
 std::string adviceForLoading(const ordered_json& answer) {
@@ -39,6 +42,8 @@ std::string adviceForLoading(const ordered_json& answer) {
     missing.push_back(textIn(library, "library"));
   if (!missing.empty())
     return "install what has " + join(missing, " and ") + ", or add the folder that holds it to " + kLibraryPath;
+  if (matchesPattern("crashes", reason))
+    return "ask its maker for another version";
   if (matchesPattern("*version*not found*", reason))
     return "it was built for a newer system: ask its maker for one for this system";
   if (matchesPattern("undefined symbol", reason))
@@ -89,23 +94,24 @@ class Interpreter {
       if (answer.is_object())
         take(answer);
     }
+    const std::string place = crashPlace(child.messages);
     if (!child.started)
-      problem("cannot be tried: no process could be started", "");
+      problem("cannot be tried: no process could be started", "close other programs, and try again");
     else if (child.crashed)
-      harm((ended_ ? "crashes at the program's end"
-                   : "crashes in " +
-                         (crashPlace(child.messages).empty() ? "a thread of its own" : crashPlace(child.messages))) +
+      harm((ended_ ? std::string("crashes at the program's end")
+                   : "crashes" + (place.empty() ? place : " in " + place)) +
            ": " + child.crash);
     else if (hung_.empty() && child.timedOut)
-      harm("hangs: it gave no answer in time");
+      harm(ended_ ? "hangs: the program does not end when it was loaded" : "hangs: it gave no answer in time");
     else if (!hung_.empty())
       harm("hangs: " + hung_ + " does not come back");
     else if (!ended_ && !failed_ && lastLine(child.messages).starts_with("ovi: "))
-      problem("cannot be tried: " + lastLine(child.messages).substr(5), "");
+      problem(lastLine(child.messages).substr(5), kHarmAdvice);
     else if (!ended_ && !failed_)
       harm("ends the program that loads it, with exit code " + std::to_string(child.exitCode));
     if (!failed_)
       good();
+    tellMessages(child.messages);
   }
 
   void problem(const std::string& text, const std::string& advice) {
@@ -130,6 +136,19 @@ class Interpreter {
          name_ + ": " + textIn(facts_, "displayName") + (version.empty() ? "" : ", version " + version) +
              (gentl.empty() ? "" : ", GenTL " + gentl) + ", loads (" + textIn(facts_, "architecture") + ")",
          "", facts_});
+  }
+
+  // What the producer printed itself: about its settings, its licence, its driver.
+  void tellMessages(const std::string& messages) {
+    constexpr std::size_t kMost = 5;
+    std::vector<std::string> lines = split(messages, "\r\n");
+    std::erase_if(lines,
+                  [](const std::string& line) { return line.starts_with("ovi: ") || line.starts_with(kCrashMark); });
+    if (lines.size() > kMost)
+      lines.resize(kMost);
+    for (const std::string& line : lines)
+      result_.producers.push_back({Level::kNote, pathText(file_.filename()) + " says: " + line,
+                                   "mend what it complains about, or ask its maker what is meant"});
   }
 
   void take(const ordered_json& answer) {
@@ -171,7 +190,8 @@ class Interpreter {
               "is it the right file? Its maker's installation has the one that is meant");
     else
       result_.producers.push_back(
-          {Level::kNote, name_ + ": does not export " + join(functions, ", ") + ": what needs them fails"});
+          {Level::kNote, name_ + ": does not export " + join(functions, ", ") + ": what needs them fails",
+           "ask its maker for a newer version; ovi check " + name_ + " tells what else it lacks"});
   }
 
   void takeInterface(const ordered_json& answer) {
