@@ -72,19 +72,20 @@ TEST(Doctor, NamesFilesThatAreNoProducers) {
   // Headers whose offsets lead nowhere.
   writeText(folder / "Torn.cti", readText(HOLLOW_DIR "/Hollow.cti").substr(0, 5000));
   writeText(folder / "Capital.CTI", "");
-  const Environment path("GENICAM_GENTL64_PATH", searchPath({"broken", "nowhere", "\"quoted\"", HOLLOW_DIR}));
+  const Environment path("GENICAM_GENTL64_PATH", searchPath({"broken", "nowhere", "~/cti", "\"quoted\"", HOLLOW_DIR}));
+  const Environment settings("OVI_VIRTUAL_CONFIG", "nowhere.ini");
   const Outcome run = ovi({"doctor"});
   EXPECT_EQ(run.code, 1);
   for (const char* said :
-       {"nowhere: there is no such folder", "without quotation marks", "Text.cti: text, no library",
-        "Empty.cti: empty file", "Foreign.cti: ELF library for RISC-V, 64 bit; this program can load: ",
-        "Old.cti: ELF library for x86, 32 bit", "Windows.cti: PE file, no library, for x86-64",
-        "Torn.cti: does not load", "Capital.CTI: is not searched for", "Hollow.cti: is no GenTL producer", "KV130001"})
+       {"nowhere: there is no such folder", "only shells know ~",
+        "VirtualCamera.cti says: Virtual camera producer: nowhere.ini: the settings file cannot be read",
+        "without quotation marks", "Text.cti: text, no library", "Empty.cti: empty file",
+        "Foreign.cti: ELF library for RISC-V, 64 bit; this program can load: ", "Old.cti: ELF library for x86, 32 bit",
+        "Windows.cti: PE file, no library, for x86-64", "Torn.cti: does not load",
+        "Capital.CTI: is not loaded: its extension", "Hollow.cti: is no GenTL producer", "KV130001"})
     EXPECT_THAT(run.out, HasSubstr(said));
   EXPECT_THAT(run.err, HasSubstr("problems were found"));
 }
-
-#ifndef _WIN32
 
 // A copy of the hostile producer, with the name of the library that it needs changed when another one is given.
 void copyHostile(const std::filesystem::path& file, const std::string& needs = "VirtualCamera.cti") {
@@ -96,12 +97,23 @@ void copyHostile(const std::filesystem::path& file, const std::string& needs = "
 
 TEST(Doctor, NamesMissingLibrariesAndFiles) {
   const std::filesystem::path folder = freshFolder("needy");
-  std::filesystem::create_symlink("nowhere", folder / "Link.cti");
+  std::filesystem::create_directory(folder / "Folder.cti");
+  copyHostile(folder / "TLSimu.cti");
   copyHostile(folder / "Needy.cti", "VirtualAbsent.cti");
+#ifndef _WIN32
+  std::filesystem::create_symlink("nowhere", folder / "Link.cti");
+#endif
   const Environment path("GENICAM_GENTL64_PATH", "needy");
-  EXPECT_THAT(ovi({"doctor"}).out,
-              AllOf(HasSubstr("Link.cti: leads to no file"), HasSubstr("LD_LIBRARY_PATH"),
-                    HasSubstr("Needy.cti: does not load: it needs VirtualAbsent.cti, which is not there")));
+  const std::string said = ovi({"doctor"}).out;
+  EXPECT_THAT(said, AllOf(HasSubstr("needy: 1 producer file\n"), HasSubstr("Folder.cti: is a folder and not loaded"),
+                          HasSubstr("TLSimu.cti: is never loaded"), Not(HasSubstr("TLSimu.cti: Kestrova")),
+                          HasSubstr("Needy.cti: does not load: it needs VirtualAbsent.cti, which is not there")));
+#ifndef _WIN32
+  EXPECT_THAT(said, AllOf(HasSubstr("Link.cti: leads to no file"), HasSubstr("LD_LIBRARY_PATH")));
+#endif
+  // Also where the environment does not name the folder.
+  EXPECT_THAT(ovi({"doctor", "--producer", "needy"}).out, HasSubstr("TLSimu.cti: is never loaded"));
+  EXPECT_THAT(ovi({"list", "--producer", "needy/TLSimu.cti"}).err, HasSubstr("the library loads no file of this name"));
 }
 
 TEST(Doctor, NamesWhatProducersDoWrong) {
@@ -110,8 +122,8 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
     std::vector<const char*> said;
   };
   const std::vector<Wrong> cases = {
-      {"crash",
-       {"Hostile.cti: crashes in its own start, while it is loaded", "take its folder out of the search path"}},
+      {"crash", {"crashes in its own start", "ask its maker for another version"}},
+      {"crash GCInitLib", {"Hostile.cti: crashes in GCInitLib: ", "take its folder out of the search path"}},
       {"exit", {"Hostile.cti: ends the program that loads it, with exit code 3", "take its folder out"}},
       {"block TLOpen", {"Hostile.cti: hangs: TLOpen does not come back"}},
       {"fail GCInitLib -1001", {"Hostile.cti: GCInitLib returned GC_ERR_ERROR (-1001)", "driver or service"}},
@@ -131,12 +143,32 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
   }
   // The cameras of others are found all the same.
   const Environment path("GENICAM_GENTL64_PATH", HOSTILE_DIR);
-  const Environment order("OVI_TEST_ORDER", "crash");
+  const Environment order("OVI_TEST_ORDER", "crash GCInitLib");
   const Outcome run = ovi({"doctor"});
   EXPECT_EQ(run.code, 1);
   EXPECT_THAT(run.out,
               AllOf(HasSubstr("Hostile.cti: crashes"), HasSubstr("KV130001"), HasSubstr("available, virtual")));
 }
+
+TEST(Producer, IsUsedWithoutItsNeighbours) {
+  const std::filesystem::path folder = freshFolder("neighbours");
+  writeText(folder / "Own.cti", readText(VIRTUAL_DIR "/VirtualCamera.cti"));
+  copyHostile(folder / "Crash.cti");
+  const Environment order("OVI_TEST_ORDER", "crash");
+  const Outcome run = ovi({"list", "--json", "--producer", "neighbours/Own.cti"});
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_EQ(nlohmann::json::parse(run.out).size(), 7U);
+  EXPECT_THAT(run.out, Not(HasSubstr((std::filesystem::temp_directory_path() / "ovi-").string())))
+      << "the link that the library was given";
+  EXPECT_THAT(ovi({"doctor", "--producer", "neighbours/Own.cti"}).out, Not(HasSubstr("Crash.cti")));
+  // One that finds what it needs only beside its own place.
+  writeText(folder / "VirtualNearby.cti", readText(VIRTUAL_DIR "/VirtualCamera.cti"));
+  copyHostile(folder / "Needy.cti", "VirtualNearby.cti");
+  const Environment none("OVI_TEST_ORDER", "");
+  EXPECT_EQ(ovi({"list", "--producer", "neighbours/Needy.cti"}).code, 0);
+}
+
+#ifndef _WIN32
 
 TEST(Doctor, TellsWhatMayNotBeRead) {
   if (geteuid() == 0)

@@ -1,15 +1,34 @@
 // The virtual camera with an order to misbehave, which the environment gives: one line of words, as in the tests'
-// table. The functions of a producer are found in the library that this one depends on.
+// table. The functions of a producer are found in the library that this one depends on, or passed on to it by name.
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <dlfcn.h>
+#endif
 #include <gentl_interface/GenTL.h>
 #include <ovi_virtual/hostility.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <sstream>
 #include <string>
 
 namespace {
+
+int* const volatile nowhere = nullptr;
+
+void crash() {
+  *static_cast<volatile int*>(nowhere) = 0;
+}
+
+template<class Pointer>
+Pointer next(const char* function) {
+#ifdef _WIN32
+  return reinterpret_cast<Pointer>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("VirtualCamera.cti"), function)));
+#else
+  return reinterpret_cast<Pointer>(dlsym(RTLD_NEXT, function));
+#endif
+}
 
 struct Orders {
   Orders() {
@@ -38,8 +57,8 @@ struct Orders {
       hostility.slowUpdates(static_cast<std::uint64_t>(number));
     if (order == "exit")
       std::_Exit(3);
-    if (order == "crash")
-      std::raise(SIGSEGV);
+    if (order == "crash" && !(words >> function))
+      crash();
   }
 };
 
@@ -49,19 +68,21 @@ const Orders orders;
 
 // Cameras, which commands belong to, are there only afterwards.
 GC_ERROR GC_CALLTYPE GCInitLib(void) {
-  const auto real = reinterpret_cast<PGCInitLib>(dlsym(RTLD_NEXT, "GCInitLib"));
+  const auto real = next<PGCInitLib>("GCInitLib");
   const GC_ERROR code = real();
   const char* const text = std::getenv("OVI_TEST_ORDER");
+  if (text != nullptr && std::string(text) == "crash GCInitLib")
+    crash();
   if (text != nullptr && std::string(text) == "busy")
     oviVirtualHostility()->busyCommands(nullptr, 5);
   return code;
 }
 
 // Other programs, which the virtual camera knows nothing of, may hold its cameras.
-GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE interface, const char* device, DEVICE_INFO_CMD command,
-                                     INFO_DATATYPE* type, void* buffer, size_t* size) {
-  const auto real = reinterpret_cast<PIFGetDeviceInfo>(dlsym(RTLD_NEXT, "IFGetDeviceInfo"));
-  const GC_ERROR code = real(interface, device, command, type, buffer, size);
+GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE handle, const char* device, DEVICE_INFO_CMD command, INFO_DATATYPE* type,
+                                     void* buffer, size_t* size) {
+  const auto real = next<PIFGetDeviceInfo>("IFGetDeviceInfo");
+  const GC_ERROR code = real(handle, device, command, type, buffer, size);
   const char* const text = std::getenv("OVI_TEST_ORDER");
   if (text != nullptr && std::string(text).rfind("access ", 0) == 0 && command == DEVICE_INFO_ACCESS_STATUS &&
       code == GC_ERR_SUCCESS && buffer != nullptr)

@@ -2,7 +2,12 @@
 #include "tool_run.h"
 
 #include <gtest/gtest.h>
-#ifndef _WIN32
+#ifdef _WIN32
+#include <windows.h>
+
+#include <chrono>
+#include <thread>
+#else
 #include <sys/wait.h>
 #endif
 
@@ -99,7 +104,59 @@ Outcome ovi(const std::vector<std::string>& arguments) {
   return finish(wholeLine(oviCommand(arguments)));
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+
+namespace {
+
+HANDLE fileForChild(const char* name) {
+  SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  return CreateFileA(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, CREATE_ALWAYS, 0, nullptr);
+}
+
+// Ctrl-C reaches all programs of a console, so the child and this one have one of their own, and this one ignores it.
+void pressCtrlC() {
+  SetConsoleCtrlHandler(nullptr, TRUE);
+  EXPECT_NE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0), 0);
+}
+
+}  // namespace
+
+Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
+  FreeConsole();
+  EXPECT_NE(AllocConsole(), 0);
+  SetConsoleCtrlHandler(nullptr, FALSE);  // The child inherits this.
+  std::string line = quoted(std::filesystem::path(OVI_PROGRAM).make_preferred().string());
+  for (const std::string& argument : arguments)
+    line += " " + quoted(argument);
+  const HANDLE out = fileForChild(kOut);
+  const HANDLE err = fileForChild(kErr);
+  STARTUPINFOA start{};
+  start.cb = sizeof(start);
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = out;
+  start.hStdError = err;
+  PROCESS_INFORMATION child{};
+  EXPECT_NE(CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &child), 0);
+  CloseHandle(out);
+  CloseHandle(err);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (printed(kOut).find(text) == std::string::npos && printed(kErr).find(text) == std::string::npos &&
+         std::chrono::steady_clock::now() < end)
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  pressCtrlC();
+  if (WaitForSingleObject(child.hProcess, 30'000) != WAIT_OBJECT_0)
+    TerminateProcess(child.hProcess, 99);
+  WaitForSingleObject(child.hProcess, INFINITE);
+  DWORD code = 0;
+  GetExitCodeProcess(child.hProcess, &code);
+  CloseHandle(child.hThread);
+  CloseHandle(child.hProcess);
+  SetConsoleCtrlHandler(nullptr, FALSE);
+  return {static_cast<int>(code), printed(kOut), printed(kErr)};
+}
+
+#else
+
 Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
   // One that never says it is killed, which is no interrupt.
   return finish("rm -f " + std::string(kOut) + " " + kErr + "; " + oviCommand(arguments) +

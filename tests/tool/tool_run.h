@@ -18,7 +18,7 @@ struct Outcome {
 /// Runs the tool in the current folder with these arguments.
 Outcome ovi(const std::vector<std::string>& arguments);
 
-/// Runs it, and sends it an interrupt as soon as it has written this text to either output. Not on Windows.
+/// Runs it, and sends it an interrupt as soon as it has written this text to either output.
 Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text);
 
 /// Runs another program. Not on Windows.
