@@ -19,6 +19,13 @@ constexpr std::array kCommands = {tool::addList,   tool::addInfo, tool::addFeatu
                                   tool::addDoctor, tool::addXml,  tool::addCheck,    tool::addProbe, tool::addComplete,
                                   tool::addMan};
 
+constexpr const char* kWhereCommandsAre =
+    "Examples:\n  ovi list\n  ovi grab -o first.png\n  ovi stream --frames 100\n\n"
+    "ovi COMMAND --help shows the options of a command, with examples. Options may stand anywhere.";
+constexpr const char* kWhatCommandsShare =
+    "Also, as with every command: --json, --producer FILE.cti, --set FEATURE=VALUE, --timeout MS, --verbose;\n"
+    "ovi --help explains them.";
+
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
   const bool terminal = tool::standardErrorIsTerminal();
   tool::printNote(tool::coloured("ovi: ", tool::Colour::kRed, terminal) + message);
@@ -60,7 +67,10 @@ int run(const std::vector<std::string>& arguments) {
     app.parse(std::move(ordered));
   } catch (const CLI::Success& success) {
     // Help and version are data that somebody asked for.
-    return app.exit(success);
+    const int code = app.exit(success);
+    if (dynamic_cast<const CLI::CallForHelp*>(&success) != nullptr)
+      tool::printData(app.get_subcommands().empty() ? kWhereCommandsAre : kWhatCommandsShare);
+    return code;
   } catch (const CLI::ParseError& error) {
     throw tool::usageError(app, error);
   }
