@@ -49,6 +49,7 @@ TEST(Check, NamesTheFault) {
       {"frames 4", "images", 1, "frame ID 2 came after 3"},
       {"frames 8", "images", 0, "1 frame IDs are missing"},
       {"pause", "images", 1, "no buffer came within 3000 ms"},
+      {"lose", "device", 1, "was disconnected"},
       {"busy", "images", 0, "the command AcquisitionStart was busy"},
       {"slow 700", "system", 0, "TLUpdateInterfaceList took 7"},
       {"slow 3000", "system", 1, "TLUpdateInterfaceList with a time-out of 1000 ms returned GC_ERR_TIMEOUT"},

@@ -144,6 +144,7 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
   // The cameras of others are found all the same.
   const Environment path("GENICAM_GENTL64_PATH", HOSTILE_DIR);
   const Environment order("OVI_TEST_ORDER", "crash GCInitLib");
+  EXPECT_THAT(ovi({"list"}).err, HasSubstr("try: ovi doctor"));
   const Outcome run = ovi({"doctor"});
   EXPECT_EQ(run.code, 1);
   EXPECT_THAT(run.out,

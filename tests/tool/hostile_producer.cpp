@@ -78,6 +78,16 @@ GC_ERROR GC_CALLTYPE GCInitLib(void) {
   return code;
 }
 
+// A cable that is pulled while the camera is open.
+GC_ERROR GC_CALLTYPE IFOpenDevice(IF_HANDLE handle, const char* device, DEVICE_ACCESS_FLAGS access, DEV_HANDLE* out) {
+  const auto real = next<PIFOpenDevice>("IFOpenDevice");
+  const GC_ERROR code = real(handle, device, access, out);
+  const char* const text = std::getenv("OVI_TEST_ORDER");
+  if (text != nullptr && std::string(text) == "lose")
+    oviVirtualHostility()->loseDevice(device);
+  return code;
+}
+
 // Other programs, which the virtual camera knows nothing of, may hold its cameras.
 GC_ERROR GC_CALLTYPE IFGetDeviceInfo(IF_HANDLE handle, const char* device, DEVICE_INFO_CMD command, INFO_DATATYPE* type,
                                      void* buffer, size_t* size) {

@@ -2,10 +2,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <exception>
 
 #include "commands.h"
 #include "platform/console.h"
+#include "platform/crash_watch.h"
 #include "session.h"
 #include "terminal.h"
 #include "tool_error.h"
@@ -25,6 +27,14 @@ constexpr const char* kWhereCommandsAre =
 constexpr const char* kWhatCommandsShare =
     "Also, as with every command: --json, --producer FILE.cti, --set FEATURE=VALUE, --timeout MS, --verbose;\n"
     "ovi --help explains them.";
+
+// Producers run inside this process; what they do to it would else end it without a word.
+void tellCrash() {
+  std::fputs(
+      "\novi: this program crashed, most likely in a producer that it loaded\n"
+      "try: ovi doctor, which tries each producer in a process of its own\n",
+      stderr);
+}
 
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
   const bool terminal = tool::standardErrorIsTerminal();
@@ -75,6 +85,7 @@ int run(const std::vector<std::string>& arguments) {
     throw tool::usageError(app, error);
   }
 
+  tool::watchCrashes(tellCrash);
   tool::setDataStream(tool::takeStandardOutput(common.verbose));
   tool::catchInterrupt();
   tool::Session session(common);

@@ -142,8 +142,9 @@ class Interpreter {
   void tellMessages(const std::string& messages) {
     constexpr std::size_t kMost = 5;
     std::vector<std::string> lines = split(messages, "\r\n");
-    std::erase_if(lines,
-                  [](const std::string& line) { return line.starts_with("ovi: ") || line.starts_with(kCrashMark); });
+    std::erase_if(lines, [](const std::string& line) {
+      return line.starts_with("ovi: ") || line.starts_with("try: ") || line.starts_with(kCrashMark);
+    });
     if (lines.size() > kMost)
       lines.resize(kMost);
     for (const std::string& line : lines)

@@ -4,7 +4,7 @@
 namespace tool {
 
 /// Has the function called on the thread that crashes, after which the process ends as crashed processes do, without a
-/// dialogue. For processes that are there to be crashed by producers.
+/// dialogue. The latest function counts.
 void watchCrashes(void (*report)());
 
 }  // namespace tool
