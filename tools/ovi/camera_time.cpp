@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-std::uint64_t numberFrom(Bytes bytes, bool bigEndian) {
+std::uint64_t unsignedIn(Bytes bytes, bool bigEndian) {
   std::uint64_t number = 0;
   for (std::size_t i = 0; i < bytes.size(); ++i)
     number = number << 8U | bytes[bigEndian ? i : bytes.size() - 1 - i];
@@ -29,7 +29,7 @@ bool forEachChunk(Bytes image, bool bigEndian, Found&& found) {
   constexpr std::size_t kTrailer = 2 * kNumber;
   std::size_t chunks = 0;
   while (image.size() >= kTrailer) {
-    const std::uint64_t length = numberFrom(image.last(kNumber), bigEndian);
+    const std::uint64_t length = unsignedIn(image.last(kNumber), bigEndian);
     const Bytes rest = image.first(image.size() - kTrailer);
     if (length > rest.size())
       return false;
@@ -143,7 +143,7 @@ std::optional<CameraTime::Clock::time_point> CameraTime::of(const ovi::Image& im
     const auto look = [&](Bytes chunk) {
       if (chunk.size() == sizeof(std::uint64_t))
         for (const bool bigEndian : {true, false})
-          if (const auto here = hereAt(numberFrom(chunk, bigEndian)))
+          if (const auto here = hereAt(unsignedIn(chunk, bigEndian)))
             found = here;
     };
     if (image.data() != nullptr && forEachChunk({image.data(), image.size()}, linkBigEndian, look))
