@@ -8,14 +8,12 @@
 #include "GenApi/IEnumeration.h"
 #include "GenApi/IInteger.h"
 #include "GenApi/ISelector.h"
+#include "base/limits.h"
 
 namespace GENAPI_NAMESPACE {
 namespace {
 
 using GENICAM_NAMESPACE::gcstring;
-
-// A selector of more values is no list of things that exist; nobody waits for its end.
-constexpr int64_t kMaxSelectorValues = 65536;
 
 class Digit : public ISelectorDigit {
  public:
@@ -56,9 +54,9 @@ class Digit : public ISelectorDigit {
       const int64_t maximum = integer->GetMax();
       const int64_t increment = std::max<int64_t>(integer->GetInc(), 1);
       int64_t value = integer->GetMin();
-      while (value <= maximum && static_cast<int64_t>(result.size()) < kMaxSelectorValues) {
+      while (value <= maximum && static_cast<int64_t>(result.size()) < GenApiEngine::kMaxSelectorValues) {
         result.emplace_back(std::to_string(value).c_str());
-        if (value > maximum - increment)
+        if (static_cast<uint64_t>(maximum) - static_cast<uint64_t>(value) < static_cast<uint64_t>(increment))
           break;
         value += increment;
       }

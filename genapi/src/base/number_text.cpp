@@ -8,6 +8,8 @@
 #include <limits>
 #include <system_error>
 
+#include "base/limits.h"
+
 namespace GenApiEngine {
 namespace {
 
@@ -287,9 +289,7 @@ std::optional<std::int64_t> integerFromText(std::string_view text, ERepresentati
 
 std::string floatText(double value, EDisplayNotation notation, std::int64_t precision) {
   constexpr std::int64_t kDefaultPrecision = 6;
-  // Digits behind these are noise in any double.
-  constexpr std::int64_t kMaxPrecision = 64;
-  const int digits = static_cast<int>(precision < 0 ? kDefaultPrecision : std::min(precision, kMaxPrecision));
+  const int digits = static_cast<int>(precision < 0 ? kDefaultPrecision : std::min(precision, kMaxDisplayPrecision));
   const auto format = notation == fnFixed        ? std::chars_format::fixed
                       : notation == fnScientific ? std::chars_format::scientific
                                                  : std::chars_format::general;

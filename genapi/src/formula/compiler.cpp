@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/limits.h"
 #include "formula/instruction.h"
 #include "formula/lexer.h"
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "base/limits.h"
 #include "formula/instruction.h"
 
 namespace GenApiEngine {

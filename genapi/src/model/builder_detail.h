@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/model.h"
 #include "model/text.h"
 

@@ -9,7 +9,7 @@
 #include "Base/GCException.h"
 #include "base/number_text.h"
 #include "model/builder_detail.h"
-#include "model/limits.h"
+#include "base/limits.h"
 
 namespace GenApiEngine {
 

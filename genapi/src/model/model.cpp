@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "model/limits.h"
+#include "base/limits.h"
 
 namespace GenApiEngine {
 namespace {

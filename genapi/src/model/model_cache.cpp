@@ -9,7 +9,7 @@
 
 #include "model/builder.h"
 #include "model/content_hash.h"
-#include "model/limits.h"
+#include "base/limits.h"
 
 namespace GenApiEngine {
 namespace {

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "base/number_text.h"
-#include "model/limits.h"
+#include "base/limits.h"
 
 namespace GenApiEngine {
 namespace {

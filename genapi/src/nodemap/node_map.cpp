@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "GenICamVersion.h"
-#include "model/limits.h"
+#include "base/limits.h"
 #include "nodemap/call.h"
 #include "nodes/node_factory.h"
 #include "nodes/port_node.h"

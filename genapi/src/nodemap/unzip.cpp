@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "Base/GCException.h"
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/text.h"
 #include "ovi_genapi/zip_reader.h"
 

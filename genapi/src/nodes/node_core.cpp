@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/text.h"
 #include "nodemap/call.h"
 #include "nodemap/node_map.h"

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "GenApi/PortImpl.h"
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/text.h"
 #include "nodemap/call.h"
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "base/number_text.h"
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/text.h"
 #include "nodemap/call.h"
 #include "nodes/port_node.h"

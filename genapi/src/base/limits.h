@@ -49,6 +49,26 @@ inline constexpr std::size_t kMaxRawCacheBytes = std::size_t{4} << 20;
 /// What one polling call may be told to have passed, in milliseconds, so that sums never overflow.
 inline constexpr std::int64_t kMaxPollStep = std::int64_t{1} << 40;
 
+/// A frame holds the variables that a formula reads and its value stack. One of usual size lies on the thread's stack,
+/// where there may be one for each of the nodes that ask each other; a larger one is allocated, an unreasonable one
+/// refused.
+inline constexpr std::size_t kSmallFormulaFrame = 96;
+inline constexpr std::size_t kMaxFormulaFrame = 1024;
+
+/// Expressions are compiled in place at each use; these two end what would grow without bound. The longest formulas of
+/// real cameras need a few hundred.
+inline constexpr std::size_t kMaxFormulaInstructions = 32768;
+inline constexpr std::size_t kMaxFormulaCharacters = std::size_t{4} << 20;
+
+/// Expressions that name expressions that name expressions...; also what ends a circle of them.
+inline constexpr int kMaxExpressionDepth = 24;
+
+/// A selector of more values is no list of things that exist; nobody waits for its end.
+inline constexpr std::int64_t kMaxSelectorValues = 65536;
+
+/// Digits of a printed number behind these are noise in any double.
+inline constexpr std::int64_t kMaxDisplayPrecision = 64;
+
 /// How many models, and how much text of models, the process keeps for the next node map of the same content.
 inline constexpr std::size_t kMaxCachedModels = 16;
 inline constexpr std::size_t kMaxCachedTextBytes = std::size_t{64} << 20;
