@@ -55,6 +55,8 @@ TEST(ChunkAdapter, ShowsEachChunkThroughItsPort) {
                            byteRegister("Last", "PortB", "-1") + kChunkPorts);
   CChunkAdapterGeneric adapter(map.get());
   EXPECT_FALSE(isReadable(map, "A"));
+  const CRegisterPtr last(map->GetNode("Last"));
+  EXPECT_EQ(last->GetAddress(), -1) << "where that is shows only in a chunk";
 
   uint8_t buffer[] = {0, 0, 11, 0, 21, 22, 23, 0};
   SingleChunkData_t chunks[] = {{0xA5, 2, 1}, {0xB6, 4, 3}, {0xC7, 0, 1}};
@@ -66,6 +68,7 @@ TEST(ChunkAdapter, ShowsEachChunkThroughItsPort) {
   EXPECT_EQ(valueOf(map, "A"), 11);
   EXPECT_EQ(valueOf(map, "B"), 22);
   EXPECT_EQ(valueOf(map, "Last"), 23);
+  EXPECT_EQ(last->GetAddress(), 2);
 
   // The next buffer of the same layout is seen at once, in spite of the caches.
   uint8_t next[] = {0, 0, 31, 0, 41, 42, 43, 0};

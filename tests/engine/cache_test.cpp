@@ -93,7 +93,7 @@ TEST(Cache, AFailedWriteLeavesEverythingAsItWas) {
   map.integer("X").SetValue(5);
   const int reads = map.port.reads;
   map.port.fails = true;
-  expectThrow<GenICam::RuntimeException>([&] { map.integer("X").SetValue(6); }, "the port fails");
+  expectThrow<GenICam::RuntimeException>([&] { map.integer("X").SetValue(6); }, "R: the port fails");
   EXPECT_THROW(map.integer("X").SetValue(11), GenICam::OutOfRangeException);
   map.port.fails = false;
   EXPECT_EQ(map.integer("X").GetValue(), 5);

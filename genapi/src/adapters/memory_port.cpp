@@ -3,18 +3,11 @@
 
 #include <cinttypes>
 #include <cstring>
-#include <limits>
 
 #include "Base/GCException.h"
+#include "base/chunk_registers.h"
 
 namespace GenApiEngine {
-namespace {
-
-constexpr int64_t kAddressRegister = std::numeric_limits<int64_t>::max();
-constexpr int64_t kLengthRegister = kAddressRegister - 15;
-
-}  // namespace
-
 using namespace GENAPI_NAMESPACE;
 
 EAccessMode MemoryPort::GetAccessMode() const {
@@ -25,9 +18,9 @@ void MemoryPort::Read(void* pBuffer, int64_t Address, int64_t Length) {
   if (!attached_)
     throw ACCESS_EXCEPTION("No data is attached to the port");
   const auto size = static_cast<int64_t>(size_);
-  const bool isPseudoRegister = Address == kAddressRegister || Address == kLengthRegister;
+  const bool isPseudoRegister = Address == kDataAddressRegister || Address == kDataLengthRegister;
   if (isPseudoRegister && Length == sizeof(uint64_t)) {
-    const uint64_t value = Address == kLengthRegister ? size_ : reinterpret_cast<uintptr_t>(data_);
+    const uint64_t value = Address == kDataLengthRegister ? size_ : reinterpret_cast<uintptr_t>(data_);
     std::memcpy(pBuffer, &value, sizeof value);
     return;
   }

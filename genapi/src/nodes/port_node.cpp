@@ -2,14 +2,46 @@
 #include "nodes/port_node.h"
 
 #include <algorithm>
+#include <typeinfo>
 #include <vector>
 
 #include "GenApi/PortImpl.h"
+#include "base/chunk_registers.h"
 #include "base/limits.h"
 #include "model/text.h"
 #include "nodemap/call.h"
 
 namespace GenApiEngine {
+namespace {
+
+using GENICAM_NAMESPACE::GenericException;
+
+template<class E>
+void failAgainAs(const char* type, const NodeCore& node, const GenericException& failure) {
+  if (typeid(failure) == typeid(E)) {
+    node.failWith<E>(type, failure.GetSourceFileName(), failure.GetSourceLine(), "%s: %s", node.nodeName().c_str(),
+                     failure.GetDescription());
+  }
+}
+
+// An application's port says what went wrong, but not for whom: throws the exception again with the node's name in front
+// of its text. What is of the application's own type passes as it is. Only within a handler.
+[[noreturn]] void rethrowNaming(const NodeCore& node, const GenericException& failure) {
+  using namespace GENICAM_NAMESPACE;
+  failAgainAs<GenericException>("GenericException", node, failure);
+  failAgainAs<BadAllocException>("BadAllocException", node, failure);
+  failAgainAs<InvalidArgumentException>("InvalidArgumentException", node, failure);
+  failAgainAs<OutOfRangeException>("OutOfRangeException", node, failure);
+  failAgainAs<PropertyException>("PropertyException", node, failure);
+  failAgainAs<RuntimeException>("RuntimeException", node, failure);
+  failAgainAs<LogicalErrorException>("LogicalErrorException", node, failure);
+  failAgainAs<AccessException>("AccessException", node, failure);
+  failAgainAs<TimeoutException>("TimeoutException", node, failure);
+  failAgainAs<DynamicCastException>("DynamicCastException", node, failure);
+  throw;
+}
+
+}  // namespace
 
 PortNode::PortNode(NodeMap& map, NodeIndex index)
     : NodeCore(map, index),
@@ -37,9 +69,12 @@ EAccessMode PortNode::naturalAccess() {
     return port_->GetAccessMode();
   }
   // Chunk and event ports are there and have just no data yet.
-  const bool waitsForData = property(Element::ChunkID) != nullptr || property(Element::pChunkID) != nullptr ||
-                            property(Element::EventID) != nullptr;
-  return waitsForData ? Api::NA : Api::NI;
+  return waitsForData() ? Api::NA : Api::NI;
+}
+
+bool PortNode::waitsForData() const {
+  return property(Element::ChunkID) != nullptr || property(Element::pChunkID) != nullptr ||
+         property(Element::EventID) != nullptr;
 }
 
 void PortNode::requireConnected(const NodeCore& user) const {
@@ -50,19 +85,36 @@ void PortNode::requireConnected(const NodeCore& user) const {
 
 void PortNode::read(const NodeCore& reader, void* buffer, std::int64_t address, std::int64_t length) {
   requireConnected(reader);
-  port_->Read(buffer, address, length);
+  try {
+    port_->Read(buffer, address, length);
+  } catch (const GENICAM_NAMESPACE::GenericException& failure) {
+    rethrowNaming(reader, failure);
+  }
   swapWords(buffer, length);
+}
+
+std::int64_t PortNode::offsetOf(const NodeCore& reader, std::int64_t address) {
+  if (address >= 0 || !waitsForData() || !Api::IsReadable(accessMode())) {
+    return address;
+  }
+  std::int64_t length = 0;
+  read(reader, &length, kDataLengthRegister, sizeof length);
+  return address + length;
 }
 
 void PortNode::write(const NodeCore& writer, const void* buffer, std::int64_t address, std::int64_t length) {
   requireConnected(writer);
-  if (!swap_) {
-    port_->Write(buffer, address, length);
-  } else {
-    const auto* const bytes = static_cast<const std::uint8_t*>(buffer);
-    std::vector<std::uint8_t> swapped(bytes, bytes + length);
-    swapWords(swapped.data(), length);
-    port_->Write(swapped.data(), address, length);
+  try {
+    if (!swap_) {
+      port_->Write(buffer, address, length);
+    } else {
+      const auto* const bytes = static_cast<const std::uint8_t*>(buffer);
+      std::vector<std::uint8_t> swapped(bytes, bytes + length);
+      swapWords(swapped.data(), length);
+      port_->Write(swapped.data(), address, length);
+    }
+  } catch (const GENICAM_NAMESPACE::GenericException& failure) {
+    rethrowNaming(writer, failure);
   }
   if (recorder_ != nullptr) {
     recorder_->Write(buffer, address, length);

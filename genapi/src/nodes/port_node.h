@@ -44,6 +44,9 @@ class PortNode final : public NodeCore, public Api::IPortConstruct, public Api::
   // What register nodes ask, under the lock.
   void read(const NodeCore& reader, void* buffer, std::int64_t address, std::int64_t length);
   void write(const NodeCore& writer, const void* buffer, std::int64_t address, std::int64_t length);
+  /// Where an address lies that counts from the end of a chunk's or event's data, from the begin of it; other addresses,
+  /// and those of data that is not there, as they are.
+  std::int64_t offsetOf(const NodeCore& reader, std::int64_t address);
   /// The shared bytes of that place; null when they would be too many to keep. Valid until the generation changes.
   RawBytes* rawBytes(std::int64_t address, std::int64_t length);
   std::uint32_t rawGeneration() const { return rawGeneration_; }
@@ -63,6 +66,8 @@ class PortNode final : public NodeCore, public Api::IPortConstruct, public Api::
     std::size_t operator()(const Place& place) const;
   };
 
+  /// Whether it is a port onto data that comes with an image or an event.
+  bool waitsForData() const;
   void requireConnected(const NodeCore& user) const;
   void swapWords(void* buffer, std::int64_t length) const;
 

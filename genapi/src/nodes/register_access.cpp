@@ -278,7 +278,9 @@ std::int64_t RegisterAccess::publicAddress(NodeCore& owner) {
   if (owner.isBroken()) {
     NODE_FAIL(owner, AccessException, "Node is not available.");
   }
-  return address(owner);
+  const std::int64_t at = address(owner);
+  PortNode* const through = port(owner);
+  return through == nullptr ? at : through->offsetOf(owner, at);
 }
 
 void RegisterAccess::invalidate(NodeCore& owner, bool kept) {
