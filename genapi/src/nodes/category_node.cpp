@@ -11,12 +11,12 @@ void CategoryNode::GetFeatures(Api::FeatureList_t& features) const {
   std::vector<NodeIndex> listed;
   for (const Property& property : properties()) {
     NodeCore* const member = property.element() == Element::pFeature ? other(property.target) : nullptr;
-    if (member != nullptr && member->asValue() != nullptr &&
-        std::ranges::find(listed, property.target) == listed.end()) {
+    if (member != nullptr && member->asValue() != nullptr) {
       listed.push_back(property.target);
-      features.push_back(member->asValue());
     }
   }
+  keepOnce(listed);
+  std::ranges::for_each(listed, [&](NodeIndex index) { features.push_back(other(index)->asValue()); });
 }
 
 EAccessMode CategoryNode::naturalAccess() {

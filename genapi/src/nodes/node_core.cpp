@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "base/limits.h"
@@ -580,13 +581,8 @@ void NodeCore::GetChildren(Api::NodeList_t& children, Api::ELinkType linkType) c
       break;
     }
   }
-  std::vector<bool> seen(map_.GetNumNodes());
-  for (const NodeIndex index : found) {
-    if (!seen[index]) {
-      seen[index] = true;
-      children.push_back(other(index));
-    }
-  }
+  keepOnce(found);
+  std::ranges::for_each(found, [&](NodeIndex index) { children.push_back(other(index)); });
 }
 
 void NodeCore::collectTerminals(std::vector<NodeIndex>& out) const {
@@ -615,12 +611,18 @@ void NodeCore::collectTerminals(std::vector<NodeIndex>& out) const {
 void NodeCore::GetParents(Api::NodeList_t& parents) const {
   parents.clear();
   std::vector<NodeIndex> found;
-  for (const Dependent dependent : map_.model().dependents(index_)) {
-    if (std::ranges::find(found, dependent.node()) == found.end()) {
-      found.push_back(dependent.node());
-      parents.push_back(other(dependent.node()));
-    }
-  }
+  std::ranges::transform(map_.model().dependents(index_), std::back_inserter(found), &Dependent::node);
+  keepOnce(found);
+  std::ranges::for_each(found, [&](NodeIndex index) { parents.push_back(other(index)); });
+}
+
+void NodeCore::keepOnce(std::vector<NodeIndex>& nodes) const {
+  std::vector<bool> seen(map_.GetNumNodes());
+  std::erase_if(nodes, [&](NodeIndex index) {
+    const bool known = seen[index];
+    seen[index] = true;
+    return known;
+  });
 }
 
 bool NodeCore::IsSelector() const {

@@ -188,6 +188,8 @@ class NodeCore : public Api::ISelector, public Api::IUserData, public Api::INode
 
   /// The part of access that a node needs of one that it computes with: not implemented, not available, or nothing.
   EAccessMode neededAccess(NodeIndex index) const;
+  /// Leaves each node of a list once, in the order of first mention.
+  void keepOnce(std::vector<NodeIndex>& nodes) const;
   /// neededAccess over all properties of the class Computes and Reads (limits), but not the guards.
   EAccessMode neededAccessOfOperands();
 
