@@ -89,6 +89,9 @@ TEST(Load, TakesLatin1ForWhatIsNoUtf8) {
                "20 \xC2\xB0"
                "C");
   EXPECT_STREQ(map.integer("A").GetUnit(), "\xC2\xB5s");
+  ASSERT_EQ(map.warnings().size(), 1U);
+  EXPECT_THAT(map.warnings().front().text, testing::HasSubstr("no UTF-8"));
+  EXPECT_EQ(map.warnings().front().line, 3U);
 }
 
 TEST(Load, RefusesWhatIsNoDescription) {
@@ -118,6 +121,10 @@ TEST(Load, ForgivesAndWarnsWithTheLine) {
       {"\n<integer Name=\"B\"><VALUE>1</VALUE></integer>", "'integer' is taken for Integer"},
       {"\n<Integer Name=\"A\"><Value>8</Value></Integer>", "'A' is defined twice"},
       {"\n<Integer><Value>8</Value></Integer>", "without a name"},
+      {"\n<Node Name=\"C\" Name=\"D\"/>", "another attribute 'Name'"},
+      {"\n<IntSwissKnife Name=\"C\"><pVariable Name=\"X\" Name=\"Y\">A</pVariable><Formula>X</Formula>"
+       "</IntSwissKnife>",
+       "pVariable has another attribute"},
       {"\n<Integer Name=\"B\"><Value>eight</Value></Integer>", "is no number: 'eight'"},
       {"\n<Integer Name=\"B\"><pValue>Nobody</pValue></Integer>", "'Nobody', which is not there"},
       {"\n<Category Name=\"Root\"><pFeature>Nobody</pFeature><pFeature>A</pFeature></Category>",

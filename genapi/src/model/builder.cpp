@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 #include "Base/GCException.h"
+#include "base/limits.h"
 #include "base/number_text.h"
 #include "model/builder_detail.h"
-#include "base/limits.h"
 
 namespace GenApiEngine {
 namespace {
@@ -186,6 +188,10 @@ bool ModelBuilder::build(Model& model, std::span<const std::string_view> texts, 
       warnings.add(lines.lineOf(offset + static_cast<std::uint32_t>(size)),
                    "what follows the end of the description is skipped");
     }
+    if (prepared[i].firstNoUtf8 != std::string_view::npos) {
+      warnings.add(lines.lineOf(offset + static_cast<std::uint32_t>(prepared[i].firstNoUtf8)),
+                   "a byte that is no UTF-8 stands here, texts with such bytes are taken for Latin-1");
+    }
     builder.addDocument(tree.document_element(), i == 0);
     model.times_.build += nanosecondsSince(clock);
     offset += static_cast<std::uint32_t>(size) + 2;
@@ -265,13 +271,20 @@ void ModelBuilder::readRoot(pugi::xml_node root) {
       NumberField{"SchemaSubMinorVersion", &info.schema[2]}, NumberField{"MajorVersion", &info.version[0]},
       NumberField{"MinorVersion", &info.version[1]},         NumberField{"SubMinorVersion", &info.version[2]},
   };
+  std::array<bool, kTexts.size() + numbers.size()> known{};
   bool hasSchema = false;
   for (const pugi::xml_attribute attribute : root.attributes()) {
     const std::string_view name = attribute.name();
     const auto isName = [name](const auto& field) { return equalsIgnoringCase(field.name, name); };
-    if (const auto text = std::ranges::find_if(kTexts, isName); text != kTexts.end()) {
+    const auto text = std::ranges::find_if(kTexts, isName);
+    const auto number = std::ranges::find_if(numbers, isName);
+    const auto place = static_cast<std::size_t>(text != kTexts.end() ? text - kTexts.begin()
+                                                                     : std::ssize(kTexts) + (number - numbers.begin()));
+    if (place < known.size() && std::exchange(known[place], true)) {
+      warnRepeated(root, attribute);
+    } else if (text != kTexts.end()) {
       info.*text->field = toUtf8(trim(attribute.value()));
-    } else if (const auto number = std::ranges::find_if(numbers, isName); number != numbers.end()) {
+    } else if (number != numbers.end()) {
       hasSchema = hasSchema || number->field == &info.schema[0];
       const auto value = describedInteger(attribute.value());
       if (value && *value >= 0 && *value <= std::numeric_limits<std::uint16_t>::max()) {
@@ -411,6 +424,11 @@ void ModelBuilder::emitAttributes(pugi::xml_node xml, Draft& draft) {
       continue;
     }
     element = finder_.find(attribute.name(), element).element;
+    if (element != Element::Unknown &&
+        (element == Element::Name ? record.nameLength != 0 : draft.present.has(element))) {
+      warnRepeated(xml, attribute);
+      continue;
+    }
     if (element == Element::Name) {
       record.name = span.offset;
       record.nameLength = span.length;
@@ -485,21 +503,26 @@ void ModelBuilder::emitChild(pugi::xml_node child, Element element, Draft& draft
   }
   Property& property = emit(draft, element, text);
   property.target = number;
-  if (const pugi::xml_attribute attribute = child.first_attribute()) {
-    emitAttributeOfChild(attribute, draft);
+  if (child.first_attribute()) {
+    emitAttributesOfChild(child, draft);
   }
 }
 
 // What an attribute of an element says belongs to the element's property, the last one that there is; the offset that
 // another node gives becomes one of its own.
-void ModelBuilder::emitAttributeOfChild(pugi::xml_attribute attribute, Draft& draft) {
-  for (; attribute; attribute = attribute.next_attribute()) {
+void ModelBuilder::emitAttributesOfChild(pugi::xml_node child, Draft& draft) {
+  for (pugi::xml_attribute attribute = child.first_attribute(); attribute; attribute = attribute.next_attribute()) {
     if (*attribute.value() == '\0') {
       continue;
     }
     const std::string_view name = attribute.name();
     if (equalsIgnoringCase(name, "Name") || equalsIgnoringCase(name, "Index") || equalsIgnoringCase(name, "Offset")) {
-      model_.properties_.back().attribute = spanOf(attribute.value()).offset;
+      std::uint32_t& place = model_.properties_.back().attribute;
+      if (place != 0) {
+        warnRepeated(child, attribute);
+      } else {
+        place = spanOf(attribute.value()).offset;
+      }
     } else if (equalsIgnoringCase(name, "pOffset")) {
       emit(draft, Element::pOffset, spanOf(attribute.value()));
       return;
@@ -600,6 +623,10 @@ ModelBuilder::Span ModelBuilder::joinedTextOf(pugi::xml_node element, pugi::xml_
     }
   }
   return length == 0 ? Span{} : spanOf({begin, length});
+}
+
+void ModelBuilder::warnRepeated(pugi::xml_node xml, pugi::xml_attribute attribute) {
+  warn(xml, std::string(xml.name()) + " has another attribute '" + attribute.name() + "', only the first counts");
 }
 
 void ModelBuilder::warn(pugi::xml_node xml, std::string text) {

@@ -96,7 +96,7 @@ class ModelBuilder {
   void emitChildren(pugi::xml_node xml, Draft& draft);
   void emitOther(pugi::xml_node child, Element element, Draft& draft);
   void emitChild(pugi::xml_node child, Element element, Draft& draft);
-  void emitAttributeOfChild(pugi::xml_attribute attribute, Draft& draft);
+  void emitAttributesOfChild(pugi::xml_node child, Draft& draft);
   std::optional<std::uint32_t> addNumber(pugi::xml_node child, Element element, Span span, Draft& draft);
   Property& emit(Draft& draft, Element element, Span text) {
     draft.present.add(element);
@@ -122,6 +122,7 @@ class ModelBuilder {
     text += model_.name(record);
     return text += '\'';
   }
+  void warnRepeated(pugi::xml_node xml, pugi::xml_attribute attribute);
   void warn(pugi::xml_node xml, std::string text);
 
   Model& model_;

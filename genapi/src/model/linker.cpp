@@ -7,9 +7,9 @@
 #include <unordered_set>
 
 #include "Base/GCException.h"
+#include "base/limits.h"
 #include "base/number_text.h"
 #include "model/builder_detail.h"
-#include "base/limits.h"
 
 namespace GenApiEngine {
 

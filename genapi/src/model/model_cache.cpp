@@ -7,9 +7,9 @@
 #include <mutex>
 #include <vector>
 
+#include "base/limits.h"
 #include "model/builder.h"
 #include "model/content_hash.h"
-#include "base/limits.h"
 
 namespace GenApiEngine {
 namespace {

@@ -6,8 +6,8 @@
 #include <charconv>
 #include <optional>
 
-#include "base/number_text.h"
 #include "base/limits.h"
+#include "base/number_text.h"
 
 namespace GenApiEngine {
 namespace {

@@ -157,6 +157,38 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
   return text.size();
 }
 
+// Copies a text and says whether all of it is ASCII.
+bool copyAscii(char* to, std::string_view text) {
+  // Blocks that stay near the processor between the copy and the look at them.
+  constexpr std::size_t kBlock = 4096;
+  std::uint64_t bits = 0;
+  while (!text.empty()) {
+    const std::size_t size = std::min(text.size(), kBlock);
+    std::memcpy(to, text.data(), size);
+    std::size_t at = 0;
+    for (; at + sizeof bits <= size; at += sizeof bits) {
+      bits |= wordAt<std::uint64_t>(to + at);
+    }
+    for (; at < size; ++at) {
+      bits |= wordAt<std::uint8_t>(to + at);
+    }
+    to += size;
+    text.remove_prefix(size);
+  }
+  return (bits & 0x8080808080808080U) == 0;
+}
+
+std::size_t firstNoUtf8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = sequenceLength(text.substr(at));
+    if (length == 0) {
+      return at;
+    }
+    at += length;
+  }
+  return std::string_view::npos;
+}
+
 DocumentText own(std::string_view text, bool cutAtFirstEnd) {
   const std::size_t size = documentSize(text, cutAtFirstEnd);
   const std::string_view behind = trim(text.substr(size));
@@ -167,8 +199,8 @@ DocumentText own(std::string_view text, bool cutAtFirstEnd) {
   out.isFollowed = !behind.empty() && !behind.starts_with("<!--");
   out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2 + kTextSlack);
   out.data[0] = '\0';
-  if (!text.empty()) {
-    std::memcpy(out.data.get() + 1, text.data(), text.size());
+  if (!copyAscii(out.data.get() + 1, text)) {
+    out.firstNoUtf8 = firstNoUtf8(text);
   }
   std::fill_n(out.data.get() + text.size() + 1, 1 + kTextSlack, '\0');
   out.size = text.size();
@@ -194,19 +226,15 @@ bool parseYesNo(std::string_view text, bool otherwise) {
 }
 
 std::string toUtf8(std::string_view text) {
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = sequenceLength(text.substr(i));
-    if (length == 0) {
-      std::string out;
-      out.reserve(text.size() + 16);
-      for (const char c : text) {
-        appendUtf8(out, static_cast<unsigned char>(c));
-      }
-      return out;
-    }
-    i += length;
+  if (firstNoUtf8(text) == std::string_view::npos) {
+    return std::string(text);
   }
-  return std::string(text);
+  std::string out;
+  out.reserve(text.size() + 16);
+  for (const char c : text) {
+    appendUtf8(out, static_cast<unsigned char>(c));
+  }
+  return out;
 }
 
 DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirstEnd) {

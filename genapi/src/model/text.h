@@ -94,7 +94,8 @@ struct DocumentText {
   std::unique_ptr<char[]> data;  ///< one byte in front of the text is reserved, so that no text has the offset 0
   std::size_t size = 0;          ///< of the text alone
   bool isPreceded = false;       ///< text that is no XML stands before it
-  bool isFollowed = false;       ///< something that is no comment was cut off behind it
+  std::size_t firstNoUtf8 = std::string_view::npos;  ///< the first byte that is taken for Latin-1
+  bool isFollowed = false;                           ///< something that is no comment was cut off behind it
 };
 
 /// Copies a description, converting UTF-16, UTF-32 and declared Latin-1, and cuts what follows the document: behind the

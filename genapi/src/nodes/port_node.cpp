@@ -24,8 +24,8 @@ void failAgainAs(const char* type, const NodeCore& node, const GenericException&
   }
 }
 
-// An application's port says what went wrong, but not for whom: throws the exception again with the node's name in front
-// of its text. What is of the application's own type passes as it is. Only within a handler.
+// An application's port says what went wrong, but not for whom: throws the exception again with the node's name in
+// front of its text. What is of the application's own type passes as it is. Only within a handler.
 [[noreturn]] void rethrowNaming(const NodeCore& node, const GenericException& failure) {
   using namespace GENICAM_NAMESPACE;
   failAgainAs<GenericException>("GenericException", node, failure);

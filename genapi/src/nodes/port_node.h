@@ -44,8 +44,8 @@ class PortNode final : public NodeCore, public Api::IPortConstruct, public Api::
   // What register nodes ask, under the lock.
   void read(const NodeCore& reader, void* buffer, std::int64_t address, std::int64_t length);
   void write(const NodeCore& writer, const void* buffer, std::int64_t address, std::int64_t length);
-  /// Where an address lies that counts from the end of a chunk's or event's data, from the begin of it; other addresses,
-  /// and those of data that is not there, as they are.
+  /// Where an address lies that counts from the end of a chunk's or event's data, from the begin of it; other
+  /// addresses, and those of data that is not there, as they are.
   std::int64_t offsetOf(const NodeCore& reader, std::int64_t address);
   /// The shared bytes of that place; null when they would be too many to keep. Valid until the generation changes.
   RawBytes* rawBytes(std::int64_t address, std::int64_t length);

@@ -6,8 +6,8 @@
 #include <cinttypes>
 #include <cstring>
 
-#include "base/number_text.h"
 #include "base/limits.h"
+#include "base/number_text.h"
 #include "model/text.h"
 #include "nodemap/call.h"
 #include "nodes/port_node.h"
