@@ -96,6 +96,8 @@ TEST(Registers, BitFields) {
   }
   TestMap outside(reg("MaskedIntReg", "M", at(0), "<Bit>32</Bit>"));
   expectThrow<GenICam::RuntimeException>([&] { outside.integer("M").GetValue(); }, "do not lie in a register");
+  TestMap negative(reg("MaskedIntReg", "M", at(0), "<LSB>-1</LSB><MSB>3</MSB>"));
+  expectThrow<GenICam::RuntimeException>([&] { negative.integer("M").GetValue(); }, "do not lie in a register");
   TestMap writeOnly(reg("MaskedIntReg", "M", at(0), "<Bit>3</Bit>", "4", "WO"));
   EXPECT_THROW(writeOnly.integer("M").SetValue(1), GenICam::AccessException);
   EXPECT_EQ(writeOnly.port.reads + writeOnly.port.writes, 0);

@@ -1,6 +1,8 @@
 // MaskedIntReg nodes and the entries of StructReg: some bits of a register.
 #pragma once
 
+#include <limits>
+
 #include "nodes/integer_base.h"
 #include "nodes/register_access.h"
 
@@ -28,7 +30,7 @@ class MaskedIntRegNode final : public RegisterNode<IntegerBase> {
   };
   Field field();
 
-  static constexpr std::int64_t kWhole = -1;
+  static constexpr std::int64_t kWhole = std::numeric_limits<std::int64_t>::min();
   std::int64_t firstBit_ = kWhole;  // as the description counts them; the smaller number of the two
   std::int64_t lastBit_ = kWhole;
 };
