@@ -62,7 +62,10 @@ constexpr std::array kMeanings = {
     Meaning{"is taken for", "the name is not written as the schema has it; other programs may refuse the file"},
     Meaning{"has no Length", "the length that the camera means may be another. Add a Length"},
     Meaning{"has no pPort", "other programs may refuse the register. Add a pPort"},
-    Meaning{"is no number", "the element has no effect, as if it were not there. Write a number"},
+    Meaning{"is no number",
+            "the element has no effect, or its node is not implemented when it cannot be without it. Write a number"},
+    Meaning{"only the first counts", "other programs may refuse the file. Take the second one out"},
+    Meaning{"that is no UTF-8", "other programs may refuse the file. Save it as UTF-8, or declare its encoding"},
 };
 
 }  // namespace
