@@ -230,6 +230,27 @@ TEST(Enumerations, EntriesAndValues) {
   EXPECT_STREQ(away.get<IEnumeration>("Wo").GetCurrentEntry()->GetSymbolic(), "A");
 }
 
+TEST(Enumerations, ReadWhatClearsItselfPastTheCaches) {
+  TestMap map(reg("IntReg", "R", at(0)) +
+              "<Enumeration Name=\"E\"><EnumEntry Name=\"Off\"><Value>0</Value></EnumEntry><EnumEntry Name=\"Once\">"
+              "<Value>1</Value><IsSelfClearing>Yes</IsSelfClearing></EnumEntry><pValue>R</pValue>"
+              "<PollingTime>10</PollingTime></Enumeration>");
+  auto& once = map.get<IEnumeration>("E");
+  int told = 0;
+  Register(&map.node("E"), std::function<void(INode*)>([&](INode*) { ++told; }));
+  once = "Once";
+  EXPECT_EQ(once.GetIntValue(), 1);
+  map.port.put(0, {0});
+  map->Poll(10);
+  EXPECT_EQ(told, 2) << "by the write and by polling";
+  EXPECT_STREQ(once.ToString(), "Off");
+  const int reads = map.port.reads;
+  map->Poll(10);
+  EXPECT_EQ(once.GetIntValue(), 0);
+  EXPECT_EQ(told, 2);
+  EXPECT_EQ(map.port.reads, reads) << "what stays is cached and not polled";
+}
+
 TEST(Commands, AreDoneWhenTheirRegisterSaysSo) {
   TestMap map(reg("IntReg", "R", at(0)) + reg("IntReg", "W", at(4), {}, "4", "WO") +
               "<Command Name=\"C\"><pValue>R</pValue><CommandValue>7</CommandValue></Command>"

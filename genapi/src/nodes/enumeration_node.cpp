@@ -56,9 +56,23 @@ std::int64_t EnumerationNode::readRaw(ReadFlags flags) {
     return value_;
   }
   const ValueDescent descent(*this, state_, kValueBusy);
-  value_ = source_.read(*this, flags);
-  valueRead();
+  value_ = source_.read(*this, {flags.verify, flags.ignoreCache || isClearing_});
+  isClearing_ = clearsItself(value_);
+  if (isClearing_) {
+    clear(kValid);
+  } else {
+    valueRead();
+  }
   return value_;
+}
+
+bool EnumerationNode::clearsItself(std::int64_t value) {
+  if (clears_ == Clears::NotKnown) {
+    const bool any = std::ranges::any_of(entries_, [&](NodeIndex i) { return entry(i).IsSelfClearing(); });
+    clears_ = any ? Clears::Some : Clears::None;
+  }
+  EnumEntryNode* const current = clears_ == Clears::Some ? byValue(value) : nullptr;
+  return current != nullptr && current->IsSelfClearing();
 }
 
 void EnumerationNode::writeRaw(std::int64_t value, bool verify) {
@@ -75,7 +89,12 @@ void EnumerationNode::writeRaw(std::int64_t value, bool verify) {
   const ValueDescent descent(*this, state_, kWriteBusy);
   source_.write(*this, value, verify);
   value_ = value;
-  valueWritten();
+  isClearing_ = clearsItself(value);
+  if (isClearing_) {
+    clear(kValid);
+  } else {
+    valueWritten();
+  }
 }
 
 void EnumerationNode::GetSymbolics(Api::StringList_t& symbolics) {
@@ -198,11 +217,16 @@ std::int64_t EnumerationNode::entryValue(std::string_view symbolic) {
   return found->value();
 }
 
-// Polling is for entries that go back to another one by themselves.
+// Polling is for entries that go back to another one by themselves, until somebody reads that it has happened.
 bool EnumerationNode::isPolledNow() {
   try {
-    EnumEntryNode* const current = Api::IsReadable(accessMode()) ? byValue(readRaw({})) : nullptr;
-    return current != nullptr && current->IsSelfClearing();
+    if (!Api::IsReadable(accessMode())) {
+      return false;
+    }
+    if (!isClearing_) {
+      readRaw({});
+    }
+    return isClearing_;
   } catch (...) {
     return false;
   }

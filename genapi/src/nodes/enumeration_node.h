@@ -46,9 +46,16 @@ class EnumerationNode final : public ValueNode<Api::IEnumeration> {
   std::int64_t readRaw(ReadFlags flags);
   void writeRaw(std::int64_t value, bool verify);
 
+  /// Whether the entry of that value goes back to another one by itself.
+  bool clearsItself(std::int64_t value);
+
+  enum class Clears : std::uint8_t { NotKnown, None, Some };
+
   mutable ValueSource<std::int64_t> source_;
   std::span<NodeIndex> entries_;
   std::int64_t value_ = 0;
+  Clears clears_ = Clears::NotKnown;
+  bool isClearing_ = false;  // the last known entry clears itself: no cache knows the value
 };
 
 }  // namespace GenApiEngine
