@@ -134,6 +134,24 @@ TEST(EventAdapter, DeliversDataAndTellsTheNodes) {
   Deregister(handle);
 }
 
+TEST(EventAdapter, LetsGoOfAllPortsThoughACallbackThrows) {
+  const NodeMap map =
+      load(byteRegister("A", "PortA") + byteRegister("B", "PortB") +
+           "<Port Name=\"PortA\"><EventID>1</EventID></Port><Port Name=\"PortB\"><EventID>2</EventID></Port>");
+  {
+    CEventAdapterGeneric adapter(map.get());
+    Register(
+        map->GetNode("PortA"), [](INode*) { throw RUNTIME_EXCEPTION("the callback fails"); }, cbPostOutsideLock);
+    const uint8_t message[] = {5};
+    adapter.DeliverMessage(message, 1, 2);
+    EXPECT_EQ(valueOf(map, "B"), 5);
+    EXPECT_THROW(adapter.DetachNodeMap(), GenICam::RuntimeException);
+  }
+  EXPECT_FALSE(isReadable(map, "B"));
+  EXPECT_THROW(CEventAdapterGeneric{map.get()}, GenICam::RuntimeException);
+  EXPECT_FALSE(isReadable(map, "A")) << "the ports of the adapter that was not made are gone";
+}
+
 constexpr char kSelected[] =
     "<Enumeration Name=\"Selector\"><EnumEntry Name=\"Red\"><Value>0</Value></EnumEntry><EnumEntry "
     "Name=\"Blue\"><Value>1</Value></EnumEntry>"

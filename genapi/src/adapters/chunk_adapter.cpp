@@ -1,6 +1,8 @@
 // The chunk adapters: each chunk port of a node map gets a port of its own, onto its chunk of the attached buffer.
 #include <algorithm>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "GenApi/ChunkAdapterGeneric.h"
@@ -48,6 +50,27 @@ struct CChunkAdapter::Ports {
   INodeMap* nodeMap = nullptr;
   int64_t maxCacheSize = -1;
   std::vector<Port> ports;
+
+  Ports() = default;
+  Ports(const Ports&) = delete;
+  Ports& operator=(const Ports&) = delete;
+  ~Ports() {
+    try {
+      detachAll();
+    } catch (...) {  // NOLINT(bugprone-empty-catch)
+      // A callback that throws; nothing can be told to anyone here.
+    }
+  }
+
+  void detachAll() {
+    if (nodeMap == nullptr)
+      return;
+    // They hold the memory until the node map has let go of it.
+    const std::vector<Port> detached = std::exchange(ports, {});
+    std::vector<INode*> portNodes;
+    std::ranges::transform(detached, std::back_inserter(portNodes), &Port::node);
+    GenApiEngine::disconnect(*std::exchange(nodeMap, nullptr), portNodes);
+  }
 
   bool mayKeep(const Port& port) const {
     return port.chunk->CacheChunkData() == Yes &&
@@ -106,13 +129,7 @@ CChunkAdapter::CChunkAdapter(INodeMap* pNodeMap, int64_t MaxChunkCacheSize) : m_
     AttachNodeMap(pNodeMap);
 }
 
-CChunkAdapter::~CChunkAdapter() {
-  try {
-    DetachNodeMap();
-  } catch (...) {  // NOLINT(bugprone-empty-catch)
-    // A callback that throws; nothing can be told to anyone here.
-  }
-}
+CChunkAdapter::~CChunkAdapter() = default;
 
 void CChunkAdapter::AttachNodeMap(INodeMap* pNodeMap) {
   DetachNodeMap();
@@ -127,19 +144,13 @@ void CChunkAdapter::AttachNodeMap(INodeMap* pNodeMap) {
     auto* const chunkPort = dynamic_cast<IChunkPort*>(node);
     if (chunkPort == nullptr || !isChunkPort(*node, *chunkPort))
       continue;
-    Ports::Port port{node, chunkPort};
-    if (pNodeMap->Connect(port.memory.get(), node->GetName()))
-      m_ports->ports.push_back(std::move(port));
+    // Kept before it is connected: a callback may throw then.
+    pNodeMap->Connect(m_ports->ports.emplace_back(Ports::Port{node, chunkPort}).memory.get(), node->GetName());
   }
 }
 
 void CChunkAdapter::DetachNodeMap() {
-  if (m_ports->nodeMap == nullptr)
-    return;
-  for (const Ports::Port& port : m_ports->ports)
-    m_ports->nodeMap->Connect(static_cast<IPort*>(nullptr), port.node->GetName());
-  m_ports->ports.clear();
-  m_ports->nodeMap = nullptr;
+  m_ports->detachAll();
 }
 
 void CChunkAdapter::DetachBuffer() {

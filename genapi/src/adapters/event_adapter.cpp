@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "GenApi/EventAdapterGeneric.h"
@@ -25,6 +26,17 @@ struct CEventAdapter::Ports {
   INodeMap* nodeMap = nullptr;
   std::map<std::string, Event> events;
 
+  Ports() = default;
+  Ports(const Ports&) = delete;
+  Ports& operator=(const Ports&) = delete;
+  ~Ports() {
+    try {
+      detach();
+    } catch (...) {  // NOLINT(bugprone-empty-catch)
+      // A callback that throws; nothing can be told to anyone here.
+    }
+  }
+
   void attach(INodeMap* map) {
     nodeMap = map;
     std::map<std::string, std::vector<INode*>> nodesOf;
@@ -39,11 +51,9 @@ struct CEventAdapter::Ports {
       for (INode* const node : members) {
         if (node->GetPrincipalInterfaceType() != intfIPort)
           continue;
-        auto port = std::make_unique<MemoryPort>();
-        if (!map->Connect(port.get(), node->GetName()))
-          continue;
-        event.ports.push_back(std::move(port));
+        // Kept before it is connected: a callback may throw then.
         event.portNodes.push_back(node);
+        map->Connect(event.ports.emplace_back(std::make_unique<MemoryPort>()).get(), node->GetName());
       }
       event.sources = sourcesAmong(members, event.portNodes);
     }
@@ -69,12 +79,12 @@ struct CEventAdapter::Ports {
   void detach() {
     if (nodeMap == nullptr)
       return;
-    for (const auto& [id, event] : events) {
-      for (INode* const node : event.portNodes)
-        nodeMap->Connect(static_cast<IPort*>(nullptr), node->GetName());
-    }
-    events.clear();
-    nodeMap = nullptr;
+    // They hold the ports until the node map has let go of them.
+    const auto detached = std::exchange(events, {});
+    std::vector<INode*> portNodes;
+    for (const auto& [id, event] : detached)
+      portNodes.insert(portNodes.end(), event.portNodes.begin(), event.portNodes.end());
+    GenApiEngine::disconnect(*std::exchange(nodeMap, nullptr), portNodes);
   }
 
   void deliver(const uint8_t* data, uint32_t size, const std::string& id) {
@@ -96,13 +106,7 @@ CEventAdapter::CEventAdapter(INodeMap* pNodeMap) : m_ports(std::make_unique<Port
     AttachNodeMap(pNodeMap);
 }
 
-CEventAdapter::~CEventAdapter() {
-  try {
-    DetachNodeMap();
-  } catch (...) {  // NOLINT(bugprone-empty-catch)
-    // A callback that throws; nothing can be told to anyone here.
-  }
-}
+CEventAdapter::~CEventAdapter() = default;
 
 void CEventAdapter::AttachNodeMap(INodeMap* pNodeMap) {
   DetachNodeMap();

@@ -3,6 +3,7 @@
 
 #include <cinttypes>
 #include <cstring>
+#include <exception>
 
 #include "Base/GCException.h"
 #include "base/chunk_registers.h"
@@ -64,6 +65,19 @@ void MemoryPort::detach() {
   data_ = nullptr;
   size_ = 0;
   attached_ = false;
+}
+
+void disconnect(INodeMap& map, std::span<INode* const> portNodes) {
+  std::exception_ptr failure;
+  for (INode* const node : portNodes) {
+    try {
+      map.Connect(static_cast<IPort*>(nullptr), node->GetName());
+    } catch (...) {
+      failure = failure != nullptr ? failure : std::current_exception();
+    }
+  }
+  if (failure != nullptr)
+    std::rethrow_exception(failure);
 }
 
 }  // namespace GenApiEngine

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "GenApi/INodeMap.h"
 #include "GenApi/IPort.h"
 
 namespace GenApiEngine {
@@ -37,5 +39,9 @@ class MemoryPort : public GENAPI_NAMESPACE::IPort {
   bool attached_ = false;
   std::vector<std::uint8_t> copy_;
 };
+
+/// Disconnects those ports of a node map. Callbacks may throw: all ports are let go first, then the first exception is
+/// thrown again.
+void disconnect(GENAPI_NAMESPACE::INodeMap& map, std::span<GENAPI_NAMESPACE::INode* const> portNodes);
 
 }  // namespace GenApiEngine
