@@ -28,6 +28,22 @@ std::int64_t nanosecondsSince(Clock::time_point& from) {
 constexpr unsigned kParseOptions = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_eol |
                                    pugi::parse_wconv_attribute | pugi::parse_trim_pcdata | pugi::parse_embed_pcdata;
 
+// What most numbers are: some decimal digits. Nothing for any other text.
+std::optional<std::int64_t> fewDigits(std::string_view text) {
+  constexpr std::size_t kDigitsThatFit = 18;
+  if (text.empty() || text.size() > kDigitsThatFit) {
+    return std::nullopt;
+  }
+  std::int64_t value = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') {
+      return std::nullopt;
+    }
+    value = value * 10 + (c - '0');
+  }
+  return value;
+}
+
 std::optional<std::int64_t> parseBits(std::string_view text, Lexical lexical, NodeKind kind) {
   if (lexical == Lexical::Number) {
     const auto number = describedFloat(text);
@@ -72,7 +88,9 @@ std::size_t maxTreeBytes(std::string_view text) {
 // Gives back what was reserved in vain, where that is worth a copy.
 template<class T>
 void shrink(std::vector<T>& vector) {
-  if (vector.size() < vector.capacity() - vector.capacity() / 4) {
+  constexpr std::size_t kWorth = 16 * 1024;
+  const std::size_t unused = vector.capacity() - vector.size();
+  if (unused > vector.capacity() / 4 && unused * sizeof(T) > kWorth) {
     vector.shrink_to_fit();
   }
 }
@@ -90,26 +108,58 @@ void WarningList::add(std::uint32_t line, std::string text) {
 void LineTable::readTexts() const {
   std::uint32_t offset = 1;
   for (const std::string_view text : texts_) {
-    const DocumentText document = prepareDocument(text.data(), text.size(), cutAtFirstEnd_);
-    documents_.push_back({ends_.size(), offset});
-    const std::string_view lines(document.data.get() + 1, document.size);
-    for (std::size_t at = lines.find('\n'); at != std::string_view::npos; at = lines.find('\n', at + 1)) {
-      ends_.push_back(offset + static_cast<std::uint32_t>(at));
+    Document& document = documents_.emplace_back();
+    document.offset = offset;
+    const std::optional<std::string_view> plain = plainText(text.data(), text.size(), cutAtFirstEnd_);
+    if (!plain) {
+      document.converted = prepareDocument(text.data(), text.size(), cutAtFirstEnd_);
     }
-    offset += static_cast<std::uint32_t>(document.size) + 2;
+    document.text = plain ? *plain : std::string_view(document.converted.data.get() + 1, document.converted.size);
+    std::uint32_t lines = 0;
+    for (std::size_t at = 0; at < document.text.size(); at += kBlock) {
+      document.linesBefore.push_back(lines);
+      lines += countLines(document.text.substr(at, kBlock));
+    }
+    document.linesBefore.push_back(lines);
+    offset += static_cast<std::uint32_t>(document.text.size()) + 2;
   }
 }
 
-LineTable::Position LineTable::positionOf(std::uint32_t offset) const {
+std::uint32_t LineTable::countLines(std::string_view text) {
+  // Pieces whose sum fits into a byte, so that the compiler counts in many bytes at once.
+  constexpr std::size_t kPiece = 128;
+  std::uint32_t lines = 0;
+  for (; text.size() >= kPiece; text.remove_prefix(kPiece)) {
+    std::uint8_t inPiece = 0;
+    for (std::size_t i = 0; i < kPiece; ++i) {
+      inPiece = static_cast<std::uint8_t>(inPiece + (text[i] == '\n' ? 1 : 0));
+    }
+    lines += inPiece;
+  }
+  return lines + static_cast<std::uint32_t>(std::ranges::count(text, '\n'));
+}
+
+std::string_view LineTable::textBefore(std::uint32_t offset, const Document*& document) const {
   if (documents_.empty()) {
     readTexts();
   }
   const auto after = std::ranges::upper_bound(documents_, offset, {}, &Document::offset);
-  const Document document = after == documents_.begin() ? Document{0, 0} : *std::prev(after);
-  const auto first = ends_.begin() + static_cast<std::ptrdiff_t>(document.firstEnd);
-  const auto end = std::lower_bound(first, ends_.end(), offset);
-  const std::uint32_t start = end == first ? document.offset : *std::prev(end) + 1;
-  return {static_cast<std::uint32_t>(end - first) + 1, offset - start + 1};
+  document = after == documents_.begin() ? documents_.data() : &*std::prev(after);
+  return document->text.substr(0, offset - std::min(offset, document->offset));
+}
+
+std::uint32_t LineTable::lineOf(std::uint32_t offset) const {
+  const Document* document = nullptr;
+  const std::string_view before = textBefore(offset, document);
+  const std::size_t block = before.size() / kBlock;
+  return document->linesBefore[block] + countLines(before.substr(block * kBlock)) + 1;
+}
+
+LineTable::Position LineTable::positionOf(std::uint32_t offset) const {
+  const Document* document = nullptr;
+  const std::string_view before = textBefore(offset, document);
+  const std::size_t lineStart = before.rfind('\n') + 1;  // 0 when there is none
+  return {lineOf(offset), static_cast<std::uint32_t>(before.size() - lineStart) + 1};
 }
 
 std::shared_ptr<const Model> buildModel(std::span<const std::string_view> documents) {
@@ -249,46 +299,44 @@ void ModelBuilder::addDocument(pugi::xml_node root, bool first) {
 }
 
 void ModelBuilder::readRoot(pugi::xml_node root) {
-  struct TextField {
-    std::string_view name;
-    std::string DescriptionInfo::*field;
-  };
-  constexpr std::array kTexts{
-      TextField{"ModelName", &DescriptionInfo::modelName},
-      TextField{"VendorName", &DescriptionInfo::vendorName},
-      TextField{"ToolTip", &DescriptionInfo::toolTip},
-      TextField{"StandardNameSpace", &DescriptionInfo::standardNameSpace},
-      TextField{"ProductGuid", &DescriptionInfo::productGuid},
-      TextField{"VersionGuid", &DescriptionInfo::versionGuid},
-  };
   DescriptionInfo& info = model_.info_;
-  struct NumberField {
+  struct Field {
     std::string_view name;
-    std::uint16_t* field;
+    std::string* text = nullptr;
+    std::uint16_t* number = nullptr;
+    bool known = false;
   };
-  const std::array numbers{
-      NumberField{"SchemaMajorVersion", &info.schema[0]},    NumberField{"SchemaMinorVersion", &info.schema[1]},
-      NumberField{"SchemaSubMinorVersion", &info.schema[2]}, NumberField{"MajorVersion", &info.version[0]},
-      NumberField{"MinorVersion", &info.version[1]},         NumberField{"SubMinorVersion", &info.version[2]},
+  std::array fields{
+      Field{"ModelName", &info.modelName},
+      Field{"VendorName", &info.vendorName},
+      Field{"ToolTip", &info.toolTip},
+      Field{"StandardNameSpace", &info.standardNameSpace},
+      Field{"ProductGuid", &info.productGuid},
+      Field{"VersionGuid", &info.versionGuid},
+      Field{"SchemaMajorVersion", nullptr, &info.schema[0]},
+      Field{"SchemaMinorVersion", nullptr, &info.schema[1]},
+      Field{"SchemaSubMinorVersion", nullptr, &info.schema[2]},
+      Field{"MajorVersion", nullptr, &info.version[0]},
+      Field{"MinorVersion", nullptr, &info.version[1]},
+      Field{"SubMinorVersion", nullptr, &info.version[2]},
   };
-  std::array<bool, kTexts.size() + numbers.size()> known{};
   bool hasSchema = false;
   for (const pugi::xml_attribute attribute : root.attributes()) {
     const std::string_view name = attribute.name();
-    const auto isName = [name](const auto& field) { return equalsIgnoringCase(field.name, name); };
-    const auto text = std::ranges::find_if(kTexts, isName);
-    const auto number = std::ranges::find_if(numbers, isName);
-    const auto place = static_cast<std::size_t>(text != kTexts.end() ? text - kTexts.begin()
-                                                                     : std::ssize(kTexts) + (number - numbers.begin()));
-    if (place < known.size() && std::exchange(known[place], true)) {
+    const auto field =
+        std::ranges::find_if(fields, [name](const Field& known) { return equalsIgnoringCase(known.name, name); });
+    if (field == fields.end()) {
+      continue;
+    }
+    if (std::exchange(field->known, true)) {
       warnRepeated(root, attribute);
-    } else if (text != kTexts.end()) {
-      info.*text->field = toUtf8(trim(attribute.value()));
-    } else if (number != numbers.end()) {
-      hasSchema = hasSchema || number->field == &info.schema[0];
+    } else if (field->text != nullptr) {
+      *field->text = toUtf8(trim(attribute.value()));
+    } else {
+      hasSchema = hasSchema || field->number == &info.schema[0];
       const auto value = describedInteger(attribute.value());
       if (value && *value >= 0 && *value <= std::numeric_limits<std::uint16_t>::max()) {
-        *number->field = static_cast<std::uint16_t>(*value);
+        *field->number = static_cast<std::uint16_t>(*value);
       } else {
         warn(root, std::string(name) + " is no version number: '" + attribute.value() + "'");
       }
@@ -418,12 +466,17 @@ void ModelBuilder::buildNested(const std::vector<Nested>& nested, NodeIndex owne
 void ModelBuilder::emitAttributes(pugi::xml_node xml, Draft& draft) {
   NodeRecord& record = draft.record;
   Element element = Element::Unknown;
-  for (pugi::xml_attribute attribute = xml.first_attribute(); attribute; attribute = attribute.next_attribute()) {
-    const Span span = spanOf(attribute.value());
+  for (pugi::xml_attribute attribute = xml.first_attribute();; attribute = attribute.next_attribute()) {
+    const char* const name = attribute.name();
+    if (*name == '\0') {
+      return;
+    }
+    const char* const value = attribute.value();
+    const Span span = *value == '\0' ? Span{} : spanOf({value, textLength(value)});
     if (span.length == 0) {
       continue;
     }
-    element = finder_.find(attribute.name(), element).element;
+    element = finder_.find(name, element).element;
     if (element != Element::Unknown &&
         (element == Element::Name ? record.nameLength != 0 : draft.present.has(element))) {
       warnRepeated(xml, attribute);
@@ -463,7 +516,26 @@ void ModelBuilder::emitChildren(pugi::xml_node xml, Draft& draft) {
       warn(child, "element '" + std::string(name) + "' in '" + nameOf(draft.record) + "' is taken for " +
                       std::string(infoOf(match.element).name));
     }
-    emitChild(child, match.element, draft);
+    const Span text = textOf(child);
+    if (text.length == 0) {
+      continue;  // as if it were not there
+    }
+    const ElementInfo& info = infoOf(match.element);
+    std::uint32_t number = kNoNode;
+    if (info.lexical == Lexical::Integer || info.lexical == Lexical::Number) {
+      const auto place = addNumber(child, match.element, text, draft);
+      if (!place) {
+        continue;
+      }
+      number = *place;
+    }
+    emit(draft, match.element, text).target = number;
+    // Where the text begins right behind the bracket of the tag, which the parser has made a NUL, nothing is between it
+    // and the name; to ask the tree takes longer.
+    const bool hasNoRoom = match.exact && model_.text_.get() + text.offset == name + info.name.size() + 1;
+    if (!hasNoRoom && child.first_attribute()) {
+      emitAttributesOfChild(child, draft);
+    }
   }
 }
 
@@ -485,26 +557,6 @@ void ModelBuilder::emitOther(pugi::xml_node child, Element element, Draft& draft
   } else {
     warn(child,
          "element '" + std::string(child.name()) + "' in '" + nameOf(draft.record) + "' is not known and is skipped");
-  }
-}
-
-void ModelBuilder::emitChild(pugi::xml_node child, Element element, Draft& draft) {
-  const Span text = textOf(child);
-  if (text.length == 0) {
-    return;  // as if it were not there
-  }
-  std::uint32_t number = kNoNode;
-  if (const Lexical lexical = infoOf(element).lexical; lexical == Lexical::Integer || lexical == Lexical::Number) {
-    const auto place = addNumber(child, element, text, draft);
-    if (!place) {
-      return;
-    }
-    number = *place;
-  }
-  Property& property = emit(draft, element, text);
-  property.target = number;
-  if (child.first_attribute()) {
-    emitAttributesOfChild(child, draft);
   }
 }
 
@@ -538,7 +590,13 @@ std::optional<std::uint32_t> ModelBuilder::addNumber(pugi::xml_node child, Eleme
   if (lexical == Lexical::Text) {
     return kNoNode;
   }
-  if (const auto bits = parseBits(text, lexical, draft.element)) {
+  auto bits = fewDigits(text);
+  if (bits && lexical == Lexical::Number) {
+    bits = std::bit_cast<std::int64_t>(static_cast<double>(*bits));
+  } else if (!bits) {
+    bits = parseBits(text, lexical, draft.element);
+  }
+  if (bits) {
     model_.numbers_.push_back(*bits);
     return static_cast<std::uint32_t>(model_.numbers_.size() - 1);
   }
@@ -588,14 +646,6 @@ void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
       }
       break;
   }
-}
-
-ModelBuilder::Span ModelBuilder::textOf(pugi::xml_node element) const {
-  if (const pugi::xml_node first = element.first_child()) {
-    return joinedTextOf(element, first);
-  }
-  const std::string_view text = element.value();
-  return text.empty() ? Span{} : spanOf(text);
 }
 
 // Comments and CDATA sections split a text into parts that lie behind each other in the buffer; they are moved

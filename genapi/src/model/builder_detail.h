@@ -28,7 +28,7 @@ class WarningList {
   std::size_t suppressed_ = 0;
 };
 
-/// Where the lines of the texts begin. Parsing in place destroys the line ends, so the texts are prepared once more
+/// Where the lines of the texts begin. Parsing in place destroys the line ends, so the texts are looked at once more
 /// when somebody asks; most descriptions are loaded without a question.
 class LineTable {
  public:
@@ -36,7 +36,7 @@ class LineTable {
       : texts_(texts),
         cutAtFirstEnd_(cutAtFirstEnd) {}
 
-  std::uint32_t lineOf(std::uint32_t offset) const { return positionOf(offset).line; }
+  std::uint32_t lineOf(std::uint32_t offset) const;
   struct Position {
     std::uint32_t line, column;
   };
@@ -44,15 +44,20 @@ class LineTable {
   Position positionOf(std::uint32_t offset) const;
 
  private:
+  // The lines are counted once for each block, and within one block at every question.
+  static constexpr std::size_t kBlock = 4096;
   struct Document {
-    std::size_t firstEnd;
-    std::uint32_t offset;
+    std::uint32_t offset = 0;
+    std::string_view text;
+    DocumentText converted;  // what the text is in, unless it is the caller's
+    std::vector<std::uint32_t> linesBefore;
   };
   void readTexts() const;
+  std::string_view textBefore(std::uint32_t offset, const Document*& document) const;
+  static std::uint32_t countLines(std::string_view text);
 
   std::span<const std::string_view> texts_;
   bool cutAtFirstEnd_;
-  mutable std::vector<std::uint32_t> ends_;
   mutable std::vector<Document> documents_;
 };
 
@@ -95,20 +100,31 @@ class ModelBuilder {
   void emitAttributes(pugi::xml_node xml, Draft& draft);
   void emitChildren(pugi::xml_node xml, Draft& draft);
   void emitOther(pugi::xml_node child, Element element, Draft& draft);
-  void emitChild(pugi::xml_node child, Element element, Draft& draft);
   void emitAttributesOfChild(pugi::xml_node child, Draft& draft);
   std::optional<std::uint32_t> addNumber(pugi::xml_node child, Element element, Span span, Draft& draft);
   Property& emit(Draft& draft, Element element, Span text) {
     draft.present.add(element);
-    Property& property = model_.properties_.emplace_back();
-    property.text = text.offset;
-    property.lengthAndElement = (std::min(text.length, kMaxTextLength) << 8) | static_cast<std::uint32_t>(element);
-    return property;
+    const std::uint32_t lengthAndElement =
+        (std::min(text.length, kMaxTextLength) << 8) | static_cast<std::uint32_t>(element);
+    return model_.properties_.emplace_back(Property{text.offset, lengthAndElement, 0, kNoNode});
   }
   void buildNested(const std::vector<Nested>& nested, NodeIndex owner);
   void checkRequired(NodeIndex index, const ElementSet& present);
   // Without text the span is empty; its offset then means nothing.
-  Span textOf(pugi::xml_node element) const;
+  Span textOf(pugi::xml_node element) const {
+    if (const pugi::xml_node first = element.first_child()) {
+      return joinedTextOf(element, first);
+    }
+    const char* const text = element.value();
+    if (*text == '\0') {
+      return {};
+    }
+    // The parser has cut blanks off; one that is written as an entity may still stand in front.
+    const std::size_t length = textLength(text);
+    return isBlank(*text)
+               ? spanOf({text, length})
+               : Span{static_cast<std::uint32_t>(text - model_.text_.get()), static_cast<std::uint32_t>(length)};
+  }
   Span joinedTextOf(pugi::xml_node element, pugi::xml_node first) const;
   Span spanOf(std::string_view text) const {
     const std::string_view trimmed = trim(text);

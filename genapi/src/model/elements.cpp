@@ -169,23 +169,12 @@ constexpr std::array kVariants{
     Variant{"SwapEndianness", Element::SwapEndianess},
 };
 
-// A name as three words, zeros behind its end, so that names are compared and hashed by words.
-struct NameWords {
-  std::uint64_t first = 0;
-  std::uint64_t second = 0;
-  std::uint64_t third = 0;
-
-  constexpr bool operator==(const NameWords&) const = default;
-  constexpr std::size_t slot() const {
-    constexpr std::uint64_t kMultiplier = 0xD4620A8BB728B7F9ULL;
-    const std::uint64_t mixed = first ^ std::rotl(second, 23) ^ std::rotl(third, 41);
-    return static_cast<std::size_t>((mixed * kMultiplier) >> (64 - kSlotBits));
-  }
-
-  static constexpr unsigned kSlotBits = 10;
-  static constexpr std::size_t kLongest = 3 * sizeof(std::uint64_t) - 1;
-};
-static_assert(NameWords::kLongest <= kTextSlack);
+constexpr unsigned kSlotBits = 10;
+constexpr std::size_t slotOf(const NameWords& words) {
+  constexpr std::uint64_t kMultiplier = 0xD4620A8BB728B7F9ULL;
+  const std::uint64_t mixed = words.first ^ std::rotl(words.second, 23) ^ std::rotl(words.third, 41);
+  return static_cast<std::size_t>((mixed * kMultiplier) >> (64 - kSlotBits));
+}
 static_assert(std::endian::native == std::endian::little, "names are read as little-endian words");
 
 constexpr NameWords wordsOf(std::string_view name) {
@@ -196,27 +185,14 @@ constexpr NameWords wordsOf(std::string_view name) {
   return {words[0], words[1], words[2]};
 }
 
-// The high bits of a word's bytes that are zero; the lowest of the bits is exact.
-constexpr std::uint64_t zerosIn(std::uint64_t word) {
-  return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
-}
 // The bytes of a word in front of the first zero byte.
 constexpr std::uint64_t cut(std::uint64_t word, std::uint64_t zeros) {
   return word & ((~zeros & (zeros - 1)) >> 7);
 }
 
-struct KnownName {
-  NameWords words;
-  NameWords mask;  // ones where the name and its NUL are
+}  // namespace
 
-  bool matches(const char* name) const {
-    return (((wordAt<std::uint64_t>(name) ^ words.first) & mask.first) |
-            ((wordAt<std::uint64_t>(name + 8) ^ words.second) & mask.second) |
-            ((wordAt<std::uint64_t>(name + 16) ^ words.third) & mask.third)) == 0;
-  }
-};
-
-constexpr auto kKnownNames = [] {
+constexpr std::array<KnownName, static_cast<std::size_t>(Element::Unknown) + 1> kKnownNames = [] {
   std::array<KnownName, std::size(kElements)> all;
   std::ranges::transform(kElements, all.begin(), [](const ElementInfo& info) {
     constexpr std::string_view kOnes =
@@ -227,17 +203,19 @@ constexpr auto kKnownNames = [] {
   return all;
 }();
 
+namespace {
+
 // Each known name has a slot of its own.
 constexpr auto kSlotTable = [] {
-  std::array<Element, std::size_t{1} << NameWords::kSlotBits> slots{};
+  std::array<Element, std::size_t{1} << kSlotBits> slots{};
   slots.fill(Element::Unknown);
   for (const ElementInfo& info : kElements) {
-    slots[wordsOf(info.name).slot()] = info.element;
+    slots[slotOf(wordsOf(info.name))] = info.element;
   }
   return slots;
 }();
 static_assert(std::ranges::all_of(kElements, [](const ElementInfo& info) {
-  return info.name.size() <= NameWords::kLongest && kSlotTable[wordsOf(info.name).slot()] == info.element;
+  return info.name.size() <= NameWords::kLongest && kSlotTable[slotOf(wordsOf(info.name))] == info.element;
 }));
 
 Element findForgiving(std::string_view name) {
@@ -255,7 +233,7 @@ Element findForgiving(std::string_view name) {
 }
 
 ElementMatch find(const NameWords& words, const char* name) {
-  const Element found = kSlotTable[words.slot()];
+  const Element found = kSlotTable[slotOf(words)];
   if (found != Element::Unknown && kKnownNames[static_cast<std::size_t>(found)].words == words) {
     return {found, true};
   }
@@ -278,16 +256,6 @@ bool hasRegister(NodeKind kind) {
   }
 }
 
-Lexical lexicalOf(Element element, NodeKind kind) {
-  if (element == Element::Value && kind == NodeKind::String) {
-    return Lexical::Text;
-  }
-  const bool isFloat = kind == NodeKind::Float || kind == NodeKind::FloatReg || kind == NodeKind::SwissKnife ||
-                       kind == NodeKind::Converter;
-  const Lexical lexical = infoOf(element).lexical;
-  return lexical == Lexical::Number && element != Element::NumericValue && !isFloat ? Lexical::Integer : lexical;
-}
-
 ElementMatch findElement(const char* name) {
   const auto first = wordAt<std::uint64_t>(name);
   if (const std::uint64_t zeros = zerosIn(first); zeros != 0) {
@@ -304,14 +272,10 @@ ElementMatch findElement(const char* name) {
   return {findForgiving(name), false};
 }
 
-ElementMatch ElementFinder::find(const char* name, Element previous) {
-  Element& follower = followers_[static_cast<std::size_t>(previous)];
-  if (kKnownNames[static_cast<std::size_t>(follower)].matches(name)) {
-    return {follower, true};
-  }
+ElementMatch ElementFinder::search(const char* name, Element previous) {
   const ElementMatch match = findElement(name);
   if (match.exact) {
-    follower = match.element;
+    followers_[static_cast<std::size_t>(previous)] = match.element;
   }
   return match;
 }

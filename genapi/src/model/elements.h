@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "model/text.h"
+
 namespace GenApiEngine {
 
 /// Elements and attributes that the engine knows. Node kinds come first, so that a kind is an element's number.
@@ -185,7 +187,15 @@ inline const ElementInfo& infoOf(Element element) {
 /// Whether nodes of that kind lie in a register that holds one value.
 bool hasRegister(NodeKind kind);
 /// How the text of an element is understood in a node of that kind.
-Lexical lexicalOf(Element element, NodeKind kind);
+inline Lexical lexicalOf(Element element, NodeKind kind) {
+  if (element == Element::Value && kind == NodeKind::String) {
+    return Lexical::Text;
+  }
+  const bool isFloat = kind == NodeKind::Float || kind == NodeKind::FloatReg || kind == NodeKind::SwissKnife ||
+                       kind == NodeKind::Converter;
+  const Lexical lexical = infoOf(element).lexical;
+  return lexical == Lexical::Number && element != Element::NumericValue && !isFloat ? Lexical::Integer : lexical;
+}
 
 struct ElementMatch {
   Element element = Element::Unknown;
@@ -197,6 +207,33 @@ struct ElementMatch {
 /// @param name  not empty; ends with a NUL, behind which kTextSlack bytes can be read
 ElementMatch findElement(const char* name);
 
+/// A name as three words, zeros behind its end, so that names are compared and hashed by words.
+struct NameWords {
+  std::uint64_t first = 0;
+  std::uint64_t second = 0;
+  std::uint64_t third = 0;
+
+  static constexpr std::size_t kLongest = 3 * sizeof(std::uint64_t) - 1;
+  static_assert(kLongest <= kTextSlack);
+
+  constexpr bool operator==(const NameWords&) const = default;
+};
+
+/// The name of an element as it stands in a text.
+struct KnownName {
+  NameWords words;
+  NameWords mask;  ///< ones where the name and its NUL are
+
+  bool matches(const char* name) const {
+    return (((wordAt<std::uint64_t>(name) ^ words.first) & mask.first) |
+            ((wordAt<std::uint64_t>(name + 8) ^ words.second) & mask.second) |
+            ((wordAt<std::uint64_t>(name + 16) ^ words.third) & mask.third)) == 0;
+  }
+};
+
+/// The names of all elements, in the order of the enumeration.
+extern const std::array<KnownName, static_cast<std::size_t>(Element::Unknown) + 1> kKnownNames;
+
 /// Finds elements that follow each other, in the order that the last ones had: descriptions say the same things of one
 /// node after the other, and to compare with a name is faster than to search it.
 class ElementFinder {
@@ -206,9 +243,15 @@ class ElementFinder {
   /// As findElement.
   ///
   /// @param previous  the element before it, or the one around it
-  ElementMatch find(const char* name, Element previous);
+  ElementMatch find(const char* name, Element previous) {
+    const Element follower = followers_[static_cast<std::size_t>(previous)];
+    return kKnownNames[static_cast<std::size_t>(follower)].matches(name) ? ElementMatch{follower, true}
+                                                                         : search(name, previous);
+  }
 
  private:
+  ElementMatch search(const char* name, Element previous);
+
   std::array<Element, static_cast<std::size_t>(Element::Unknown) + 1> followers_;
 };
 

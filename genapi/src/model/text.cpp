@@ -157,36 +157,55 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
   return text.size();
 }
 
-// Copies a text and says whether all of it is ASCII.
-bool copyAscii(char* to, std::string_view text) {
-  // Blocks that stay near the processor between the copy and the look at them.
-  constexpr std::size_t kBlock = 4096;
+bool isAscii(std::string_view text) {
   std::uint64_t bits = 0;
-  while (!text.empty()) {
-    const std::size_t size = std::min(text.size(), kBlock);
-    std::memcpy(to, text.data(), size);
-    std::size_t at = 0;
-    for (; at + sizeof bits <= size; at += sizeof bits) {
-      bits |= wordAt<std::uint64_t>(to + at);
-    }
-    for (; at < size; ++at) {
-      bits |= wordAt<std::uint8_t>(to + at);
-    }
-    to += size;
-    text.remove_prefix(size);
+  std::size_t at = 0;
+  for (; at + sizeof bits <= text.size(); at += sizeof bits) {
+    bits |= wordAt<std::uint64_t>(text.data() + at);
+  }
+  for (; at < text.size(); ++at) {
+    bits |= wordAt<std::uint8_t>(text.data() + at);
   }
   return (bits & 0x8080808080808080U) == 0;
 }
 
-std::size_t firstNoUtf8(std::string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
+// Moves on over the sequences that begin in front of `end`; stops at a byte that begins none. Whether it came to the
+// end.
+bool skipUtf8(std::string_view text, std::size_t& at, std::size_t end) {
+  while (at < end) {
     const std::size_t length = sequenceLength(text.substr(at));
     if (length == 0) {
-      return at;
+      return false;
     }
     at += length;
   }
-  return std::string_view::npos;
+  return true;
+}
+
+// Copies a text and finds the first byte of it that is no UTF-8; npos when there is none.
+std::size_t copyText(char* to, std::string_view text) {
+  // Blocks that stay near the processor between the copy and the look at them.
+  constexpr std::size_t kBlock = 4096;
+  std::size_t checked = 0;
+  bool isUtf8 = true;
+  for (std::size_t at = 0; at < text.size(); at += kBlock) {
+    const std::string_view block = text.substr(at, kBlock);
+    std::memcpy(to + at, block.data(), block.size());
+    if (isUtf8 && !isAscii(block)) {
+      checked = std::max(checked, at);
+      isUtf8 = skipUtf8(text, checked, at + block.size());
+    }
+  }
+  return isUtf8 ? std::string_view::npos : checked;
+}
+
+std::string latin1ToUtf8(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 16 + 16);
+  for (const char c : text) {
+    appendUtf8(out, static_cast<unsigned char>(c));
+  }
+  return out;
 }
 
 DocumentText own(std::string_view text, bool cutAtFirstEnd) {
@@ -199,12 +218,21 @@ DocumentText own(std::string_view text, bool cutAtFirstEnd) {
   out.isFollowed = !behind.empty() && !behind.starts_with("<!--");
   out.data = std::make_unique_for_overwrite<char[]>(text.size() + 2 + kTextSlack);
   out.data[0] = '\0';
-  if (!copyAscii(out.data.get() + 1, text)) {
-    out.firstNoUtf8 = firstNoUtf8(text);
-  }
+  out.firstNoUtf8 = copyText(out.data.get() + 1, text);
   std::fill_n(out.data.get() + text.size() + 1, 1 + kTextSlack, '\0');
   out.size = text.size();
   return out;
+}
+
+// A text that is UTF-8 or claims to be, without byte-order mark and up to its first NUL.
+std::optional<std::string_view> unconverted(const void* data, std::size_t size) {
+  const WideForm form = detectForm(static_cast<const unsigned char*>(data), size);
+  if (form.width != 1) {
+    return std::nullopt;
+  }
+  const std::string_view text(static_cast<const char*>(data) + form.mark, size - form.mark);
+  const std::string_view whole = text.substr(0, std::min(text.find('\0'), text.size()));
+  return declaresLatin1(whole) ? std::nullopt : std::optional(whole);
 }
 
 }  // namespace
@@ -226,18 +254,19 @@ bool parseYesNo(std::string_view text, bool otherwise) {
 }
 
 std::string toUtf8(std::string_view text) {
-  if (firstNoUtf8(text) == std::string_view::npos) {
-    return std::string(text);
-  }
-  std::string out;
-  out.reserve(text.size() + 16);
-  for (const char c : text) {
-    appendUtf8(out, static_cast<unsigned char>(c));
-  }
-  return out;
+  std::size_t at = 0;
+  return isAscii(text) || skipUtf8(text, at, text.size()) ? std::string(text) : latin1ToUtf8(text);
+}
+
+std::optional<std::string_view> plainText(const void* data, std::size_t size, bool cutAtFirstEnd) {
+  const auto text = unconverted(data, size);
+  return text ? std::optional(text->substr(0, documentSize(*text, cutAtFirstEnd))) : std::nullopt;
 }
 
 DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirstEnd) {
+  if (const auto text = unconverted(data, size)) {
+    return own(*text, cutAtFirstEnd);
+  }
   const auto* bytes = static_cast<const unsigned char*>(data);
   const WideForm form = detectForm(bytes, size);
   bytes += form.mark;
@@ -248,17 +277,8 @@ DocumentText prepareDocument(const void* data, std::size_t size, bool cutAtFirst
   if (form.width == 2) {
     return own(convertWide<2>(bytes, size, form.bigEndian), cutAtFirstEnd);
   }
-  std::string_view text(reinterpret_cast<const char*>(bytes), size);
-  text = text.substr(0, std::min(text.find('\0'), text.size()));
-  if (declaresLatin1(text)) {
-    std::string converted;
-    converted.reserve(text.size() + text.size() / 16);
-    for (const char c : text) {
-      appendUtf8(converted, static_cast<unsigned char>(c));
-    }
-    return own(converted, cutAtFirstEnd);
-  }
-  return own(text, cutAtFirstEnd);
+  const std::string_view text(reinterpret_cast<const char*>(bytes), size);
+  return own(latin1ToUtf8(text.substr(0, std::min(text.find('\0'), text.size()))), cutAtFirstEnd);
 }
 
 }  // namespace GenApiEngine

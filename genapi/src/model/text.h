@@ -2,10 +2,12 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +36,21 @@ std::uint64_t wordAt(const char* text) {
   Word word;
   std::memcpy(&word, text, sizeof word);
   return word;
+}
+
+/// The high bits of a word's bytes that are zero; the lowest of the bits is exact.
+constexpr std::uint64_t zerosIn(std::uint64_t word) {
+  return (word - 0x0101010101010101U) & ~word & 0x8080808080808080U;
+}
+
+/// The length of a text that ends with a NUL, behind which kTextSlack bytes can be read; most are short.
+inline std::size_t textLength(const char* text) {
+  for (std::size_t at = 0; at < kTextSlack + 1; at += sizeof(std::uint64_t)) {
+    if (const std::uint64_t zeros = zerosIn(wordAt<std::uint64_t>(text + at)); zeros != 0) {
+      return at + static_cast<std::size_t>(std::countr_zero(zeros)) / 8;
+    }
+  }
+  return kTextSlack + 1 + std::strlen(text + kTextSlack + 1);
 }
 
 /// A fast hash of a short text. Its last word overlaps the one before, so that no byte is left over.
@@ -97,6 +114,9 @@ struct DocumentText {
   std::size_t firstNoUtf8 = std::string_view::npos;  ///< the first byte that is taken for Latin-1
   bool isFollowed = false;                           ///< something that is no comment was cut off behind it
 };
+
+/// What prepareDocument copies of a description that it need not convert.
+std::optional<std::string_view> plainText(const void* data, std::size_t size, bool cutAtFirstEnd);
 
 /// Copies a description, converting UTF-16, UTF-32 and declared Latin-1, and cuts what follows the document: behind the
 /// first end tag of its root, or, while that need not be, only when the text does not end with such a tag.

@@ -18,8 +18,9 @@ void* Arena::allocate(std::size_t size, std::size_t alignment) {
   const auto misaligned = reinterpret_cast<std::uintptr_t>(next_) % alignment;
   const std::size_t padding = misaligned == 0 ? 0 : alignment - misaligned;
   if (next_ == nullptr || padding + size > left_) {
-    constexpr std::size_t kChunk = 64 * 1024;
-    reserve(std::max(size, kChunk));
+    constexpr std::size_t kSmallestChunk = 1024;
+    constexpr std::size_t kLargestChunk = 64 * 1024;
+    reserve(std::max(size, std::clamp(bytes_ / 4, kSmallestChunk, kLargestChunk)));
     return allocate(size, alignment);
   }
   std::byte* const place = next_ + padding;
