@@ -302,6 +302,8 @@ TEST(Errors, AreAskedForAfterAVerifiedWrite) {
     EXPECT_NO_THROW(read(false));
     expectThrow<GenICam::RuntimeException>([&] { read(true); }, "Too hot");
   }
+  map.node("Error").ImposeAccessMode(NA);
+  EXPECT_NO_THROW(map.integer("X").SetValue(4)) << "what cannot say it is none";
 }
 
 TEST(Strings, OwnAndOfOthers) {

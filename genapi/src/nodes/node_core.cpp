@@ -390,7 +390,8 @@ void NodeCore::checkErrors() {
   }
   for (const Property& property : properties()) {
     NodeCore* const error = property.element() == Element::pError ? other(property.target) : nullptr;
-    if (error == nullptr || !error->saysYes({false, true})) {
+    // What an error node cannot say is no error of the write, which has succeeded.
+    if (error == nullptr || !Api::IsReadable(error->accessMode()) || !error->saysYes({false, true})) {
       continue;
     }
     std::string text = "Error reported by " + error->nodeName();
