@@ -190,6 +190,8 @@ class ModelLinker {
   std::vector<Edge> edges_;                              // in the order of the references
   std::vector<bool> dropped_;
   bool anyDropped_ = false;
+  std::string_view lastPortName_;  // most registers have the port of the one before
+  NodeIndex lastPort_ = kNoNode;
 };
 
 }  // namespace GenApiEngine

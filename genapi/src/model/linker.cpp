@@ -220,13 +220,23 @@ void ModelLinker::resolveReferences() {
 // False, with a warning, when the node that is meant is not there.
 bool ModelLinker::resolve(NodeRecord& record, Property& property, NodeIndex impliedPort) {
   const std::string_view text = model_.text(property);
-  const bool implied = property.element() == Element::pPort && text.empty();
-  property.target = implied ? impliedPort : model_.indexOf(text);
+  const bool isPort = property.element() == Element::pPort;
+  if (isPort && text.empty()) {
+    property.target = impliedPort;
+  } else if (isPort && text == lastPortName_) {
+    property.target = lastPort_;
+  } else {
+    property.target = model_.indexOf(text);
+  }
   if (property.target == kNoNode && property.element() == Element::pVariable) {
     // "Gain.Max" as the text of a variable is the limit of Gain.
     property.target = model_.indexOf(text.substr(0, text.find('.')));
   }
   if (property.target != kNoNode) {
+    if (isPort && !text.empty()) {
+      lastPortName_ = text;
+      lastPort_ = property.target;
+    }
     return true;
   }
   const ElementInfo& info = infoOf(property.element());

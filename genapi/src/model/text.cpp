@@ -158,13 +158,14 @@ std::size_t documentSize(std::string_view text, bool cutAtFirstEnd) {
 }
 
 bool isAscii(std::string_view text) {
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
   std::uint64_t bits = 0;
-  std::size_t at = 0;
-  for (; at + sizeof bits <= text.size(); at += sizeof bits) {
-    bits |= wordAt<std::uint64_t>(text.data() + at);
+  const std::size_t words = text.size() / kWord;
+  for (std::size_t i = 0; i < words; ++i) {  // counted, so that the compiler takes several at once
+    bits |= wordAt<std::uint64_t>(text.data() + i * kWord);
   }
-  for (; at < text.size(); ++at) {
-    bits |= wordAt<std::uint8_t>(text.data() + at);
+  for (const char c : text.substr(words * kWord)) {
+    bits |= static_cast<unsigned char>(c);
   }
   return (bits & 0x8080808080808080U) == 0;
 }

@@ -15,8 +15,8 @@
 namespace GenApiEngine {
 
 void* Arena::allocate(std::size_t size, std::size_t alignment) {
-  const auto misaligned = reinterpret_cast<std::uintptr_t>(next_) % alignment;
-  const std::size_t padding = misaligned == 0 ? 0 : alignment - misaligned;
+  // Alignments are powers of two.
+  const std::size_t padding = (0 - reinterpret_cast<std::uintptr_t>(next_)) & (alignment - 1);
   if (next_ == nullptr || padding + size > left_) {
     constexpr std::size_t kSmallestChunk = 1024;
     constexpr std::size_t kLargestChunk = 64 * 1024;
