@@ -462,7 +462,7 @@ bool NodeCore::IsDeprecated() const {
   return parseYesNo(propertyText(Element::IsDeprecated), false);
 }
 gcstring NodeCore::GetDocuURL() const {
-  return toGc(propertyText(Element::DocuURL));
+  return toGc(toUtf8(propertyText(Element::DocuURL)));
 }
 bool NodeCore::IsFeature() const {
   return record().feature;
