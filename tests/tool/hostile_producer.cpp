@@ -51,6 +51,8 @@ struct Orders {
       hostility.shortReads(1, 1, UINT64_MAX);
     if (order == "frames" && words >> number)
       hostility.spoilFrames(nullptr, static_cast<std::uint32_t>(number), 3, 1);
+    if (order == "allframes" && words >> number)
+      hostility.spoilFrames(nullptr, static_cast<std::uint32_t>(number), 3, UINT64_MAX);
     if (order == "pause")
       hostility.pauseFrames(nullptr, 1);
     if (order == "slow" && words >> number)

@@ -211,6 +211,12 @@ TEST(Images, ThatAreLostAreToldApart) {
     EXPECT_EQ(summary["frames"], 8);
     EXPECT_EQ(summary["verdict"].get<std::string>().find(std::string("1 image ") + one.verdict), 0U) << summary;
   }
+  {
+    const Environment order("OVI_TEST_ORDER", "allframes 2");
+    const Outcome never = ovi(words("stream -c 1 -n 3 --image-timeout 500 --producer " HOSTILE_DIR "/Hostile.cti"));
+    EXPECT_EQ(never.code, 1);
+    EXPECT_THAT(never.err, HasSubstr("no further whole image came within 500 ms"));
+  }
   const Environment order("OVI_TEST_ORDER", "fail DSStopAcquisition -1010");
   const Outcome gone = ovi(words("stream -c 1 --frames 3 --producer " HOSTILE_DIR "/Hostile.cti"));
   EXPECT_EQ(gone.code, 1);

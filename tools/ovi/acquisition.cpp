@@ -121,19 +121,19 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
   Running running(device);
   const Clock::time_point start = Clock::now();
   Clock::time_point lastSign = start;
+  Clock::time_point lastWhole = start;
   while (!isEnough(options, ledger)) {
     std::error_code error;
     const std::unique_ptr<ovi::Image> image = stream.tryNext(std::min(options.timeout, kLongestWait), error);
     const Clock::time_point now = Clock::now();
     ledger.seconds = seconds(now - start);
-    if (image && isPartial(*image)) {
+    const bool isIncomplete = image ? isPartial(*image) : error.value() == OVI_ERR_INVALID_BUFFER;
+    if (isIncomplete) {
       counter.countIncomplete();
     } else if (image) {
       counter.count(*image, reports);
       if (reports.image)
         reports.image(*image, ledger);
-    } else if (error.value() == OVI_ERR_INVALID_BUFFER) {
-      counter.countIncomplete();
     } else if (error.value() != OVI_ERR_TIMEOUT) {
       throw ToolError("waiting for an image failed: " + error.message(), "the same command with --verbose");
     } else {
@@ -142,6 +142,14 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
         ledger.timedOut = true;
         break;
       }
+    }
+    if (image && !isIncomplete)
+      lastWhole = Clock::now();
+    // Somebody who wants a number of images shall not wait for ever for the first whole one.
+    if (options.frames != 0 && ledger.incomplete > 0 && Clock::now() - lastWhole >= options.timeout &&
+        !options.patient) {
+      ledger.timedOut = true;
+      break;
     }
     if (error.value() != OVI_ERR_TIMEOUT) {
       // Saving an image takes time in which none can come.

@@ -40,7 +40,6 @@ class Run {
   /// @param folder  for the images; empty when they are not saved
   Run(Session& session, const Camera& camera, const StreamOptions& options, std::filesystem::path folder)
       : name_(camera.shortName()),
-        options_(options),
         json_(session.options().json),
         folder_(std::move(folder)),
         format_(saveFormatFromText(options.save)),
@@ -147,7 +146,6 @@ class Run {
   }
 
   std::string name_;
-  const StreamOptions& options_;
   bool json_;
   std::filesystem::path folder_;
   SaveFormat format_;
@@ -239,7 +237,8 @@ void failForRuns(const Session& session, const StreamOptions& options, const std
                       session.command("list", {}));
     const bool none = ledger.delivered == 0 && ledger.incomplete == 0;
     if (ledger.timedOut || (none && !interrupted()))
-      throw ToolError(run->name() + (none ? ": no image came " : ": no further image came ") +
+      throw ToolError(run->name() + ": no " + (ledger.delivered == 0 ? "" : "further ") +
+                          (ledger.incomplete == 0 ? "" : "whole ") + "image came " +
                           (ledger.timedOut ? "within " + std::to_string(options.imageTimeout) + " ms"
                                            : "in " + fixedText(ledger.seconds, 1) + " s") +
                           run->trigger().reason(),
