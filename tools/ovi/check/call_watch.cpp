@@ -41,7 +41,6 @@ thread_local const char* currentFunction = nullptr;
 
 void tellPlace() {
   std::fprintf(stderr, "crashed in %s\n", currentFunction != nullptr ? currentFunction : "a thread of its own");
-  std::fflush(stderr);
 }
 
 }  // namespace

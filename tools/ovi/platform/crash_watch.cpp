@@ -9,12 +9,19 @@
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 
 namespace tool {
 
 namespace {
 
-void (*reportCrash)() = nullptr;
+void (*reportFunction)() = nullptr;
+
+// The process ends at once afterwards, with what is in its buffers.
+void reportCrash() {
+  reportFunction();
+  std::fflush(stderr);
+}
 
 #ifdef _WIN32
 
@@ -46,7 +53,7 @@ void onSignal(int signal) {
 }  // namespace
 
 void watchCrashes(void (*report)()) {
-  reportCrash = report;
+  reportFunction = report;
 #ifdef _WIN32
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
   SetUnhandledExceptionFilter(onException);
