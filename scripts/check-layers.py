@@ -36,7 +36,7 @@ MAY_SEE = {
     "producers/virtual": ["interface"],
     # The tool is an application: it sees the public interface, and where it looks into a producer or a description by
     # itself, that interface and the engine's. It loads producers as the library does, with the same code.
-    "tools/ovi": ["include", "tools/ovi/platform"],
+    "tools/ovi": ["include", "tools/ovi/description", "tools/ovi/platform"],
     "tools/ovi/commands": ["include", "tools/ovi"],
     "tools/ovi/check": ["interface", "genapi/include", "tools/ovi"],
     "tools/ovi/description": ["genapi/include", "tools/ovi"],

@@ -1,5 +1,9 @@
-// The scripted camera with features as only some real cameras have them.
+// The scripted camera with features as only some real cameras have them, or with the description that ODD_DESCRIPTION
+// names.
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string_view>
 
 #include "scripted_camera.h"
@@ -51,6 +55,10 @@ struct Oddities {
   Oddities() {
     scripted::Space& camera = scriptedCamera()->camera;
     camera.description = kDescription;
+    if (const char* const file = std::getenv("ODD_DESCRIPTION")) {
+      std::ifstream stream(file, std::ios::binary);
+      camera.description.assign(std::istreambuf_iterator<char>(stream), {});
+    }
     constexpr std::string_view kText = "two\nlines, no \xE4 UTF-8";
     std::memcpy(&camera.memory[0x200], kText.data(), kText.size());
     camera.memory[0x140] = 1;

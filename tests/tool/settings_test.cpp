@@ -68,7 +68,8 @@ TEST(Settings, OfACameraWithOddFeatures) {
   EXPECT_THAT(saved.err, HasSubstr("note: Unreadable is missing: Unreadable cannot be read: IO-Error"));
   EXPECT_THAT(saved.err, HasSubstr("note: Unmatched is missing: "));
   const std::string text = readText("odd.txt");
-  for (const char* line : {"# Unreadable is missing: ", "\nUnwritable = 0\n",
+  for (const char* line : {"# Unreadable is missing: ", "# the camera's description marks no feature as streamable: ",
+                           "\nUnwritable = 0\n",
                            "\nSelected [LastSelector=9223372036854775806] = 0\nSelected "
                            "[LastSelector=9223372036854775807] = 0\n"})
     EXPECT_THAT(text, HasSubstr(line));
@@ -85,10 +86,10 @@ TEST(Settings, OfACameraWithOddFeatures) {
   EXPECT_THAT(refused.err, HasSubstr("Failed to set parameter! Parameter: Unwritable, Value: 1"));
 
   // What forbids it is told, though it is no feature.
-  EXPECT_THAT(odd("set Locked=5").err,
-              HasSubstr("Locked = 5: the feature is read-only now. It depends on LockReg = 1."));
+  EXPECT_THAT(odd("set Locked=5").err, HasSubstr("Locked = 5: the feature is read-only now. LockReg = 1 locks it."));
   EXPECT_THAT(odd("set Mode=Fast").err,
-              HasSubstr("Mode = Fast: the entry is not available now. It depends on Unlocked = 0."));
+              HasSubstr("Mode = Fast: the entry is not available now. Unlocked = 0 (from LockReg = 1) makes it "
+                        "unavailable."));
 
   const Outcome table = odd("features");
   EXPECT_THAT(table.out, HasSubstr("\nWriteOnly\tinteger\two\t\t\t\n"));
@@ -98,6 +99,65 @@ TEST(Settings, OfACameraWithOddFeatures) {
   EXPECT_THAT(json.at(5)["value"].get<std::string>(),
               testing::AllOf(testing::StartsWith("two\nlines, no "), testing::EndsWith(" UTF-8")));
   EXPECT_FALSE(json.at(0).contains("range"));
+}
+
+constexpr const char* kOddDescription = R"(<RegisterDescription ModelName="Odd" VendorName="Kestrova"
+ SchemaMajorVersion="1" SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0"
+ SubMinorVersion="0" xmlns="http://www.genicam.org/GenApi/Version_1_1">
+<Category Name="Root"><pFeature>Gain</pFeature><pFeature>Table</pFeature><pFeature>Other</pFeature>
+ <pFeature>Label</pFeature><pFeature>Held</pFeature><pFeature>Bounded</pFeature><pFeature>Hidden</pFeature>
+ <pFeature>Sum</pFeature><pFeature>Arrival</pFeature><pFeature>Which</pFeature></Category>
+<Integer Name="Gain"><Streamable>Yes</Streamable><pValue>GainReg</pValue></Integer>
+<IntReg Name="GainReg"><Address>0x100</Address><pIndex Offset="4">WhichReg</pIndex><Length>4</Length>
+ <AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>
+<Enumeration Name="Which"><Streamable>Yes</Streamable><EnumEntry Name="A"><Value>0</Value></EnumEntry>
+ <EnumEntry Name="B"><Value>1</Value></EnumEntry><pValue>WhichReg</pValue><pSelected>Gain</pSelected></Enumeration>
+<IntReg Name="WhichReg"><Address>0x150</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+ <Endianess>LittleEndian</Endianess></IntReg>
+<Register Name="Table"><Streamable>Yes</Streamable><Address>0x120</Address><Length>4</Length>
+ <AccessMode>RW</AccessMode><pPort>Device</pPort></Register>
+<StringReg Name="Label"><Streamable>Yes</Streamable><Address>0x200</Address><Length>16</Length>
+ <AccessMode>RW</AccessMode><pPort>Device</pPort></StringReg>
+<Integer Name="Other"><Value>3</Value></Integer>
+<Integer Name="Held"><pValue>HeldReg</pValue></Integer>
+<IntReg Name="HeldReg"><pIsLocked>LockReg</pIsLocked><Address>0x130</Address><Length>4</Length>
+ <AccessMode>RW</AccessMode><pPort>Device</pPort><Endianess>LittleEndian</Endianess></IntReg>
+<IntReg Name="LockReg"><Address>0x140</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>
+ <Endianess>LittleEndian</Endianess></IntReg>
+<Integer Name="Bounded"><pIsLocked>Zero</pIsLocked><Value>1</Value><Min>0</Min><pMax>Bound</pMax></Integer>
+<IntSwissKnife Name="Bound"><pVariable Name="O">Other</pVariable><Formula>O * 2</Formula></IntSwissKnife>
+<Integer Name="Zero"><Value>0</Value></Integer>
+<Integer Name="Hidden"><pIsImplemented>Zero</pIsImplemented><Value>0</Value></Integer>
+<IntSwissKnife Name="Sum"><pVariable Name="O">Other</pVariable><Formula>O + 1</Formula></IntSwissKnife>
+<IntReg Name="Arrival"><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>EventPort</pPort>
+ <Endianess>LittleEndian</Endianess></IntReg>
+<Port Name="Device"></Port><Port Name="EventPort"><EventID>9001</EventID></Port>
+</RegisterDescription>)";
+
+TEST(Settings, AreWhatTheDescriptionMarksAndRefusalsNameTheNodeThatForbids) {
+  writeText("streamable.xml", kOddDescription);
+  const Environment description("ODD_DESCRIPTION", std::filesystem::absolute("streamable.xml").string());
+  const auto odd = [](const std::string& command) { return ovi(words(command + " --producer " ODD_PRODUCER)); };
+  const Outcome saved = odd("save marked.txt --set Which=B --set Gain=5 --set Table=0a0b0c0d --set Label=007");
+  EXPECT_EQ(saved.code, 0) << saved.err;
+  EXPECT_THAT(
+      readText("marked.txt"),
+      testing::EndsWith("\nGain [Which=A] = 0\nGain [Which=B] = 5\nWhich = B\nTable = 0a0b0c0d\nLabel = 007\n"));
+  // The selector is a setting too: it ends where the file has it, whichever line was the last to move it.
+  writeText("turned.txt", "Which = B\nTable = 0x0A0B 0C0D\nLabel = 007\nGain [Which=B] = 5\nGain [Which=A] = 7\n");
+  EXPECT_EQ(odd("load turned.txt").code, 0);
+  const Outcome differs = odd("diff marked.txt --set Table=0a0b0c0d --set Label=7");
+  EXPECT_THAT(differs.out, testing::EndsWith("\nGain [Which=B]\t0\t5\nWhich\tA\tB\nLabel\t7\t007\n"));
+
+  for (const auto& [command, said] : std::vector<std::pair<const char*, const char*>>{
+           {"set Held=1", "LockReg = 1 locks HeldReg, which is behind Held."},
+           {"set Bounded=7", "nearest 6. Its maximum depends on Other = 3."},
+           {"set Bounded=-1", "nearest 0. Its minimum is fixed in the camera's description."},
+           {"set Sum=1", "It is computed from Other = 3 and can never be set."},
+           {"set Arrival=1", "Arrival is filled by an event, and none has come."},
+           {"get Hidden", "Zero = 0: this camera does not have it."},
+           {"get Arrival", "Arrival is filled by an event, and none has come."}})
+    EXPECT_THAT(odd(command).err, HasSubstr(said));
 }
 
 }  // namespace

@@ -38,6 +38,7 @@ void addCheck(CLI::App& app, CommonOptions& common, Action& action);
 void addComplete(CLI::App& app, CommonOptions& common, Action& action);
 void addMan(CLI::App& app, CommonOptions& common, Action& action);
 void addProbe(CLI::App& app, CommonOptions& common, Action& action);
+void addDescribe(CLI::App& app, CommonOptions& common, Action& action);
 
 /// An option with a number that is not negative. The parser would take -1 for the largest one.
 template<class Number>

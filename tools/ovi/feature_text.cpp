@@ -2,77 +2,20 @@
 #include "feature_text.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
-#include <functional>
 #include <optional>
-#include <set>
 
 #include "feature_view.h"
 #include "hex.h"
 #include "platform/console.h"
+#include "refusal.h"
 #include "text.h"
 #include "tool_error.h"
 
 namespace tool {
 
 namespace {
-
-// The lock that a running acquisition puts on the camera's geometry.
-constexpr const char* kLock = "TLParamsLocked";
-
-/// What a text about dependencies is for.
-enum class Why { kWrongValue, kForbidden };
-
-// Features that the description refers to from this one, directly or through nodes that are none, with their values:
-// one of them is why it cannot be had, or not with this value. Something is forbidden by a mere register or formula
-// as well; then it is among the nodes that the description names directly. Empty when there is none.
-std::string dependencyText(const ModuleView& view, const std::string& name, Why why) {
-  constexpr unsigned kMaxDepth = 4;
-  std::set<std::string> features;
-  for (const FeatureNode& node : featureTree(view, false))
-    features.insert(node.name);
-  std::set<std::string> visited{name};
-  std::vector<std::string> found;
-  std::vector<std::string> others;
-  const auto take = [&view](const std::string& node, std::vector<std::string>& into) {
-    char value[512] = {};
-    if (oviGetFeatureOnModule(view.handle(), node.c_str(), value, view.selector()) == OVI_SUCCESS)
-      into.push_back(node + " = " + fromLibraryText(value));
-  };
-  const std::function<void(const std::string&, unsigned)> visit = [&](const std::string& parent, unsigned depth) {
-    for (const std::string& child : view.feature(parent).children()) {
-      if (!visited.insert(child).second)
-        continue;
-      if (features.contains(child)) {
-        if (child != kLock)
-          take(child, found);
-        continue;
-      }
-      if (depth == 0 && why == Why::kForbidden)
-        take(child, others);
-      if (depth < kMaxDepth)
-        visit(child, depth + 1);
-    }
-  };
-  visit(name, 0);
-  if (found.empty())
-    found = std::move(others);
-  view.session().takeMessages();
-  return found.empty() ? std::string() : " It depends on " + join(found, ", ") + ".";
-}
-
-// Why it cannot be written: the lock when it is set, else what it depends on.
-std::string forbidderText(const ModuleView& view, const std::string& name) {
-  std::int64_t locked = 0;
-  const std::vector<std::string> children = view.feature(name).children();
-  if (oviGetFeatureInt(view.handle(), kLock, &locked, view.selector()) == OVI_SUCCESS && locked != 0 &&
-      std::ranges::find(children, kLock) != children.end())
-    return std::string(" ") + kLock + " = " + std::to_string(locked) + " locks it: stop the acquisition first.";
-  view.session().takeMessages();
-  return dependencyText(view, name, Why::kForbidden);
-}
 
 // What the library logged about the call that failed just now.
 std::string loggedReason(const ModuleView& view) {
@@ -129,23 +72,23 @@ class Refusal {
 
   [[noreturn]] void access() const {
     const bool available = isReadable(parameter_) || isWritable(parameter_);
-    throw ToolError(assignment() + ": the feature is " + (available ? "read-only" : "not available") + " now." +
-                        forbidderText(view_, name_),
-                    showCommand());
+    refuse(view_, {Attempt::What::kWrite, name_},
+           assignment() + ": the feature is " + (available ? "read-only" : "not available") + " now.", showCommand());
   }
   [[noreturn]] void notA(const std::string& kind, const std::string& legal) const {
     throw ToolError(assignment() + " is no " + kind + ": " + legal, showCommand(), ExitCode::kUsage);
   }
-  [[noreturn]] void outside(const std::string& problem, const std::string& nearest) const {
-    throw ToolError(assignment() + problem + rangeText(view_, parameter_) + "; nearest " + nearest + "." +
-                        dependencyText(view_, name_, Why::kWrongValue),
-                    view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
+  [[noreturn]] void outside(Attempt::What what, const std::string& nearest) const {
+    refuse(view_, {what, name_},
+           assignment() + (what == Attempt::What::kOffStep ? " does not fit: " : " is out of range: ") +
+               rangeText(view_, parameter_) + "; nearest " + nearest + ".",
+           view_.command("set " + name_ + "=" + nearest), ExitCode::kUsage);
   }
   [[noreturn]] void noEntry() const {
     const std::string node = "EnumEntry_" + name_ + "_" + value_;
     const std::vector<std::string> children = view_.feature(name_).children();
     if (std::ranges::find(children, node) != children.end())
-      throw ToolError(assignment() + ": the entry is not available now." + forbidderText(view_, node), showCommand());
+      refuse(view_, {Attempt::What::kEntry, node}, assignment() + ": the entry is not available now.", showCommand());
     const std::string nearest = nearestMatch(value_, entryNames(view_, name_));
     throw ToolError(name_ + " has no entry \"" + value_ + "\"." +
                         (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
@@ -158,9 +101,10 @@ class Refusal {
   [[noreturn]] void failed(oviErr code) const {
     // First, because looking for what forbids it makes the library log as well.
     const std::string reason = loggedReason(view_);
-    throw ToolError(assignment() + ": " + ovi::makeErrorCode(code).message() + reason +
-                        (code == OVI_ERR_NO_ACCESS ? forbidderText(view_, name_) : std::string()),
-                    showCommand());
+    const std::string message = assignment() + ": " + ovi::makeErrorCode(code).message() + reason;
+    if (code == OVI_ERR_NO_ACCESS)
+      refuse(view_, {Attempt::What::kWrite, name_}, message, showCommand());
+    throw ToolError(message, showCommand());
   }
   std::string range() const { return rangeText(view_, parameter_); }
   std::string number() const { return hasLimits(parameter_) ? range() : "digits are wanted"; }
@@ -183,14 +127,17 @@ oviErr writeInteger(const ovi::Feature& feature, const ModuleView& view, const o
     const std::optional<double> wide = floatFrom(value);
     if (!wide || !hasLimits(p))
       refusal.notA("integer", refusal.number());
-    if (*wide < static_cast<double>(p.intMin) || *wide > static_cast<double>(p.intMax))
-      refusal.outside(" is out of range: ", std::to_string(*wide < 0 ? p.intMin : nearestInteger(p, p.intMax)));
-    refusal.outside(" does not fit: ", std::to_string(nearestInteger(p, std::llround(*wide))));
+    if (*wide < static_cast<double>(p.intMin))
+      refusal.outside(Attempt::What::kTooSmall, std::to_string(p.intMin));
+    if (*wide > static_cast<double>(p.intMax))
+      refusal.outside(Attempt::What::kTooLarge, std::to_string(nearestInteger(p, p.intMax)));
+    refusal.outside(Attempt::What::kOffStep, std::to_string(nearestInteger(p, std::llround(*wide))));
   }
   if (hasLimits(p) && (*number < p.intMin || *number > p.intMax))
-    refusal.outside(" is out of range: ", std::to_string(nearestInteger(p, *number)));
+    refusal.outside(*number < p.intMin ? Attempt::What::kTooSmall : Attempt::What::kTooLarge,
+                    std::to_string(nearestInteger(p, *number)));
   if (const std::int64_t nearest = nearestInteger(p, *number); hasLimits(p) && nearest != *number)
-    refusal.outside(" does not fit: ", std::to_string(nearest));
+    refusal.outside(Attempt::What::kOffStep, std::to_string(nearest));
   return oviSetFeatureInt(view.handle(), feature.name().c_str(), *number, view.selector());
 }
 
@@ -200,7 +147,8 @@ oviErr writeFloat(const ovi::Feature& feature, const ModuleView& view, const ovi
   if (!number)
     refusal.notA("number", refusal.number());
   if (hasLimits(p) && (*number < p.floatMin || *number > p.floatMax))
-    refusal.outside(" is out of range: ", numberText(*number < p.floatMin ? p.floatMin : p.floatMax));
+    refusal.outside(*number < p.floatMin ? Attempt::What::kTooSmall : Attempt::What::kTooLarge,
+                    numberText(*number < p.floatMin ? p.floatMin : p.floatMax));
   return oviSetFeatureFloat(view.handle(), feature.name().c_str(), *number, view.selector());
 }
 
@@ -235,8 +183,12 @@ oviErr writeText(const ModuleView& view, const ovi::FeatureParameter& p, const s
       return oviSetFeatureReg(view.handle(), narrow, bytes->data(), static_cast<std::int64_t>(bytes->size()),
                               view.selector());
     }
-    case OVI_FEATURE_STRING:
-      return oviSetFeatureString(view.handle(), narrow, toLibraryText(value).c_str(), view.selector());
+    case OVI_FEATURE_STRING: {
+      const std::string text = toLibraryText(value);
+      if (hasLimits(p) && static_cast<std::int64_t>(text.size()) > p.maxStringLength)
+        refusal.tooLong();
+      return oviSetFeatureString(view.handle(), narrow, text.c_str(), view.selector());
+    }
     case OVI_FEATURE_COMMAND:
       return oviExecuteCommand(view.handle(), narrow, view.selector());
     default:
@@ -267,10 +219,10 @@ std::string readFeature(const ModuleView& view, const std::string& name) {
   if (parameter.featureType == OVI_FEATURE_CATEGORY)
     throw ToolError(name + " is a category and has no value", view.command("features " + name), ExitCode::kUsage);
   if (!isReadable(parameter) && parameter.featureType != OVI_FEATURE_COMMAND)
-    throw ToolError(name + " cannot be read: it is " +
-                        (parameter.accessMode == OVI_ACCESS_WRITE_ONLY ? "write-only" : "not available now") + "." +
-                        dependencyText(view, name, Why::kForbidden),
-                    view.command("features " + name));
+    refuse(view, {Attempt::What::kRead, name},
+           name + " cannot be read: it is " +
+               (parameter.accessMode == OVI_ACCESS_WRITE_ONLY ? "write-only" : "not available now") + ".",
+           view.command("features " + name));
   try {
     const ovi::Feature feature = view.feature(name);
     if (parameter.featureType == OVI_FEATURE_REGISTER)

@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "platform/console.h"
 #include "platform/crash_watch.h"
+#include "refusal.h"
 #include "session.h"
 #include "terminal.h"
 #include "tool_error.h"
@@ -15,11 +16,11 @@
 
 namespace {
 
-constexpr std::array kCommands = {tool::addList,   tool::addInfo, tool::addFeatures, tool::addGet,   tool::addSet,
-                                  tool::addWatch,  tool::addGrab, tool::addStream,   tool::addScan,  tool::addBench,
-                                  tool::addSave,   tool::addLoad, tool::addDiff,     tool::addFile,  tool::addMem,
-                                  tool::addDoctor, tool::addXml,  tool::addCheck,    tool::addProbe, tool::addComplete,
-                                  tool::addMan};
+constexpr std::array kCommands = {
+    tool::addList,  tool::addInfo,     tool::addFeatures, tool::addGet,    tool::addSet,  tool::addWatch,
+    tool::addGrab,  tool::addStream,   tool::addScan,     tool::addBench,  tool::addSave, tool::addLoad,
+    tool::addDiff,  tool::addFile,     tool::addMem,      tool::addDoctor, tool::addXml,  tool::addCheck,
+    tool::addProbe, tool::addDescribe, tool::addComplete, tool::addMan};
 
 constexpr const char* kWhereCommandsAre =
     "Examples:\n  ovi list\n  ovi grab -o first.png\n  ovi stream --frames 100\n\n"
@@ -92,6 +93,8 @@ int run(const std::vector<std::string>& arguments) {
   try {
     action(session);
     return 0;
+  } catch (const tool::Refused& refused) {
+    return report(refused.explained(session), refused.hint(), refused.code());
   } catch (const tool::ToolError& error) {
     return report(error.what(), error.hint(), error.code());
   } catch (const ovi::Error& error) {

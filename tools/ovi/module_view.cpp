@@ -34,6 +34,12 @@ std::vector<std::string> moduleNames() {
   return names;
 }
 
+std::string moduleText(ovi::Module module) {
+  const auto* found =
+      std::ranges::find_if(kModules, [module](const ModuleName& name) { return name.module == module; });
+  return found->text;
+}
+
 ovi::Module moduleFromText(const std::string& text) {
   for (const ModuleName& name : kModules)
     if (equalsIgnoringCase(text, name.text))
@@ -47,7 +53,8 @@ ovi::Module moduleFromText(const std::string& text) {
 ModuleView::ModuleView(Session& session, const std::string& module, Use use, const std::string& camera)
     : session_(session),
       wanted_(moduleFromText(module)),
-      device_(session.open(camera, use)) {
+      camera_(session.pick(camera.empty() ? session.options().camera : camera)),
+      device_(session.open(camera_.id, use)) {
   for (const std::string& assignment : session.options().assignments)
     assignFeature(*this, assignment);
   module_ = wanted_;

@@ -2,6 +2,7 @@
 #include "session.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "paths.h"
 #include "platform/console.h"
@@ -229,7 +230,8 @@ const Camera& Session::pick(const std::string& name) {
       return *matches.front();
     if (matches.front()->isVirtual) {
       // Nobody looks for a certain one of the virtual cameras; the first is as good as any.
-      printNote("using the virtual camera " + matches.front()->shortName() + "; --camera names another");
+      if (!std::exchange(chosen_, true))
+        printNote("using the virtual camera " + matches.front()->shortName() + "; --camera names another");
       return *matches.front();
     }
     throw ToolError(
@@ -307,6 +309,21 @@ std::vector<std::string> Session::producers() {
   for (std::string& path : paths)
     path = withOwnPath(fromLibraryText(path));
   return paths;
+}
+
+std::string Session::producerFile(const Camera& camera) {
+  std::error_code error;
+  const std::filesystem::path told = pathFromText(camera.producerPath);
+  if (std::filesystem::is_regular_file(told, error))
+    return camera.producerPath;
+  if (std::filesystem::is_regular_file(pathFromText(options_.producer), error))
+    return options_.producer;
+  const std::vector<std::string> all = producers();
+  const auto same = std::ranges::find_if(
+      all, [&](const std::string& file) { return pathFromText(file).filename() == told.filename(); });
+  if (same != all.end())
+    return *same;
+  return all.size() == 1 ? all.front() : camera.producerPath;
 }
 
 std::vector<std::string> Session::folders() const {

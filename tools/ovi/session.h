@@ -90,6 +90,9 @@ class Session {
   /// Producer files on the search path, as the library finds them.
   std::vector<std::string> producers();
 
+  /// The file that a camera's producer was loaded from, whatever path it tells of itself.
+  std::string producerFile(const Camera& camera);
+
   /// What the library logged as warnings and errors since the last call.
   std::vector<std::string> takeMessages();
 
@@ -109,6 +112,7 @@ class Session {
   std::string soleHome_;                // the folder that its producer comes from
   std::unique_ptr<ovi::Library> library_;
   std::optional<std::vector<Camera>> cameras_;
+  bool chosen_ = false;  // a virtual camera for somebody who named none, who knows it by now
 };
 
 }  // namespace tool

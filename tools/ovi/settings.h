@@ -25,13 +25,15 @@ struct SettingProblem {
   std::string reason;
 };
 
-/// Everything that can be read and written in the camera now, in the order of its feature tree; features that selectors
-/// select once for every value of these. What identifies the camera, and what works instead of setting, is left out.
-/// @param notes  receives what was left out for another reason
+/// The settings that the camera has now: what its description marks as streamable and can be read and written, in the
+/// description's order; features that selectors select once for every value of these. Where the description marks
+/// nothing, or is not known to the view, everything that can be read and written counts, but what identifies the camera
+/// or works instead of setting.
+/// @param notes  receives by which rule they were chosen when not by the first, and what is missing
 std::vector<Setting> readSettings(const ModuleView& view, std::vector<std::string>& notes);
 
 /// Sets them all, again and again while that gets further, since one setting may have to wait for another; reads each
-/// back. Selectors are as before afterwards.
+/// back. Selectors are as before afterwards, but those that are settings themselves.
 /// @return what could not be set
 std::vector<SettingProblem> writeSettings(const ModuleView& view, const std::vector<Setting>& settings);
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <thread>
 
+#include "check/port_description.h"
 #include "hex.h"
 #include "platform/console.h"
 #include "text.h"
@@ -61,51 +62,20 @@ class ProducerPort : public GenApi::IPort {
   PORT_HANDLE port_;
 };
 
-std::string urlOf(Checker& check, PORT_HANDLE port) {
-  const ProducerFunctions& gentl = check.gentl();
-  if (!gentl.GCGetNumPortURLs.exists() || !gentl.GCGetPortURLInfo.exists())
-    return askText("GCGetPortURL", [&](char* text, std::size_t* size) { return gentl.GCGetPortURL(port, text, size); });
-  std::uint32_t count = 0;
-  check.need(gentl.GCGetNumPortURLs, port, &count);
-  if (count == 0)
-    throw Broken("GCGetNumPortURLs tells no description");
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const Info url =
-        ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,
-                std::size_t* size) { return gentl.GCGetPortURLInfo(port, i, command, type, buffer, size); },
-            URL_INFO_URL);
-    if (!url.exists())
-      throw Broken("GCGetPortURLInfo(URL_INFO_URL) returned " + codeText(url.code));
-    const std::string text = url.text();
-    if (equalsIgnoringCase(text.substr(0, 6), "local:"))
-      return text;
-  }
-  throw Broken("none of the descriptions is in the module itself (local:)");
-}
-
-// The description that an address of the form local:NAME;ADDRESS;LENGTH means.
-std::string readDescription(Checker& check, PORT_HANDLE port, const std::string& url) {
-  const std::string plain = url.substr(0, url.find('?'));
-  const std::size_t first = plain.find(';');
-  const std::size_t second = first == std::string::npos ? first : plain.find(';', first + 1);
-  if (second == std::string::npos)
-    throw Broken("the description's address \"" + url + "\" is not of the form local:NAME;ADDRESS;LENGTH");
-  const std::uint64_t address = std::strtoull(plain.c_str() + first + 1, nullptr, 16);
-  const std::uint64_t length = std::strtoull(plain.c_str() + second + 1, nullptr, 16);
-  constexpr std::uint64_t kLongest = 256U << 20U;
-  if (length == 0 || length > kLongest)
-    throw Broken("the description is " + std::to_string(length) + " bytes long, its address says: \"" + url + "\"");
-  std::string content(static_cast<std::size_t>(length), '\0');
-  ProducerPort(check.gentl(), port)
-      .Read(content.data(), static_cast<std::int64_t>(address), static_cast<std::int64_t>(length));
-  return content;
-}
-
 }  // namespace
 
 Modules::Modules(Checker& check, Depth depth) : gentl_(check.gentl()) {
   try {
     open(check, depth);
+  } catch (...) {
+    close();
+    throw;
+  }
+}
+
+Modules::Modules(Checker& check, const DeviceAddress& address, Depth depth) : gentl_(check.gentl()) {
+  try {
+    openToLook(check, address, depth);
   } catch (...) {
     close();
     throw;
@@ -133,6 +103,28 @@ void Modules::open(Checker& check, Depth depth) {
     return;
   }
   openDevice(check);
+  openBelowDevice(check, depth);
+}
+
+void Modules::openToLook(Checker& check, const DeviceAddress& address, Depth depth) {
+  interfaceId = address.interface;
+  deviceId = address.device;
+  check.need(gentl_.GCInitLib);
+  initialized_ = true;
+  check.need(gentl_.TLOpen, &tl);
+  interfaceIds(check, tl);  // The producer knows its interfaces only after it was asked for them.
+  check.need(gentl_.TLOpenInterface, tl, interfaceId.c_str(), &iface);
+  deviceIds(check, iface);
+  GC_ERROR code = GC_ERR_ERROR;
+  for (const DEVICE_ACCESS_FLAGS access : {DEVICE_ACCESS_READONLY, DEVICE_ACCESS_CONTROL, DEVICE_ACCESS_EXCLUSIVE}) {
+    code = gentl_.IFOpenDevice(iface, deviceId.c_str(), access, &device);
+    if (code == GC_ERR_SUCCESS)
+      return openBelowDevice(check, depth);
+  }
+  throw Broken("IFOpenDevice returned " + codeText(code));
+}
+
+void Modules::openBelowDevice(Checker& check, Depth depth) {
   check.need(gentl_.DevGetPort, device, &remote);
   if (depth == Depth::kDevice)
     return;
@@ -222,7 +214,7 @@ std::vector<std::string> streamIds(Checker& check, DEV_HANDLE device) {
 }
 
 PortMap::PortMap(Checker& check, PORT_HANDLE port) : port_(std::make_unique<ProducerPort>(check.gentl(), port)) {
-  const std::string content = readDescription(check, port, urlOf(check, port));
+  const std::string content = descriptionOf(check, port);
   bytes_ = content.size();
   const Info portName =
       ask([&](std::int32_t command, INFO_DATATYPE* type, void* buffer,

@@ -12,11 +12,19 @@ namespace tool::check {
 
 enum class Depth { kLibrary, kSystem, kInterface, kDevice, kStream };
 
+/// A device by the IDs of its interface and its own.
+struct DeviceAddress {
+  std::string interface;
+  std::string device;
+};
+
 /// Opens from the library down to a depth, and closes in the reverse order.
 class Modules {
  public:
   /// Throws Broken with the call that failed.
   Modules(Checker& check, Depth depth);
+  /// Opens just this device, with the least access that the producer grants, down to kDevice or kStream.
+  Modules(Checker& check, const DeviceAddress& address, Depth depth);
   ~Modules();
   Modules(const Modules&) = delete;
   Modules& operator=(const Modules&) = delete;
@@ -34,6 +42,8 @@ class Modules {
   void open(Checker& check, Depth depth);
   void openDevice(Checker& check);
   bool openDeviceOf(Checker& check, const std::string& interface);
+  void openToLook(Checker& check, const DeviceAddress& address, Depth depth);
+  void openBelowDevice(Checker& check, Depth depth);
   void close();
 
   const ProducerFunctions& gentl_;

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "camera_description.h"
 #include "commands.h"
 #include "paths.h"
 #include "picture.h"
@@ -23,6 +24,9 @@ struct SettingsOptions {
 };
 
 std::vector<Setting> settingsOf(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_directory(pathFromText(path), error))
+    throw ToolError(path + " is a folder", "give a file that ovi save has written", ExitCode::kUsage);
   errno = 0;
   std::ifstream stream(pathFromText(path), std::ios::binary);
   if (!stream)
@@ -47,6 +51,42 @@ nlohmann::ordered_json problemJson(const SettingProblem& problem, const char* wa
   return json;
 }
 
+// A camera opened with its description, which is read while nobody holds the camera.
+class DescribedView {
+ public:
+  DescribedView(Session& session, Use use, const std::string& camera = {})
+      : facts_(factsOf(session, session.pick(camera.empty() ? session.options().camera : camera))),
+        view_(session, "device", use, camera) {
+    view_.setFacts(facts_);
+  }
+
+  operator const ModuleView&() const { return view_; }
+  const Camera& camera() const { return view_.camera(); }
+  /// Why there is no description; empty when there is one.
+  const std::string& problem() const { return problem_; }
+
+ private:
+  std::shared_ptr<const FeatureFacts> factsOf(Session& session, const Camera& camera) {
+    try {
+      return describedFeatures(session, camera, ovi::Module::kRemoteDevice);
+    } catch (const ToolError& error) {
+      problem_ = error.what();
+      return nullptr;
+    }
+  }
+
+  std::string problem_;
+  std::shared_ptr<const FeatureFacts> facts_;
+  ModuleView view_;
+};
+
+std::vector<Setting> settingsOf(const DescribedView& view, std::vector<std::string>& notes) {
+  if (!view.problem().empty())
+    notes.push_back("the camera's description could not be read (" + view.problem() +
+                    "): everything that can be read and written is here");
+  return readSettings(view, notes);
+}
+
 // What is not among the settings, and why.
 void tell(const std::vector<std::string>& notes) {
   for (const std::string& note : notes)
@@ -54,9 +94,9 @@ void tell(const std::vector<std::string>& notes) {
 }
 
 void save(Session& session, const SettingsOptions& options) {
-  const ModuleView view(session, "device", Use::kControl);
+  const DescribedView view(session, Use::kControl);
   std::vector<std::string> notes;
-  const std::vector<Setting> settings = readSettings(view, notes);
+  const std::vector<Setting> settings = settingsOf(view, notes);
   tell(notes);
   const bool toOutput = options.path.empty() || options.path == "-";
   if (toOutput && session.options().json) {
@@ -66,7 +106,7 @@ void save(Session& session, const SettingsOptions& options) {
     printJson(json);
     return;
   }
-  const Camera& camera = session.pick(session.options().camera);
+  const Camera& camera = view.camera();
   std::string text = "# Settings of " + camera.vendor + " " + camera.model + ", serial number " + camera.serial +
                      ", saved by ovi " + ovi::Library::version() + "\n" +
                      "# Feature = value, or Feature [Selector=value] = value; ovi load brings them into a camera.\n";
@@ -88,7 +128,7 @@ void save(Session& session, const SettingsOptions& options) {
 
 void load(Session& session, const SettingsOptions& options) {
   const std::vector<Setting> settings = settingsOf(options.path);
-  const ModuleView view(session, "device", Use::kControl);
+  const DescribedView view(session, Use::kControl);
   const std::vector<SettingProblem> problems = writeSettings(view, settings);
   if (session.options().json) {
     nlohmann::ordered_json json{{"settings", settings.size()}, {"failed", nlohmann::ordered_json::array()}};
@@ -116,9 +156,9 @@ void diff(Session& session, const SettingsOptions& options) {
   if (options.other.empty())
     settings = settingsOf(options.path);
   else
-    settings = readSettings(ModuleView(session, "device", Use::kRead, options.other), notes);
+    settings = settingsOf(DescribedView(session, Use::kRead, options.other), notes);
   tell(notes);
-  const ModuleView view(session, "device", Use::kControl);
+  const DescribedView view(session, Use::kControl);
   const std::vector<SettingProblem> differences = compareSettings(view, settings);
   const std::string reference = options.other.empty() ? options.path : options.other;
   if (session.options().json) {

@@ -1,4 +1,4 @@
-// A camera description in a file, made into a node map without a camera.
+// A camera description made into a node map without a camera.
 #include "description/description.h"
 
 #include <algorithm>
@@ -74,21 +74,31 @@ Description::Description(const std::filesystem::path& file, std::unique_ptr<GenA
     : port_(std::move(port)) {
   const auto begin = Clock::now();
   content_ = contentOf(file);
-  const auto read = Clock::now();
+  readTime_ = Clock::now() - begin;
+  load(pathText(file));
+}
+
+Description::Description(const std::string& name, std::string content, std::unique_ptr<GenApi::IPort> port)
+    : port_(std::move(port)),
+      content_(std::move(content)) {
+  load(name);
+}
+
+void Description::load(const std::string& name) {
+  const auto begin = Clock::now();
   zipped_ = content_.starts_with("PK");
   try {
     GenApi::CNodeMapFactory factory(zipped_ ? GenApi::ContentType_ZippedXml : GenApi::ContentType_Xml, content_.data(),
                                     content_.size());
     nodeMap_ = factory.CreateNodeMap();
-    loadTime_ = Clock::now() - read;
-    readTime_ = read - begin;
+    loadTime_ = Clock::now() - begin;
     GenApi::NodeList_t nodes;
     nodeMap_->GetNodes(nodes);
     for (GenApi::INode* node : nodes)
       if (node->GetPrincipalInterfaceType() == GenApi::intfIPort)
         nodeMap_->Connect(port_.get(), node->GetName());
   } catch (const GenICam::GenericException& error) {
-    throw ToolError(pathText(file) + ": no usable description: " + error.GetDescription());
+    throw ToolError(name + ": no usable description: " + error.GetDescription());
   }
 }
 

@@ -1,4 +1,4 @@
-// A camera description in a file, made into a node map without a camera.
+// A camera description made into a node map without a camera.
 #pragma once
 
 #include <GenApi/GenApi.h>
@@ -15,6 +15,8 @@ class Description {
  public:
   /// Loads text or a zip archive. Throws ToolError that names the file and the reason.
   Description(const std::filesystem::path& file, std::unique_ptr<GenApi::IPort> port);
+  /// The same with the content at hand; the name is for messages.
+  Description(const std::string& name, std::string content, std::unique_ptr<GenApi::IPort> port);
   ~Description();
   Description(const Description&) = delete;
   Description& operator=(const Description&) = delete;
@@ -30,6 +32,8 @@ class Description {
   GenApiEngine::NodeMapDiagnostics diagnostics() const { return GenApiEngine::diagnosticsOf(*nodeMap_); }
 
  private:
+  void load(const std::string& name);
+
   std::unique_ptr<GenApi::IPort> port_;
   GenApi::INodeMap* nodeMap_ = nullptr;
   bool zipped_ = false;
