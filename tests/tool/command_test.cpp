@@ -34,6 +34,10 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       {"set Width=99999 -c 1", 2, {"Width = 99999 is out of range: 16 .. ", "nearest ", "ovi set Width="}},
       {"set Width=99999999999999999999 -c 1", 2, {"Width = 99999999999999999999 is out of range: 16 .. "}},
       {"set Width=1001 -c 1", 2, {"Width = 1001 does not fit: 16 .. ", "step 4", "nearest 1000", "ovi set Width=1000"}},
+      {"set =5 -c 1", 2, {"\"=5\" is no assignment", "ovi set FEATURE=5"}},
+      {"set DeviceUserID=0123456789012345678901234567890123456789012345678901234567890123456789 -c 1",
+       2,
+       {"is too long: up to 32 characters"}},
       {"set Width=wide -c 1", 2, {"Width = wide is no integer: 16 .. "}},
       {"set Width -c 1", 2, {"\"Width\" is no assignment", "ovi set Width=VALUE"}},
       {"set ExposureTime=-1 -c Mono", 2, {"ExposureTime = -1 is out of range: ", "nearest "}},
@@ -41,7 +45,7 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       {"set PixelFormat=mono8 -c 1",
        2,
        {"PixelFormat has no entry \"mono8\". Did you mean Mono8?", "Mono12p", "ovi set PixelFormat=Mono8 --camera 1"}},
-      {"set DeviceModelName=Other -c 1", 1, {"DeviceModelName = Other", "read-only"}},
+      {"set DeviceModelName=Other -c 1", 1, {"read-only now. It always is: DeviceModelName is RO in the camera's"}},
       {"--set TLParamsLocked=1 set Width=640 -c 1", 1, {"Width = 640", "TLParamsLocked = 1 locks it"}},
       {"stream --frames -5 -c 1", 2, {"\"-5\" is less than 0"}},
       {"help strem", 2, {"there is no command \"strem\". Did you mean stream?"}},
@@ -58,6 +62,7 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       {"file put missing.bin -c 1", 2, {"there is no file missing.bin"}},
       {"list --producer missing.cti", 2, {"there is no producer", "missing.cti"}},
       {"load missing.txt -c 1", 2, {"cannot read missing.txt"}},
+      {"load . -c 1", 2, {". is a folder"}},
       {"diff -c 1", 2, {"a file or another camera"}},
   };
   for (const Failure& one : cases) {

@@ -101,6 +101,9 @@ std::string rangeText(const ModuleView& view, const ovi::FeatureParameter& param
       return std::to_string(parameter.intMin) + " .. " + std::to_string(parameter.intMax) +
              (parameter.intInc > 1 ? ", step " + std::to_string(parameter.intInc) : "");
     case OVI_FEATURE_FLOAT:
+      if (parameter.floatMin == std::numeric_limits<double>::lowest() &&
+          parameter.floatMax == std::numeric_limits<double>::max())
+        return {};
       return numberText(parameter.floatMin) + " .. " + numberText(parameter.floatMax) +
              (parameter.floatInc > 0 ? ", step " + numberText(parameter.floatInc) : "");
     case OVI_FEATURE_ENUMERATION:

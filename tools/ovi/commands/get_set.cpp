@@ -38,7 +38,9 @@ void setFeatures(Session& session, const ValueOptions& options) {
   for (const std::string& assignment : options.words)
     if (assignment.find('=') == std::string::npos || assignment.front() == '=')
       throw ToolError("\"" + assignment + "\" is no assignment FEATURE=VALUE",
-                      session.command("set " + assignment + "=VALUE"), ExitCode::kUsage);
+                      session.command("set " + (assignment.find('=') == std::string::npos ? assignment + "=VALUE"
+                                                                                          : "FEATURE" + assignment)),
+                      ExitCode::kUsage);
   const ModuleView view(session, options.module, Use::kControl);
   nlohmann::ordered_json json;
   for (const std::string& assignment : options.words) {
