@@ -40,9 +40,8 @@ bool setBoolean(bool& to, const std::string& text) {
   return setNumber(to, text, 0, 1);
 }
 
-bool setText(std::string& to, const std::string& text) {
-  constexpr std::size_t kLongest = 63;
-  if (text.empty() || text.size() > kLongest) {
+bool setText(std::string& to, const std::string& text, std::size_t longest) {
+  if (text.empty() || text.size() > longest) {
     return false;
   }
   to = text;
@@ -116,9 +115,9 @@ constexpr Key<Options> kKeys[] = {
 
 constexpr Key<CameraChoice> kCameraKeys[] = {
     {"Vendor", nullptr, "a text of at most 63 bytes",
-     [](CameraChoice& c, const std::string& text) { return setText(c.vendor, text); }},
-    {"UserName", nullptr, "a text of at most 63 bytes",
-     [](CameraChoice& c, const std::string& text) { return setText(c.userDefinedName, text); }},
+     [](CameraChoice& c, const std::string& text) { return setText(c.vendor, text, 63); }},
+    {"UserName", nullptr, "a text of at most 32 bytes",
+     [](CameraChoice& c, const std::string& text) { return setText(c.userDefinedName, text, 32); }},
     {"Plugged", nullptr, kSwitch, [](CameraChoice& c, const std::string& text) { return setBoolean(c.plugged, text); }},
     {"ForeignSubnet", nullptr, kSwitch,
      [](CameraChoice& c, const std::string& text) { return setBoolean(c.foreignSubnet, text); }},

@@ -120,8 +120,10 @@ void VirtualCamera::storeDescription() {
   const Identity& identity = core_.model.identity;
   descriptionText_ = writeDescription(core_.map, {identity.vendor, identity.model, core_.model.toolTip, portName_});
   std::string base = identity.vendor + "_" + identity.model + "_v1_0_0";
+  // The vendor may be any text, but a URL has marks of its own.
   std::ranges::transform(base, base.begin(), [](char c) {
-    return c == ' ' || c == '-' ? '_' : static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    const char small = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    return (small >= 'a' && small <= 'z') || (small >= '0' && small <= '9') ? small : '_';
   });
   if (core_.model.zipped) {
     description_.fileName = base + ".zip";
