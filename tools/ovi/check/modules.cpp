@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cinttypes>
-#include <optional>
 #include <thread>
 
 #include "check/port_description.h"
@@ -270,22 +269,25 @@ void PortMap::lock(bool on) {
 void PortMap::assign(const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
   const std::string value = assignment.substr(equals + 1);
+  const auto need = [&](const auto& parsed) {
+    if (!parsed)
+      throw Broken(assignment + ": the feature has no such value");
+    return *parsed;
+  };
   GenApi::INode* const node = map_->GetNode(assignment.substr(0, equals).c_str());
   try {
     if (const GenApi::CCommandPtr command = node; command.IsValid()) {
       command->Execute();
     } else if (const GenApi::CBooleanPtr boolean = node; boolean.IsValid()) {
-      boolean->SetValue(booleanFrom(value).value());
+      boolean->SetValue(need(booleanFrom(value)));
     } else if (node != nullptr && node->GetPrincipalInterfaceType() == GenApi::intfIRegister) {
-      const std::vector<std::uint8_t> data = bytesFromHex(value).value();
+      const std::vector<std::uint8_t> data = need(bytesFromHex(value));
       GenApi::CRegisterPtr(node)->Set(data.data(), static_cast<std::int64_t>(data.size()));
     } else {
       GenApi::CValuePtr(node)->FromString(toLibraryText(value).c_str());
     }
   } catch (const GenICam::GenericException& error) {
     throw Broken(assignment + ": " + error.GetDescription());
-  } catch (const std::bad_optional_access&) {
-    throw Broken(assignment + ": the feature has no such value");
   }
 }
 
