@@ -192,6 +192,8 @@ TEST(Images, AreCountedAndChecked) {
 
 #ifndef _WIN32
 TEST(Images, ThatAreLostAreToldApart) {
+  // What is ordered of the virtual camera is never freed; a sanitizer calls it lost once the producer is unloaded.
+  const Environment noLeaks("ASAN_OPTIONS", "detect_leaks=0");
   struct Case {
     const char* order;  // what happens to the third image
     const char* counted;
