@@ -180,6 +180,31 @@ bool loadsAny(const Session& session, const std::vector<std::filesystem::path>& 
   });
 }
 
+struct LastWords {
+  std::string reason;
+  std::string advice;
+};
+
+// Why one of this program's commands failed, and what it proposed. The library may have written traces around that.
+LastWords lastWords(const std::string& messages) {
+  const std::vector<std::string> lines = split(messages, "\r\n");
+  const auto starts = [](std::string_view with) {
+    return [with](const std::string& line) { return line.starts_with(with); };
+  };
+  const auto last = std::find_if(lines.rbegin(), lines.rend(), starts("ovi: "));
+  if (last == lines.rend()) {
+    const auto line = std::find_if_not(lines.rbegin(), lines.rend(), starts("try: "));
+    return {line == lines.rend() ? "no reason is given" : *line, {}};
+  }
+  LastWords words{last->substr(5), {}};
+  const auto advice = std::find_if(last.base(), lines.end(), starts("try: "));
+  if (const auto log = std::find_if(last.base(), advice, starts("  log: ")); log != advice)
+    words.reason += " (" + log->substr(7) + ")";
+  if (advice != lines.end())
+    words.advice = advice->substr(5);
+  return words;
+}
+
 // The library's list; null when it gave none, and then the result says why.
 ordered_json askLibrary(const Session& session, CameraExamination& result) {
   const ChildResult child = runChild(ownProgram(), withProducer(session, {"list", "--verbose"}), kListTime);
@@ -192,7 +217,7 @@ ordered_json askLibrary(const Session& session, CameraExamination& result) {
                                "folders out of the search path, one by one"});
   else if (!list.is_array())
     result.findings.push_back(
-        {Level::kProblem, "the library's search for cameras failed: " + lastLine(child.messages)});
+        {Level::kProblem, "the library's search for cameras failed: " + lastWords(child.messages).reason});
   return list.is_array() ? list : ordered_json();
 }
 
@@ -230,18 +255,10 @@ Findings examineImages(const Session& session, const std::string& camera) {
     return {{Level::kProblem, "taking images from camera " + camera + " " + failure,
              "ovi check tells what its producer does wrong"}};
   const ordered_json ledger = ordered_json::parse(child.output, nullptr, false);
-  std::vector<std::string> lines = split(child.messages, "\r\n");
-  std::string advice;
-  if (!lines.empty() && lines.back().starts_with("try: ")) {
-    advice = lines.back().substr(5);
-    lines.pop_back();
-  }
   if (!ledger.is_object() || child.exitCode != 0) {
-    std::string reason = lines.empty() ? "no reason is given" : lines.back();
-    if (reason.starts_with("ovi: "))
-      reason = reason.substr(5);
-    return {
-        {Level::kProblem, "camera " + camera + ": " + reason, advice, ledger.is_object() ? ledger : ordered_json()}};
+    LastWords words = lastWords(child.messages);
+    return {{Level::kProblem, "camera " + camera + ": " + words.reason, std::move(words.advice),
+             ledger.is_object() ? ledger : ordered_json()}};
   }
   const bool whole = ledger.value("lost", 0) == 0 && ledger.value("incomplete", 0) == 0;
   const std::string text = "camera " + camera + ": " + std::to_string(ledger.value("frames", 0)) + " images in " +

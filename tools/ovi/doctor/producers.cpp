@@ -24,6 +24,12 @@ std::string textIn(const ordered_json& object, const char* key) {
   return object.value(key, std::string());
 }
 
+// The last line that a process wrote.
+std::string lastLine(const std::string& text) {
+  const std::vector<std::string> lines = split(text, "\r\n");
+  return lines.empty() ? "" : lines.back();
+}
+
 // "crashed in FUNCTION" on the standard error of a watched process.
 constexpr std::string_view kCrashMark = "crashed in ";
 
@@ -254,11 +260,6 @@ void examineProducer(const Session& session, const std::filesystem::path& file, 
 }
 
 }  // namespace
-
-std::string lastLine(const std::string& text) {
-  const std::vector<std::string> lines = split(text, "\r\n");
-  return lines.empty() ? "it ended without a word" : lines.back();
-}
 
 ProducerExamination examineProducers(const Session& session, const std::vector<std::filesystem::path>& files,
                                      const std::function<void(const std::filesystem::path& file)>& begin) {

@@ -33,7 +33,4 @@ struct ProducerExamination {
 ProducerExamination examineProducers(const Session& session, const std::vector<std::filesystem::path>& files,
                                      const std::function<void(const std::filesystem::path& file)>& begin);
 
-/// The last line that a process wrote about its failure.
-std::string lastLine(const std::string& text);
-
 }  // namespace tool

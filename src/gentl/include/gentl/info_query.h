@@ -1,6 +1,7 @@
 // Questions to a producer that it answers into a buffer of fixed size.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -43,8 +44,11 @@ T queryValue(Call&& call) {
   return value;
 }
 
+/** A producer that tells of more interfaces, devices or streams has lost count: no machine has so many. */
+constexpr std::uint32_t kMaxListed = 65'536;
+
 /**
- * The IDs of a list, in index order.
+ * The IDs of a list, in index order, as many as kMaxListed at most.
  *
  * @param count  GC_ERROR(std::uint32_t* count)
  * @param idAt   GC_ERROR(std::uint32_t index, char* buffer, std::size_t* size)
@@ -53,6 +57,7 @@ template<class Count, class IdAt>
 std::vector<std::string> queryIds(Count&& count, IdAt&& idAt) {
   std::uint32_t number = 0;
   checkGenTLError(count(&number));
+  number = std::min(number, kMaxListed);
   std::vector<std::string> ids;
   for (std::uint32_t index = 0; index < number; ++index) {
     ids.push_back(
