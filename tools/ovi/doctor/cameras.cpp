@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <ranges>
 
 #include "doctor/changed_environment.h"
 #include "paths.h"
@@ -191,14 +192,16 @@ LastWords lastWords(const std::string& messages) {
   const auto starts = [](std::string_view with) {
     return [with](const std::string& line) { return line.starts_with(with); };
   };
-  const auto last = std::find_if(lines.rbegin(), lines.rend(), starts("ovi: "));
-  if (last == lines.rend()) {
-    const auto line = std::find_if_not(lines.rbegin(), lines.rend(), starts("try: "));
-    return {line == lines.rend() ? "no reason is given" : *line, {}};
+  const auto backwards = lines | std::views::reverse;
+  const auto last = std::ranges::find_if(backwards, starts("ovi: "));
+  if (last == backwards.end()) {
+    const auto line = std::ranges::find_if_not(backwards, starts("try: "));
+    return {line == backwards.end() ? "no reason is given" : *line, {}};
   }
   LastWords words{last->substr(5), {}};
-  const auto advice = std::find_if(last.base(), lines.end(), starts("try: "));
-  if (const auto log = std::find_if(last.base(), advice, starts("  log: ")); log != advice)
+  const auto advice = std::ranges::find_if(std::ranges::subrange(last.base(), lines.end()), starts("try: "));
+  if (const auto log = std::ranges::find_if(std::ranges::subrange(last.base(), advice), starts("  log: "));
+      log != advice)
     words.reason += " (" + log->substr(7) + ")";
   if (advice != lines.end())
     words.advice = advice->substr(5);
