@@ -17,6 +17,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -117,6 +118,18 @@ long threads() {
     if (line.rfind("Threads:", 0) == 0)
       return std::atol(line.c_str() + 8);
   return 0;
+}
+
+// How many threads stay, when there should be so many at most: the system lists one that was joined for a moment more.
+long threadsLeft(long expected) {
+  constexpr auto kPatience = std::chrono::seconds(5);
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  long now = threads();
+  while (now > expected && std::chrono::steady_clock::now() < end) {
+    std::this_thread::yield();
+    now = threads();
+  }
+  return now;
 }
 
 struct Options {
@@ -239,7 +252,7 @@ class Matrix {
       if (const Verdict again = clean(*fault.journey); !again.good())
         report(name + ": and after a restart this: " + again.firstFailure());
     }
-    if (const long now = threads(); now > threads_) {
+    if (const long now = threadsLeft(threads_); now > threads_) {
       report(name + ": " + std::to_string(now - threads_) + " threads more");
       threads_ = now;
     }
