@@ -139,7 +139,7 @@ TEST(Doctor, NamesWhatProducersDoWrong) {
     const Environment order("OVI_TEST_ORDER", wrong.order);
     const Outcome run = ovi({"doctor", "--timeout", "100", "--producer", HOSTILE_DIR "/Hostile.cti"});
     for (const char* said : wrong.said)
-      EXPECT_THAT(run.out, HasSubstr(said));
+      EXPECT_THAT(run.out, HasSubstr(said)) << run.code << ' ' << run.err;
   }
   // The cameras of others are found all the same.
   const Environment path("GENICAM_GENTL64_PATH", HOSTILE_DIR);

@@ -16,7 +16,7 @@ namespace {
 // "ovi: IFOpenDevice returned ..." without the name.
 std::string reasonOf(const ChildResult& child) {
   if (!child.started)
-    return "no process could be started to ask its producer";
+    return "no process could be started to ask its producer: " + child.refusal;
   if (child.timedOut || child.crashed)
     return "its producer " + std::string(child.crashed ? "crashed" : "did not answer");
   std::string line = child.messages.substr(0, child.messages.find('\n'));

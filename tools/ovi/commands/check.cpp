@@ -104,7 +104,7 @@ std::vector<ordered_json> linesOf(const ChildResult& child) {
   };
   const std::size_t where = child.messages.find("crashed in ");
   if (!child.started)
-    failed("no process could be started");
+    failed("no process could be started: " + child.refusal);
   else if (child.timedOut)
     failed("the process hung");
   else if (child.crashed)

@@ -23,7 +23,7 @@ constexpr std::chrono::seconds kTrialTime{60};
 // What is the matter with a child that did not give an answer; empty when it did.
 std::string childFailure(const ChildResult& child) {
   if (!child.started)
-    return "could not be tried: no process could be started";
+    return "could not be tried: no process could be started: " + child.refusal;
   if (child.crashed)
     return "crashes: " + child.crash;
   if (child.timedOut)

@@ -102,7 +102,7 @@ class Interpreter {
     }
     const std::string place = crashPlace(child.messages);
     if (!child.started)
-      problem("cannot be tried: no process could be started", "close other programs, and try again");
+      problem("cannot be tried: no process could be started: " + child.refusal, "close other programs, and try again");
     else if (child.crashed)
       harm((ended_ ? std::string("crashes at the program's end")
                    : "crashes" + (place.empty() ? place : " in " + place)) +

@@ -18,6 +18,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include "interrupt.h"
 #include "paths.h"
@@ -116,6 +117,8 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
     PROCESS_INFORMATION info{};
     result.started = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                                     &start, &info) != 0;
+    if (!result.started)
+      result.refusal = std::system_category().message(static_cast<int>(GetLastError()));
     if (result.started) {
       Handle process;
       Handle thread;
@@ -235,10 +238,13 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
   posix_spawn_file_actions_adddup2(&actions, output.write, STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, messages.write, STDERR_FILENO);
   pid_t child = 0;
-  result.started = posix_spawn(&child, words.front().c_str(), &actions, nullptr, pointers.data(), environ) == 0;
+  const int refused = posix_spawn(&child, words.front().c_str(), &actions, nullptr, pointers.data(), environ);
+  result.started = refused == 0;
   posix_spawn_file_actions_destroy(&actions);
-  if (!result.started)
+  if (!result.started) {
+    result.refusal = std::generic_category().message(refused);
     return result;
+  }
   Pipe::closeEnd(output.write);
   Pipe::closeEnd(messages.write);
   const int status = waitForEnd(output, messages, timeout, child, result);

@@ -10,6 +10,7 @@ namespace tool {
 
 struct ChildResult {
   bool started = false;
+  std::string refusal;    ///< why it was not, in the system's words
   bool timedOut = false;  ///< and was ended
   bool stopped = false;   ///< and was ended, because the user pressed Ctrl-C
   bool crashed = false;
