@@ -34,15 +34,6 @@ std::string quoted(const std::string& word) {
   return text + "\"";
 }
 
-// The command interpreter takes one pair of quotes off.
-std::string wholeLine(const std::string& line) {
-  return "\"" + line + "\"";
-}
-
-int exitCode(int status) {
-  return status;
-}
-
 void setVariable(const char* name, const std::string& value) {
   _putenv_s(name, value.c_str());
 }
@@ -58,10 +49,6 @@ std::string quoted(const std::string& word) {
   return text + "'";
 }
 
-std::string wholeLine(const std::string& line) {
-  return line;
-}
-
 int exitCode(int status) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
@@ -71,6 +58,105 @@ void setVariable(const char* name, const std::string& value) {
 }
 
 #endif
+
+std::string printed(const char* file) {
+  std::string text = readText(file);
+  std::erase(text, '\r');  // Windows ends a line with one
+  return text;
+}
+
+}  // namespace
+
+#ifdef _WIN32
+
+namespace {
+
+HANDLE fileForChild(const char* name) {
+  SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  return CreateFileA(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, CREATE_ALWAYS, 0, nullptr);
+}
+
+/// The tool while it runs, with its output in the two files.
+class Child {
+ public:
+  explicit Child(const std::vector<std::string>& arguments) {
+    std::string line = quoted(std::filesystem::path(OVI_PROGRAM).make_preferred().string());
+    for (const std::string& argument : arguments)
+      line += " " + quoted(argument);
+    const HANDLE out = fileForChild(kOut);
+    const HANDLE err = fileForChild(kErr);
+    STARTUPINFOA start{};
+    start.cb = sizeof(start);
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+    start.hStdOutput = out;
+    start.hStdError = err;
+    constexpr int kAttempts = 5;  // While many programs start, the system refuses one now and then.
+    for (int attempt = 0; attempt < kAttempts && !started_; ++attempt)
+      started_ =
+          CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &child_) != 0;
+    EXPECT_TRUE(started_) << "error " << GetLastError();
+    CloseHandle(out);
+    CloseHandle(err);
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    if (started_) {
+      CloseHandle(child_.hThread);
+      CloseHandle(child_.hProcess);
+    }
+  }
+
+  bool started() const { return started_; }
+
+  /// Waits for its end, and ends it after `timeout` milliseconds.
+  Outcome finish(DWORD timeout) {
+    if (!started_)  // There is nothing to wait for, and "no process" would mean this one.
+      return {};
+    if (WaitForSingleObject(child_.hProcess, timeout) != WAIT_OBJECT_0)
+      TerminateProcess(child_.hProcess, 99);
+    WaitForSingleObject(child_.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(child_.hProcess, &code);
+    return {static_cast<int>(code), printed(kOut), printed(kErr)};
+  }
+
+ private:
+  PROCESS_INFORMATION child_{};
+  bool started_ = false;
+};
+
+// Ctrl-C reaches all programs of a console, so the child and this one have one of their own, and this one ignores it.
+void pressCtrlC() {
+  SetConsoleCtrlHandler(nullptr, TRUE);
+  EXPECT_NE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0), 0);
+}
+
+}  // namespace
+
+Outcome ovi(const std::vector<std::string>& arguments) {
+  return Child(arguments).finish(INFINITE);
+}
+
+Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
+  FreeConsole();
+  EXPECT_NE(AllocConsole(), 0);
+  SetConsoleCtrlHandler(nullptr, FALSE);  // The child inherits this.
+  Child child(arguments);
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (child.started() && printed(kOut).find(text) == std::string::npos &&
+         printed(kErr).find(text) == std::string::npos && std::chrono::steady_clock::now() < end)
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  pressCtrlC();
+  Outcome outcome = child.finish(30'000);
+  SetConsoleCtrlHandler(nullptr, FALSE);
+  return outcome;
+}
+
+#else
+
+namespace {
 
 std::string commandLine(const std::vector<std::string>& words) {
   std::string line;
@@ -84,12 +170,6 @@ std::string oviCommand(std::vector<std::string> arguments) {
   return commandLine(arguments);
 }
 
-std::string printed(const char* file) {
-  std::string text = readText(file);
-  std::erase(text, '\r');  // Windows ends a line with one
-  return text;
-}
-
 Outcome finish(const std::string& command) {
   Outcome run;
   run.code = exitCode(std::system(command.c_str()));
@@ -101,65 +181,8 @@ Outcome finish(const std::string& command) {
 }  // namespace
 
 Outcome ovi(const std::vector<std::string>& arguments) {
-  return finish(wholeLine(oviCommand(arguments)));
+  return finish(oviCommand(arguments));
 }
-
-#ifdef _WIN32
-
-namespace {
-
-HANDLE fileForChild(const char* name) {
-  SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-  return CreateFileA(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, CREATE_ALWAYS, 0, nullptr);
-}
-
-// Ctrl-C reaches all programs of a console, so the child and this one have one of their own, and this one ignores it.
-void pressCtrlC() {
-  SetConsoleCtrlHandler(nullptr, TRUE);
-  EXPECT_NE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0), 0);
-}
-
-}  // namespace
-
-Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
-  FreeConsole();
-  EXPECT_NE(AllocConsole(), 0);
-  SetConsoleCtrlHandler(nullptr, FALSE);  // The child inherits this.
-  std::string line = quoted(std::filesystem::path(OVI_PROGRAM).make_preferred().string());
-  for (const std::string& argument : arguments)
-    line += " " + quoted(argument);
-  const HANDLE out = fileForChild(kOut);
-  const HANDLE err = fileForChild(kErr);
-  STARTUPINFOA start{};
-  start.cb = sizeof(start);
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = out;
-  start.hStdError = err;
-  PROCESS_INFORMATION child{};
-  const bool started =
-      CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &child) != 0;
-  CloseHandle(out);
-  CloseHandle(err);
-  EXPECT_TRUE(started);
-  if (!started)  // There is nothing to wait for, and "no process" would mean this one.
-    return {};
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (printed(kOut).find(text) == std::string::npos && printed(kErr).find(text) == std::string::npos &&
-         std::chrono::steady_clock::now() < end)
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  pressCtrlC();
-  if (WaitForSingleObject(child.hProcess, 30'000) != WAIT_OBJECT_0)
-    TerminateProcess(child.hProcess, 99);
-  WaitForSingleObject(child.hProcess, INFINITE);
-  DWORD code = 0;
-  GetExitCodeProcess(child.hProcess, &code);
-  CloseHandle(child.hThread);
-  CloseHandle(child.hProcess);
-  SetConsoleCtrlHandler(nullptr, FALSE);
-  return {static_cast<int>(code), printed(kOut), printed(kErr)};
-}
-
-#else
 
 Outcome oviInterrupted(const std::vector<std::string>& arguments, const std::string& text) {
   // One that never says it is killed, which is no interrupt.

@@ -115,8 +115,10 @@ ChildResult runChild(const std::filesystem::path& program, const std::vector<std
     start.hStdOutput = output.value;
     start.hStdError = messages.value;
     PROCESS_INFORMATION info{};
-    result.started = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                    &start, &info) != 0;
+    constexpr int kAttempts = 3;  // While many programs start, the system refuses one now and then.
+    for (int attempt = 0; attempt < kAttempts && !result.started; ++attempt)
+      result.started = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                      &start, &info) != 0;
     if (!result.started)
       result.refusal = std::system_category().message(static_cast<int>(GetLastError()));
     if (result.started) {
