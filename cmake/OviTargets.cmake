@@ -73,19 +73,31 @@ function(ovi_add_layer name)
   endif()
 endfunction()
 
-# ovi_add_test(NAME SOURCES files... [LIBS targets...] [ENVIRONMENT NAME=value...] [TIMEOUT seconds] [LABELS labels...])
+# ovi_add_test(NAME SOURCES files... [LIBS targets...] [ENVIRONMENT NAME=value...] [TIMEOUT seconds] [LABELS labels...]
+#              [PARTS number])
 #
-# One test program. It runs in a scratch folder of its own with the virtual camera's folder on the producer search path.
+# One test program. It runs in a scratch folder of its own with the virtual camera's folder on the producer search path;
+# a long one in several parts, which may run side by side.
 function(ovi_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LIBS;ENVIRONMENT;LABELS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT;PARTS" "SOURCES;LIBS;ENVIRONMENT;LABELS")
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ovi_options ${arg_LIBS} GTest::gtest GTest::gmock GTest::gtest_main)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
-  set(scratch "${CMAKE_BINARY_DIR}/scratch/${name}")
-  file(MAKE_DIRECTORY "${scratch}")
-  add_test(NAME ${name} COMMAND ${name} WORKING_DIRECTORY "${scratch}")
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
-    ENVIRONMENT "GENICAM_GENTL64_PATH=${OVI_OUT_DIR};${arg_ENVIRONMENT}")
+  if(NOT arg_PARTS)
+    set(arg_PARTS 1)
+  endif()
+  foreach(part RANGE 1 ${arg_PARTS})
+    set(test ${name})
+    if(arg_PARTS GREATER 1)
+      string(APPEND test "_${part}")
+    endif()
+    set(scratch "${CMAKE_BINARY_DIR}/scratch/${test}")
+    file(MAKE_DIRECTORY "${scratch}")
+    add_test(NAME ${test} COMMAND ${name} WORKING_DIRECTORY "${scratch}")
+    math(EXPR index "${part} - 1")
+    set_tests_properties(${test} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+      ENVIRONMENT "GENICAM_GENTL64_PATH=${OVI_OUT_DIR};GTEST_TOTAL_SHARDS=${arg_PARTS};GTEST_SHARD_INDEX=${index};${arg_ENVIRONMENT}")
+  endforeach()
 endfunction()

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
@@ -16,7 +17,8 @@ class Watchdog {
  public:
   static constexpr std::size_t kTasks = 16;
 
-  /** Watches from now on: a task that takes longer than `limit` is a hang. */
+  /** Watches from now on: a task that takes longer than `limit` is a hang. A stopped process is not: its watch stops
+   * too. */
   static void start(std::chrono::seconds limit) {
     for (const int number : {SIGSEGV, SIGABRT, SIGFPE, SIGILL})
       std::signal(number, dieBySignal);
@@ -25,16 +27,14 @@ class Watchdog {
 
   /** What the thread of that number does now; null for nothing. The text must live until the next call. */
   static void doing(std::size_t thread, const char* what) noexcept {
-    tasks().at(thread).began = Clock::now().time_since_epoch().count();
+    tasks().at(thread).seconds = 0;
     tasks().at(thread).what = what;
   }
 
  private:
-  using Clock = std::chrono::steady_clock;
-
   struct Task {
     std::atomic<const char*> what{nullptr};
-    std::atomic<Clock::rep> began{0};
+    std::atomic<std::int64_t> seconds{0};
   };
 
   static std::array<Task, kTasks>& tasks() {
@@ -57,9 +57,8 @@ class Watchdog {
   static void watch(std::chrono::seconds limit) {
     for (;;) {
       std::this_thread::sleep_for(std::chrono::seconds(1));
-      for (const Task& task : tasks()) {
-        const Clock::time_point began{Clock::duration(task.began)};
-        if (task.what != nullptr && Clock::now() - began > limit) {
+      for (Task& task : tasks()) {
+        if (task.what != nullptr && ++task.seconds > limit.count()) {
           tell("HANG");
           std::abort();
         }
