@@ -10,6 +10,7 @@
 #include "discovery/tl_discovery.h"
 #include "exit_handler.h"
 #include "gentl/base_module.h"
+#include "gentl/event.h"
 #include "gentl/module_lookup.h"
 #include "platform/platform.h"
 
@@ -17,10 +18,12 @@ namespace OVI {
 
 namespace {
 
-// Drops every handle. Streams and devices are closed here and now, in this order, also when a thread whose wait was
-// just ended still holds one for a moment: behind it the producer closes.
+// Drops every handle. Events are unregistered and streams and devices closed here and now, in this order, also when a
+// thread whose wait was just ended still holds one for a moment: behind it the producer closes.
 void closeModules() {
   HandleRegistry& registry = HandleRegistry::instance();
+  for (const HandleRegistry::Module& event : registry.modulesOfKind(ModuleKind::Event))
+    static_cast<GenTLCpp::Event&>(*event).unregisterBeforeClose();
   const std::vector<HandleRegistry::Module> streams = registry.modulesOfKind(ModuleKind::DataStream);
   const std::vector<HandleRegistry::Module> devices = registry.modulesOfKind(ModuleKind::Device);
   registry.clear();

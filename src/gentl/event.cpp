@@ -110,7 +110,13 @@ Event::Stay::Stay(Event& event, std::uint64_t& timeout) : gate_(event.gate_) {
 
 void Event::unregister() noexcept {
   OVI::Hold inside;  // Whoever closes the module waits, or does it in place of this.
-  if (parent_->beginUse(inside) && !parent_->isClosed() && !unregistered_.exchange(true)) {
+  if (parent_->beginUse(inside)) {
+    unregisterBeforeClose();
+  }
+}
+
+void Event::unregisterBeforeClose() noexcept {
+  if (!parent_->isClosed() && !unregistered_.exchange(true)) {
     static_cast<void>(functions_.GCUnregisterEvent(moduleHandle_, eventType_));
   }
 }

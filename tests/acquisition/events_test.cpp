@@ -139,5 +139,19 @@ TEST_F(EventsTest, UnregisterOnce) {
       << "the closed stream took it along";
 }
 
+TEST_F(EventsTest, TheEndOfTheLibraryUnregistersAllThenCloses) {
+  openStream();
+  std::uint64_t event = 0;
+  ASSERT_EQ(oviRegisterEvent(device(), OVI_EVENT_MODULE, &event, OVI_MODULE_LOCAL_DEVICE), OVI_SUCCESS);
+  script().takeCalls();
+  EXPECT_EQ(oviClose(), OVI_SUCCESS);
+  forgetDevice();
+  const Calls calls = script().takeCalls();
+  ASSERT_EQ(calls.size(), 4U);
+  EXPECT_THAT(Calls(calls.begin(), calls.begin() + 2),
+              testing::UnorderedElementsAre("GCUnregisterEvent(1)", "GCUnregisterEvent(5)"));
+  EXPECT_THAT(Calls(calls.begin() + 2, calls.end()), testing::ElementsAre("DSClose(0)", "DevClose"));
+}
+
 }  // namespace
 }  // namespace manual

@@ -101,6 +101,8 @@ class Event : public BaseModule {
 
   /** Once, and only while the module is open. The producer's status is ignored. */
   void unregister() noexcept;
+  /** The same for whoever has shut the uses of the module and closes it next. */
+  void unregisterBeforeClose() noexcept;
   bool isUnregistered() const noexcept { return unregistered_.load(); }
 
   /** What belongs to the event and goes with it; attached before the event is shared. */
