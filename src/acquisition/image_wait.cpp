@@ -45,20 +45,19 @@ struct BufferInfos {
   std::uint64_t size = 0;
 };
 
-/** One question. Without the needed answers there is no image; the others stay zero when the producer has none. */
-struct InfoRule {
+/** The questions, in the order in which they are asked. Without every answer there is no image. */
+struct InfoQuestion {
   BUFFER_INFO_CMD command;
   std::uint64_t BufferInfos::*answer;
-  bool needed;
 };
-constexpr InfoRule kInfoRules[] = {
-    {BUFFER_INFO_BASE, &BufferInfos::base, true},
-    {BUFFER_INFO_FRAMEID, &BufferInfos::frameId, false},
-    {BUFFER_INFO_PIXELFORMAT, &BufferInfos::pixelFormat, true},
-    {BUFFER_INFO_HEIGHT, &BufferInfos::height, true},
-    {BUFFER_INFO_WIDTH, &BufferInfos::width, true},
-    {BUFFER_INFO_SIZE_FILLED, &BufferInfos::sizeFilled, false},
-    {BUFFER_INFO_SIZE, &BufferInfos::size, false},
+constexpr InfoQuestion kInfoQuestions[] = {
+    {BUFFER_INFO_BASE, &BufferInfos::base},
+    {BUFFER_INFO_FRAMEID, &BufferInfos::frameId},
+    {BUFFER_INFO_PIXELFORMAT, &BufferInfos::pixelFormat},
+    {BUFFER_INFO_HEIGHT, &BufferInfos::height},
+    {BUFFER_INFO_WIDTH, &BufferInfos::width},
+    {BUFFER_INFO_SIZE_FILLED, &BufferInfos::sizeFilled},
+    {BUFFER_INFO_SIZE, &BufferInfos::size},
 };
 
 /** @throws GenTLException when the buffer is not complete */
@@ -66,18 +65,15 @@ BufferInfos askInfos(const DataStream& stream, BUFFER_HANDLE buffer) {
   BufferInfos infos;
   DS_HANDLE handle = stream.getHandle();
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-  for (const InfoRule& rule : kInfoRules) {
+  for (const InfoQuestion& question : kInfoQuestions) {
     // The producer writes where the answer belongs: to copy it from elsewhere would be to wait for it.
-    std::uint64_t& answer = infos.*rule.answer;
+    std::uint64_t& answer = infos.*question.answer;
     std::size_t size = sizeof answer;
-    const GC_ERROR status = stream.getBufferInfo(handle, buffer, rule.command, &type, &answer, &size);
-    if (status == GC_ERR_SUCCESS) {
-      continue;
-    }
-    if (rule.needed || !isNoValue(status)) {
+    const GC_ERROR status = stream.getBufferInfo(handle, buffer, question.command, &type, &answer, &size);
+    if (status != GC_ERR_SUCCESS) {
       GenTLCpp::checkGenTLError(status);
+      answer = 0;  // A status that is none of GenTL's is no failure, and no answer either.
     }
-    answer = 0;
   }
   return infos;
 }
