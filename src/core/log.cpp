@@ -3,10 +3,12 @@
 
 #include <plog/Appenders/ColorConsoleAppender.h>
 #include <plog/Appenders/RollingFileAppender.h>
-#include <plog/Formatters/TxtFormatter.h>
 #include <plog/Log.h>
 
 #include <array>
+#include <ctime>
+#include <iomanip>
+#include <locale>
 #include <mutex>
 #include <shared_mutex>
 
@@ -21,10 +23,26 @@ namespace {
 constexpr std::size_t kMaxFileSize = 12582912;
 constexpr int kMaxFiles = 2;
 
+/** The logger's standard line of text, with the same numbers in every locale of the application. */
+struct LineFormatter {
+  static plog::util::nstring header() { return {}; }
+  static plog::util::nstring format(const plog::Record& record) {
+    std::tm time{};
+    plog::util::localtime_s(&time, &record.getTime().time);
+    plog::util::nostringstream line;
+    line.imbue(std::locale::classic());
+    line << std::put_time(&time, PLOG_NSTR("%Y-%m-%d %H:%M:%S.")) << std::setfill(PLOG_NSTR('0')) << std::setw(3)
+         << record.getTime().millitm << std::setfill(PLOG_NSTR(' ')) << " " << std::left << std::setw(5)
+         << plog::severityToString(record.getSeverity()) << " [" << record.getTid() << "] [" << record.getFunc() << "@"
+         << record.getLine() << "] " << record.getMessage() << "\n";
+    return line.str();
+  }
+};
+
 /** Sends formatted lines to the debugger, where the system has a channel for that. */
 class DebugOutputAppender : public plog::IAppender {
  public:
-  void write(const plog::Record& record) override { platform::debugOutput(plog::TxtFormatter::format(record)); }
+  void write(const plog::Record& record) override { platform::debugOutput(LineFormatter::format(record)); }
 };
 
 struct LevelPair {
@@ -60,10 +78,10 @@ void setUpLogging(unsigned appenderMask, Severity severity, const std::string& f
     // Logger and appenders are never destroyed: threads that outlive main go on writing.
     static auto& logger = *new plog::Logger<PLOG_DEFAULT_INSTANCE_ID>(static_cast<plog::Severity>(severity));
     if ((appenderMask & kLogToConsole) != 0) {
-      logger.addAppender(new plog::ColorConsoleAppender<plog::TxtFormatter>);
+      logger.addAppender(new plog::ColorConsoleAppender<LineFormatter>);
     }
     if ((appenderMask & kLogToFile) != 0) {
-      logger.addAppender(new plog::RollingFileAppender<plog::TxtFormatter>(fileName.c_str(), kMaxFileSize, kMaxFiles));
+      logger.addAppender(new plog::RollingFileAppender<LineFormatter>(fileName.c_str(), kMaxFileSize, kMaxFiles));
     }
     if ((appenderMask & kLogToDebugOutput) != 0) {
       logger.addAppender(new DebugOutputAppender);

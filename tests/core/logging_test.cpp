@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <locale>
+#include <regex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -23,9 +24,10 @@ void collect(std::uint32_t level, const char* message, void* userData) {
 }
 
 /** Groups digits, as an application's locale may. */
-class Grouping : public std::numpunct<char> {
+template<class Char>
+class Grouping : public std::numpunct<Char> {
  protected:
-  char do_thousands_sep() const override { return '.'; }
+  Char do_thousands_sep() const override { return Char{'.'}; }
   std::string do_grouping() const override { return "\3"; }
 };
 
@@ -60,10 +62,15 @@ TEST(Logging, FromTheFirstInitToARepeatedOne) {
   EXPECT_EQ(evaluations, 0) << "the level of a second call is ignored";
   EXPECT_TRUE(messages.empty());
 
-  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const std::locale before =
+      std::locale::global(std::locale(std::locale(std::locale::classic(), new Grouping<char>), new Grouping<wchar_t>));
+  testing::internal::CaptureStdout();
   OVI_LOG_ERROR("OVI::test") << "Numbers: " << 1234567 << " " << std::uint64_t{18446744073709551615U} << " "
                              << static_cast<const char*>(nullptr);
   std::locale::global(before);
+  const std::regex line(
+      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} ERROR \[\d+\] \[OVI::test@\d+\] Numbers: 1234567 [^\n]*\n)");
+  EXPECT_TRUE(std::regex_match(testing::internal::GetCapturedStdout(), line));
   oviSetIgnoreSubnetEnabled(1);
   EXPECT_EQ(messages,
             (Messages{{1, "Numbers: 1234567 18446744073709551615 (null)"}, {4, "Ignore subnet is now: Enabled"}}));
