@@ -71,11 +71,11 @@ class RegisterAccess {
   bool addressValid_ = false;
 };
 
-/// The register interface on top of a value interface.
-template<class Base>
-class RegisterNode : public Base, public Api::IRegister {
+/// The register interface of a node that has it from its base or as an additional one.
+template<class Base, class... Additional>
+class RegisterCalls : public Base, public Additional... {
  public:
-  RegisterNode(NodeMap& map, NodeIndex index) : Base(map, index), register_(*this) {
+  RegisterCalls(NodeMap& map, NodeIndex index) : Base(map, index), register_(*this) {
     this->set(NodeCore::kWatchesInvalidation);
   }
 
@@ -97,6 +97,13 @@ class RegisterNode : public Base, public Api::IRegister {
   }
 
   RegisterAccess register_;
+};
+
+/// The register interface on top of a value interface.
+template<class Base>
+class RegisterNode : public RegisterCalls<Base, Api::IRegister> {
+ public:
+  using RegisterCalls<Base, Api::IRegister>::RegisterCalls;
 };
 
 }  // namespace GenApiEngine
