@@ -33,7 +33,6 @@ class Acquisition {
   Acquisition(CameraCore& core, Hooks hooks);
 
   void declare();
-  void declareTransport(const std::function<std::int64_t()>& payloadSize);
 
   bool running() const { return running_; }
   void stop();
@@ -43,9 +42,6 @@ class Acquisition {
   // A signal of a counter, timer or line that may be a trigger source.
   void source(Signal signal);
   bool lineHigh() const { return lineHigh_; }
-  void unlockParameters() { locked_->set(0); }
-  // Bytes of a stream packet.
-  std::uint32_t packetSize() const { return static_cast<std::uint32_t>(packetSize_->integer()); }
   const char* category() const { return "AcquisitionControl"; }
 
  private:
@@ -69,7 +65,6 @@ class Acquisition {
 
   void declareTriggers();
   void declareLine();
-  void declarePackets();
   double maxRate() const;
   Clock::duration readout() const;
   Clock::duration period() const;
@@ -114,9 +109,6 @@ class Acquisition {
   Feature* triggerDelay_ = nullptr;
   Feature* triggersMissed_ = nullptr;
   Feature* lineFrequency_ = nullptr;
-  Feature* locked_ = nullptr;
-  Feature* packetSize_ = nullptr;
-  Feature* largestPacket_ = nullptr;  // only where a network limits it
 };
 
 }  // namespace vcam

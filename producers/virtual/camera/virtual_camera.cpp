@@ -73,6 +73,7 @@ VirtualCamera::VirtualCamera(CameraModel model, const Configuration& configurati
            .watched =
                [this] { return events_.watchesFrames() || counters_.watchesFrames() || sequencer_.watchesFrames(); },
            .signal = [this](Signal s, std::uint64_t frameId) { signal(s, frameId); }}),
+      transport_(core_),
       events_(core_),
       counters_(core_, [this](Signal s) { signal(s, 0); }),
       chunks_(core_),
@@ -101,7 +102,7 @@ void VirtualCamera::declare() {
   chunks_.declare();
   userSets_.declare();
   files_.declare();
-  acquisition_.declareTransport([this] { return static_cast<std::int64_t>(planFor(0)->payloadSize); });
+  transport_.declare([this] { return static_cast<std::int64_t>(planFor(0)->payloadSize); });
   if (core_.model.channels > 0) {
     declareChannels(core_.map, core_.model.channels);
   }
@@ -109,7 +110,7 @@ void VirtualCamera::declare() {
 
 void VirtualCamera::reset() {
   acquisition_.stop();
-  acquisition_.unlockParameters();
+  transport_.unlockParameters();
   files_.close();
   userSets_.powerOn();
 }
@@ -207,7 +208,7 @@ void VirtualCamera::disconnect() {
   const CameraLock guard(core_);
   ++core_.generation;
   acquisition_.stop();
-  acquisition_.unlockParameters();
+  transport_.unlockParameters();
   files_.close();
 }
 
@@ -251,7 +252,7 @@ std::shared_ptr<FramePlan> VirtualCamera::buildPlan(std::size_t stream, std::siz
   plan->offsetY = settings.offsetY;
   plan->pixelFormat = settings.format->code;
   plan->speedMode = core_.map.find("SpeedMode")->on();
-  plan->packetSize = acquisition_.packetSize();
+  plan->packetSize = transport_.packetSize();
   plan->sequencerSet = static_cast<std::uint32_t>(sequencer_.activeSet());
   plan->pictures[0] = pictureFor(slot * FramePlan::kMaxParts, std::move(settings));
   plan->imageSize = plan->pictures[0]->size();

@@ -17,6 +17,7 @@
 #include "file_store.h"
 #include "image_format.h"
 #include "sequencer.h"
+#include "transport_layer.h"
 #include "user_sets.h"
 
 namespace vcam {
@@ -65,6 +66,7 @@ class VirtualCamera : public Camera {
   ImageFormat format_;
   AnalogControl analog_;
   Acquisition acquisition_;
+  TransportLayer transport_;
   EventControl events_;
   CounterTimer counters_;
   ChunkControl chunks_;
