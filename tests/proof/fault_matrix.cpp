@@ -24,6 +24,7 @@
 #include "gentl_interface/GenTL.h"
 #include "journeys.h"
 #include "outputs.h"
+#include "ovi_virtual/functions.h"
 #include "ovi_virtual/hostility.h"
 #include "platform/platform.h"
 #include "watchdog.h"
@@ -33,64 +34,6 @@ namespace proof {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr const char* kFunctions[] = {"GCInitLib",
-                                      "GCCloseLib",
-                                      "GCGetInfo",
-                                      "GCGetLastError",
-                                      "GCReadPort",
-                                      "GCWritePort",
-                                      "GCGetPortURL",
-                                      "GCGetPortInfo",
-                                      "GCGetNumPortURLs",
-                                      "GCGetPortURLInfo",
-                                      "GCReadPortStacked",
-                                      "GCWritePortStacked",
-                                      "GCRegisterEvent",
-                                      "GCUnregisterEvent",
-                                      "EventGetData",
-                                      "EventGetDataInfo",
-                                      "EventGetInfo",
-                                      "EventFlush",
-                                      "EventKill",
-                                      "TLOpen",
-                                      "TLClose",
-                                      "TLGetInfo",
-                                      "TLGetNumInterfaces",
-                                      "TLGetInterfaceID",
-                                      "TLGetInterfaceInfo",
-                                      "TLOpenInterface",
-                                      "TLUpdateInterfaceList",
-                                      "IFClose",
-                                      "IFGetInfo",
-                                      "IFGetNumDevices",
-                                      "IFGetDeviceID",
-                                      "IFUpdateDeviceList",
-                                      "IFGetDeviceInfo",
-                                      "IFOpenDevice",
-                                      "IFGetParentTL",
-                                      "DevClose",
-                                      "DevGetInfo",
-                                      "DevGetPort",
-                                      "DevGetNumDataStreams",
-                                      "DevGetDataStreamID",
-                                      "DevOpenDataStream",
-                                      "DevGetParentIF",
-                                      "DSAnnounceBuffer",
-                                      "DSAllocAndAnnounceBuffer",
-                                      "DSRevokeBuffer",
-                                      "DSQueueBuffer",
-                                      "DSFlushQueue",
-                                      "DSStartAcquisition",
-                                      "DSStopAcquisition",
-                                      "DSGetInfo",
-                                      "DSGetBufferID",
-                                      "DSGetBufferInfo",
-                                      "DSClose",
-                                      "DSGetBufferChunkData",
-                                      "DSGetParentDev",
-                                      "DSGetNumBufferParts",
-                                      "DSGetBufferPartInfo"};
 
 /** What opens and what closes again: a run calls both equally often. */
 constexpr std::pair<const char*, const char*> kPairs[] = {{"IFOpenDevice", "DevClose"},
@@ -181,7 +124,7 @@ class Matrix {
       journey.prepare(world_, verdict);
       orders_->startCounting();
       journey.run(world_, verdict);
-      for (const char* function : kFunctions)
+      for (const char* function : vcam::kFunctionNames)
         calls_[{journey.name, function}] = orders_->calls(function);
       if (world_.expected == nullptr) {
         world_.expected = std::make_unique<oviDiscoveryInfo>();
@@ -206,7 +149,7 @@ class Matrix {
       codes.push_back(code);
     std::vector<Case> cases;
     for (const Journey& journey : kJourneys)
-      for (const char* function : kFunctions)
+      for (const char* function : vcam::kFunctionNames)
         for (const std::int32_t code : codes)
           for (const std::uint64_t call : {1U, 2U, 100U}) {
             const Case one{&journey, function, code, call};

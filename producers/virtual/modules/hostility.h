@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "modules/functions.h"
+#include "ovi_virtual/functions.h"
 
 namespace vcam {
 

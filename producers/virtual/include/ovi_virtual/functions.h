@@ -80,7 +80,7 @@ enum class Function : std::size_t {
   nimboSetRGBConversionEnabled,
 };
 
-constexpr std::array<std::string_view, 70> kFunctionNames = {
+constexpr std::array<const char*, 70> kFunctionNames = {
     "GCInitLib",
     "GCCloseLib",
     "GCGetInfo",
