@@ -11,7 +11,6 @@ namespace vcam {
 
 namespace {
 
-constexpr std::uint64_t kFrameLost = 0x9303;
 constexpr std::uint64_t kPayloadTooLarge = 0x9401;
 
 // How often a stuck transfer or a silent camera looks whether the order for it was withdrawn.

@@ -56,6 +56,11 @@ class DataStream final : public Module {
  private:
   friend class NewBufferEvent;
 
+  // Events of the module, for those who listen to its features.
+  static constexpr std::uint64_t kAcquisitionStarted = 0x9301;
+  static constexpr std::uint64_t kAcquisitionStopped = 0x9302;
+  static constexpr std::uint64_t kFrameLost = 0x9303;
+
   enum HandlingMode : std::uint64_t { OldestFirst, OldestFirstOverwrite, NewestOnly };
 
   void describe();
