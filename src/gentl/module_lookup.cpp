@@ -51,8 +51,6 @@ std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& modul
       return static_cast<const GenTLCpp::DataStream&>(module).getParent();
     case GenTLCpp::kBufferModule:
       return static_cast<const GenTLCpp::Buffer&>(module).getParent();
-    case GenTLCpp::kEventModule:
-      return static_cast<const GenTLCpp::Event&>(module).getParent();
     default:
       return nullptr;
   }

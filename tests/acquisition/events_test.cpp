@@ -38,6 +38,9 @@ TEST_F(EventsTest, RegistrationsThatFail) {
       {"no such module above", this->device(), 2, 5, "", 0, OVI_ERR_NOT_FOUND,
        "1 Failed to register event on module: Could not find requested module for given parameters. Event type was: 2 "
        "Module type: 5"},
+      {"nothing above an event", stream.event, 1, 5, "", 0, OVI_ERR_NOT_FOUND,
+       "1 Failed to register event on module: Could not find requested module for given parameters. Event type was: 1 "
+       "Module type: 5"},
       {"refused", this->device(), 1, 4, "GCRegisterEvent", GC_ERR_ACCESS_DENIED, OVI_ERR_NO_ACCESS,
        "1 Failed to register event on module:  Handle: [" + device + "] Error: "},
       {"no size", this->device(), 1, 4, "EventGetInfo", GC_ERR_NOT_AVAILABLE, OVI_ERR_SYSTEM_NOT_AVAILABLE,

@@ -57,7 +57,8 @@ void removeModule(std::uint64_t handle) {
   }
 }
 
-/** The module above: buffer, stream, device, interface, system; what an event is registered on. Empty for a system. */
+/** The module above: buffer, stream, device, interface, system. Empty for a system, and for an event, which is no
+ * module that features or events could be looked for from. */
 std::shared_ptr<GenTLCpp::BaseModule> parentOf(const GenTLCpp::BaseModule& module);
 
 /** Ends the waits for filled buffers that are under way on a stream, until they are over. No other begins while it
