@@ -59,7 +59,7 @@ std::uint64_t eventIdOf(const GenTLCpp::Event& event, const void* data, std::siz
   std::array<char, 64> id{};
   std::size_t idSize = id.size();
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-  if (event.getDataInfo(data, size, EVENT_DATA_ID, &type, id.data(), &idSize) != GC_ERR_SUCCESS) {
+  if (GenTLCpp::isFailure(event.getDataInfo(data, size, EVENT_DATA_ID, &type, id.data(), &idSize))) {
     return 0;
   }
   switch (type) {
@@ -80,7 +80,7 @@ std::string eventValueOf(const GenTLCpp::Event& event, const void* data, std::si
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
   GC_ERROR status = event.getDataInfo(data, size, EVENT_DATA_VALUE, &type, nullptr, &valueSize);
   std::string value;
-  if (status == GC_ERR_SUCCESS) {
+  if (!GenTLCpp::isFailure(status)) {
     value.resize(std::min(valueSize, kLargestValue));
     valueSize = value.size();
     status = event.getDataInfo(data, size, EVENT_DATA_VALUE, &type, value.data(), &valueSize);

@@ -69,11 +69,7 @@ BufferInfos askInfos(const DataStream& stream, BUFFER_HANDLE buffer) {
     // The producer writes where the answer belongs: to copy it from elsewhere would be to wait for it.
     std::uint64_t& answer = infos.*question.answer;
     std::size_t size = sizeof answer;
-    const GC_ERROR status = stream.getBufferInfo(handle, buffer, question.command, &type, &answer, &size);
-    if (status != GC_ERR_SUCCESS) {
-      GenTLCpp::checkGenTLError(status);
-      answer = 0;  // A status that is none of GenTL's is no failure, and no answer either.
-    }
+    GenTLCpp::checkGenTLError(stream.getBufferInfo(handle, buffer, question.command, &type, &answer, &size));
   }
   return infos;
 }

@@ -62,7 +62,7 @@ void detail::throwForStatus(GC_ERROR status, bool withProducerText) {
       producerText = producer->getLastErrorText();
     }
   }
-  if (status > kFirstFault || status < GC_ERR_BUSY) {
+  if (!isFailure(status)) {
     return;
   }
   const Fault& fault = kFaults[static_cast<std::size_t>(kFirstFault - status)];

@@ -107,6 +107,18 @@ TEST_F(ImagesTest, EveryMissingAnswerMakesAnImageIncomplete) {
   EXPECT_THAT(takeLog(), Contains(StartsWith("1 Error queueing buffer: ")));
 }
 
+TEST_F(ImagesTest, AnAnswerCountsWhateverStatusPassesWithIt) {
+  for (const GC_ERROR status : {static_cast<GC_ERROR>(GC_ERR_AMBIGUOUS), GC_ERR_CUSTOM_ID - 5, 1}) {
+    for (const BUFFER_INFO_CMD info : {BUFFER_INFO_WIDTH, BUFFER_INFO_SIZE_FILLED})
+      script().failBufferInfo(info, status);
+    oviNewBufferEventData* image = take(stream_, {8, 4, 0x01080001, 0, 20});
+    ASSERT_NE(image, nullptr) << status;
+    EXPECT_EQ(image->width, 8U) << status;
+    EXPECT_EQ(image->event.valueSize, 20U) << status;
+    EXPECT_EQ(oviReleaseImage(stream_.handle, image), OVI_SUCCESS);
+  }
+}
+
 TEST_F(ImagesTest, TheEventIdIsNoReasonToLoseAnImage) {
   script().fail("EventGetDataInfo", GC_ERR_IO);
   const oviNewBufferEventData* image = take(stream_);

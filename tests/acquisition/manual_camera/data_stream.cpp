@@ -21,6 +21,27 @@ std::string named(const char* function, unsigned stream, std::int64_t argument) 
   return std::string(function) + "(" + std::to_string(stream) + "," + std::to_string(argument) + ")";
 }
 
+GC_ERROR tellBufferInfo(const Buffer& buffer, BUFFER_INFO_CMD cmd, INFO_DATATYPE* type, void* buf, size_t* size) {
+  switch (cmd) {
+    case BUFFER_INFO_BASE:
+      return number(static_cast<const void*>(buffer.memory.data()), INFO_DATATYPE_PTR, type, buf, size);
+    case BUFFER_INFO_SIZE:
+      return number(buffer.memory.size(), INFO_DATATYPE_SIZET, type, buf, size);
+    case BUFFER_INFO_SIZE_FILLED:
+      return number(buffer.filled, INFO_DATATYPE_SIZET, type, buf, size);
+    case BUFFER_INFO_WIDTH:
+      return number(buffer.frame.width, INFO_DATATYPE_SIZET, type, buf, size);
+    case BUFFER_INFO_HEIGHT:
+      return number(buffer.frame.height, INFO_DATATYPE_SIZET, type, buf, size);
+    case BUFFER_INFO_PIXELFORMAT:
+      return number(buffer.frame.pixelFormat, INFO_DATATYPE_UINT64, type, buf, size);
+    case BUFFER_INFO_FRAMEID:
+      return number(buffer.frame.frameId, INFO_DATATYPE_UINT64, type, buf, size);
+    default:
+      return GC_ERR_NOT_IMPLEMENTED;
+  }
+}
+
 }  // namespace
 }  // namespace manual
 
@@ -131,28 +152,13 @@ GC_ERROR DSGetBufferInfo(DS_HANDLE ds, BUFFER_HANDLE handle, BUFFER_INFO_CMD cmd
     if (buffer == nullptr) {
       return GC_ERR_INVALID_HANDLE;
     }
-    const auto failure = p.bufferInfoFailures.find(cmd);
-    if (failure != p.bufferInfoFailures.end() && failure->second != GC_ERR_SUCCESS) {
-      return failure->second;
+    const auto ordered = p.bufferInfoFailures.find(cmd);
+    const GC_ERROR code = ordered != p.bufferInfoFailures.end() ? ordered->second : GC_ERR_SUCCESS;
+    if (code <= GC_ERR_ERROR && code >= GC_ERR_BUSY) {
+      return code;
     }
-    switch (cmd) {
-      case BUFFER_INFO_BASE:
-        return number(static_cast<const void*>(buffer->memory.data()), INFO_DATATYPE_PTR, type, buf, size);
-      case BUFFER_INFO_SIZE:
-        return number(buffer->memory.size(), INFO_DATATYPE_SIZET, type, buf, size);
-      case BUFFER_INFO_SIZE_FILLED:
-        return number(buffer->filled, INFO_DATATYPE_SIZET, type, buf, size);
-      case BUFFER_INFO_WIDTH:
-        return number(buffer->frame.width, INFO_DATATYPE_SIZET, type, buf, size);
-      case BUFFER_INFO_HEIGHT:
-        return number(buffer->frame.height, INFO_DATATYPE_SIZET, type, buf, size);
-      case BUFFER_INFO_PIXELFORMAT:
-        return number(buffer->frame.pixelFormat, INFO_DATATYPE_UINT64, type, buf, size);
-      case BUFFER_INFO_FRAMEID:
-        return number(buffer->frame.frameId, INFO_DATATYPE_UINT64, type, buf, size);
-      default:
-        return GC_ERR_NOT_IMPLEMENTED;
-    }
+    const GC_ERROR status = tellBufferInfo(*buffer, cmd, type, buf, size);
+    return code != GC_ERR_SUCCESS ? code : status;
   });
 }
 GC_ERROR DSClose(DS_HANDLE ds) {

@@ -66,7 +66,8 @@ class Script {
 
   /** The function fails with the code, `times` times (-1: always), after `skip` calls that do their work. */
   virtual void fail(const std::string& function, GC_ERROR code, int times = -1, int skip = 0) = 0;
-  /** A buffer info or a stream info always answers this code; 0 withdraws it. */
+  /** A buffer info or a stream info always answers this code; 0 withdraws it. A buffer info answers its value as well
+   * when the standard knows no fault of that code. */
   virtual void failBufferInfo(BUFFER_INFO_CMD command, GC_ERROR code) = 0;
   virtual void failStreamInfo(STREAM_INFO_CMD command, GC_ERROR code) = 0;
   /** The next call of the function does not begin before it is let go, with "". */

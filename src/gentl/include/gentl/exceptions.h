@@ -57,13 +57,18 @@ using BusyException = CodedException<GC_ERR_BUSY>;
 using LoadLibraryException = CodedException<kLoadLibraryFailed>;
 using ClosedException = CodedException<kModuleClosed>;
 
+/** Whether checkGenTLError throws: the standard knows the status as a fault, -1022 to -1001. */
+constexpr bool isFailure(GC_ERROR status) noexcept {
+  return status <= GC_ERR_ERROR && status >= GC_ERR_BUSY;
+}
+
 namespace detail {
 /** For a status other than success: throws if the standard knows the code, else returns. */
 void throwForStatus(GC_ERROR status, bool withProducerText);
 }  // namespace detail
 
 /**
- * Throws the exception of a failed status, -1022 to -1001. Every other status counts as success.
+ * Throws the exception of a failed status. Every other status counts as success.
  *
  * @param withProducerText  whether the producer's last-error text goes into the exception's text
  */
