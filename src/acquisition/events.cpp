@@ -111,6 +111,7 @@ oviErr waitForData(Event& event, std::uint64_t timeout, void** data) {
   *data = record.data();
   try {
     std::vector<char> eventData(record.dataSize());
+    event.requireOpenModule();  // A wait that begins later is told so; the closing ends those that are under way.
     const Event::Stay stay(event, timeout);
     const std::size_t size = event.getData(stay, eventData.data(), eventData.size(), timeout);
     const std::uint64_t id = eventIdOf(event, eventData.data(), size);

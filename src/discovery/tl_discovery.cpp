@@ -238,6 +238,7 @@ void TLDiscovery::dropInterface(const GenTLCpp::TransportLayer& transportLayer, 
     dropped = std::move(found->second);
     interfaces_.erase(found);
   }
+  shutInterfaceWaits(*dropped);
   dropped->close();
 }
 

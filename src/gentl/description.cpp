@@ -21,6 +21,9 @@ namespace GenTLCpp {
 
 namespace {
 
+/** A port that tells of more has lost count. */
+constexpr std::uint32_t kMaxURLs = 64;
+
 /** From the last dot on, in capitals; empty without a dot. */
 std::string extensionOf(std::string_view fileName) {
   const std::size_t dot = fileName.rfind('.');
@@ -119,7 +122,7 @@ GenICam::gcstring retrieveXML(Port& port) {
   setTraceEnabled(true);  // An exception leaves the traces on: they tell what happens from here on.
   GenICam::gcstring xml;
   std::exception_ptr failure;
-  const std::uint32_t count = port.getNumURLs();
+  const std::uint32_t count = std::min(port.getNumURLs(), kMaxURLs);
   for (std::uint32_t index = 0; index < count && xml.empty(); ++index) {
     std::string url;
     try {

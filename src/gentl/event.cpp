@@ -29,18 +29,20 @@ Event::~Event() {
   unregister();
 }
 
-std::size_t Event::getData(void* buffer, std::size_t size, std::uint64_t timeout) {
+void Event::requireOpenModule() const {
   if (!isAccessible()) {
     throw ClosedException("Module is closed, cannot get data");
   }
+}
+
+std::size_t Event::getData(void* buffer, std::size_t size, std::uint64_t timeout) {
+  requireOpenModule();
   const Stay stay(*this, timeout);
   return wait(stay, buffer, size, timeout);
 }
 
 std::size_t Event::getData(const Stay& stay, void* buffer, std::size_t size, std::uint64_t timeout) {
-  if (!isAccessible()) {
-    throw ClosedException("Module is closed, cannot get data");
-  }
+  requireOpenModule();
   return wait(stay, buffer, size, timeout);
 }
 

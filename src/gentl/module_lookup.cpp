@@ -91,6 +91,17 @@ void endDeviceWaits(std::uint64_t deviceHandle) {
   forEachEvent(deviceHandle, [](const auto& event) { shutWaits(*event); });
 }
 
+void shutInterfaceWaits(GenTLCpp::TLInterface& tlInterface) {
+  shutUses(tlInterface);
+  // Not by its handle: that has gone with a device, but the events of the interface stay.
+  for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(ModuleKind::Event)) {
+    auto& event = static_cast<GenTLCpp::Event&>(*module);
+    if (event.getParent().get() == &tlInterface) {
+      shutWaits(event);
+    }
+  }
+}
+
 void endAllWaits() {
   for (const ModuleKind kind : {ModuleKind::Device, ModuleKind::DataStream}) {
     for (const HandleRegistry::Module& module : HandleRegistry::instance().modulesOfKind(kind)) {

@@ -254,6 +254,36 @@ TEST_F(Robustness, AClosedDeviceTakesWhatIsItsOwnAndNoMore) {
   EXPECT_EQ(oviCloseDevice(cameras[1]), OVI_SUCCESS);
 }
 
+TEST_F(Robustness, AnInterfaceThatIsGivenUpEndsTheWaitsOnIt) {
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  const std::uint32_t all = info_->deviceCount;
+  const std::string id = info_->devices[0].deviceID;
+  std::uint64_t camera = 0;
+  std::uint64_t event = 0;
+  ASSERT_EQ(oviOpenDevice(id.c_str(), &camera, 1000, OVI_DEVICE_ACCESS_CONTROL), OVI_SUCCESS);
+  ASSERT_EQ(oviRegisterEvent(camera, OVI_EVENT_MODULE, &event, OVI_MODULE_INTERFACE), OVI_SUCCESS);
+  ASSERT_EQ(oviCloseDevice(camera), OVI_SUCCESS);
+  orders_->startCounting();
+  std::thread waiter([&] {
+    void* data = nullptr;
+    EXPECT_EQ(oviWaitForEvent(event, UINT64_MAX, &data), OVI_ERR_ABORTED);
+  });
+  while (orders_->calls("EventGetData") == 0)
+    std::this_thread::yield();
+  ASSERT_EQ(orders_->fail("IFUpdateDeviceList", GC_ERR_IO, 1, 1), 0);
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  waiter.join();
+  EXPECT_EQ(orders_->calls("EventKill"), 1U) << "it is not the producer's close that ended the wait";
+  EXPECT_EQ(orders_->calls("IFClose"), 1U);
+  orders_->reset();
+  takeLog();
+  void* data = nullptr;
+  EXPECT_EQ(oviWaitForEvent(event, UINT64_MAX, &data), -10002);
+  EXPECT_TRUE(contains(takeLog(), "Failed to get event data! Error: Module is closed, cannot get data (ID: -10002)"));
+  EXPECT_EQ(oviUnregisterEvent(event), OVI_SUCCESS);
+  expectHealthy(all, id);
+}
+
 TEST_F(Robustness, APulledCameraComesBack) {
   ASSERT_EQ(discover(), OVI_SUCCESS);
   const std::uint32_t all = info_->deviceCount;

@@ -96,11 +96,12 @@ GC_ERROR GCGetPortInfo(PORT_HANDLE, PORT_INFO_CMD cmd, INFO_DATATYPE*, void* buf
                                      : text("GCGetPortInfo", "Device", buf, size);
 }
 GC_ERROR GCGetNumPortURLs(PORT_HANDLE, uint32_t* count) {
-  *count = static_cast<uint32_t>(script().urls.size());
+  *count = static_cast<uint32_t>(script().urls.size()) + script().moreUrls;
   return enter("GCGetNumPortURLs");
 }
 GC_ERROR GCGetPortURLInfo(PORT_HANDLE, uint32_t index, URL_INFO_CMD, INFO_DATATYPE*, void* buf, size_t* size) {
-  return text("GCGetPortURLInfo", script().urls.at(index), buf, size);
+  return index < script().urls.size() ? text("GCGetPortURLInfo", script().urls[index], buf, size)
+                                      : static_cast<GC_ERROR>(GC_ERR_INVALID_INDEX);
 }
 
 GC_ERROR GCRegisterEvent(EVENTSRC_HANDLE, EVENT_TYPE, EVENT_HANDLE* out) {

@@ -22,7 +22,8 @@ struct Script {
   bool unterminated = false;                // Texts fill their buffer, without a NUL.
   std::string lastError = "the producer's words";
   std::vector<std::string> urls;
-  std::string memory;  // All registers of all ports, from address 0.
+  std::uint32_t moreUrls = 0;  // That the producer tells of and does not have.
+  std::string memory;          // All registers of all ports, from address 0.
   std::uint64_t counter = 0;
   void* bufferBase = nullptr;
   std::size_t bufferSize = 0;

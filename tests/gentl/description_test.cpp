@@ -93,6 +93,9 @@ TEST_F(DescriptionTest, BrokenUrlsAndArchives) {
   script_->memory = "<plain/>";
   EXPECT_EQ(retrieve({"local:x.xml;99999;8", "local:x.xml;0;8"}), "<plain/>");
   EXPECT_EQ(retrieve({"local:x.xml;99999;8", "http://x"}).find("! Address is out of range or invalid. (Message"), 0U);
+  script_->moreUrls = UINT32_MAX - 1;  // Nobody waits for all of them.
+  EXPECT_EQ(retrieve({"http://x"}).find("! Provided index is out of range. (Message"), 0U);
+  script_->moreUrls = 0;
   script_->answers["GCGetPortURLInfo"] = GC_ERR_NOT_IMPLEMENTED;
   EXPECT_EQ(retrieve({"local:x.xml;0;8"}).find("! Requested operation not implemented."), 0U);
 }

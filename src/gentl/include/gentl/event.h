@@ -61,6 +61,9 @@ class Event : public BaseModule {
     WaitGate::Ticket ticket_ = 0;
   };
 
+  /** @throws ClosedException when the module is closed */
+  void requireOpenModule() const;
+
   /**
    * Waits for the event and copies its data. Holds no lock while it waits. A wait that meets a kill which another one
    * left over starts again, with its whole time-out.

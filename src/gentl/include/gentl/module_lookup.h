@@ -12,6 +12,10 @@
 #include "gentl/event.h"
 #include "ovi/ovi.h"
 
+namespace GenTLCpp {
+class TLInterface;
+}
+
 namespace OVI {
 
 /**
@@ -96,6 +100,8 @@ void shutWaits(GenTLCpp::Event& event);
 void shutStreamWaits(std::uint64_t streamHandle);
 /** The same on a device and all its streams; for whoever closes it. */
 void endDeviceWaits(std::uint64_t deviceHandle);
+/** The same on an interface that no device is open on; for whoever closes it. */
+void shutInterfaceWaits(GenTLCpp::TLInterface& tlInterface);
 /** Ends all waits for events, of whatever kind, and no other starts; for whoever closes everything. */
 void endAllWaits();
 
