@@ -50,7 +50,7 @@ class CrashHandler {
     const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     const bool known = length > 0 && length < path.size();
     wchar_t* separator = known ? std::wcsrchr(path.data(), L'\\') : nullptr;
-    const wchar_t* executable = separator != nullptr ? separator + 1 : path.data();
+    const wchar_t* executable = separator != nullptr ? separator + 1 : L"unknown";
 
     const HMODULE library = loadDebugHelp(path.data(), separator);
     if (library == nullptr) {
