@@ -16,12 +16,6 @@ namespace {
 
 constexpr std::size_t kLargestValue = std::size_t{16} << 20;
 
-/** Whether a status says that there is no such value, and not that something went wrong. */
-constexpr bool isNoValue(GC_ERROR status) noexcept {
-  return status == GC_ERR_NOT_IMPLEMENTED || status == GC_ERR_NOT_AVAILABLE || status == GC_ERR_NO_DATA ||
-         status == GC_ERR_INVALID_PARAMETER;
-}
-
 template<class T>
 std::uint64_t numberAs(const void* bytes) noexcept {
   T value{};

@@ -45,4 +45,10 @@ std::uint64_t eventIdOf(const GenTLCpp::Event& event, const void* data, std::siz
 /** The event's value as text; empty when it has none. @throws GenTLException */
 std::string eventValueOf(const GenTLCpp::Event& event, const void* data, std::size_t size);
 
+/** Whether a status says that there is no such value, and not that something went wrong. */
+constexpr bool isNoValue(GC_ERROR status) noexcept {
+  return status == GC_ERR_NOT_IMPLEMENTED || status == GC_ERR_NOT_AVAILABLE || status == GC_ERR_NO_DATA ||
+         status == GC_ERR_INVALID_PARAMETER;
+}
+
 }  // namespace OVI

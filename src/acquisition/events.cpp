@@ -38,11 +38,19 @@ constexpr EventKind kModuleEvents[] = {{OVI_EVENT_ERROR, EVENT_ERROR}, {OVI_EVEN
 
 constexpr const char* kNoEvent = "Could not find event object for provided handle!";
 
-// No producer's events have more data than this, whatever it says.
+// A producer that cannot tell how long its events' data get has this much room, and no producer has more than the most.
+constexpr std::size_t kUnknownDataSize = 4096;
 constexpr std::size_t kLargestDataSize = std::size_t{16} << 20;
 
 std::size_t dataSizeOf(const Event& event) {
-  return std::clamp(event.getMaxDataSize(), std::size_t{1}, kLargestDataSize);
+  try {
+    return std::clamp(event.getMaxDataSize(), std::size_t{1}, kLargestDataSize);
+  } catch (const GenTLCpp::GenTLException& error) {
+    if (isNoValue(error.code())) {
+      return kUnknownDataSize;
+    }
+    throw;
+  }
 }
 
 /** What to register, and where. */

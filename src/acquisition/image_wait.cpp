@@ -45,19 +45,20 @@ struct BufferInfos {
   std::uint64_t size = 0;
 };
 
-/** The questions, in the order in which they are asked. Without every answer there is no image. */
-struct InfoQuestion {
+/** One question. Without the needed answers there is no image; the others stay zero when the producer has none. */
+struct InfoRule {
   BUFFER_INFO_CMD command;
   std::uint64_t BufferInfos::*answer;
+  bool needed;
 };
-constexpr InfoQuestion kInfoQuestions[] = {
-    {BUFFER_INFO_BASE, &BufferInfos::base},
-    {BUFFER_INFO_FRAMEID, &BufferInfos::frameId},
-    {BUFFER_INFO_PIXELFORMAT, &BufferInfos::pixelFormat},
-    {BUFFER_INFO_HEIGHT, &BufferInfos::height},
-    {BUFFER_INFO_WIDTH, &BufferInfos::width},
-    {BUFFER_INFO_SIZE_FILLED, &BufferInfos::sizeFilled},
-    {BUFFER_INFO_SIZE, &BufferInfos::size},
+constexpr InfoRule kInfoRules[] = {
+    {BUFFER_INFO_BASE, &BufferInfos::base, true},
+    {BUFFER_INFO_FRAMEID, &BufferInfos::frameId, false},
+    {BUFFER_INFO_PIXELFORMAT, &BufferInfos::pixelFormat, true},
+    {BUFFER_INFO_HEIGHT, &BufferInfos::height, true},
+    {BUFFER_INFO_WIDTH, &BufferInfos::width, true},
+    {BUFFER_INFO_SIZE_FILLED, &BufferInfos::sizeFilled, false},
+    {BUFFER_INFO_SIZE, &BufferInfos::size, false},
 };
 
 /** @throws GenTLException when the buffer is not complete */
@@ -65,11 +66,18 @@ BufferInfos askInfos(const DataStream& stream, BUFFER_HANDLE buffer) {
   BufferInfos infos;
   DS_HANDLE handle = stream.getHandle();
   INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
-  for (const InfoQuestion& question : kInfoQuestions) {
+  for (const InfoRule& rule : kInfoRules) {
     // The producer writes where the answer belongs: to copy it from elsewhere would be to wait for it.
-    std::uint64_t& answer = infos.*question.answer;
+    std::uint64_t& answer = infos.*rule.answer;
     std::size_t size = sizeof answer;
-    GenTLCpp::checkGenTLError(stream.getBufferInfo(handle, buffer, question.command, &type, &answer, &size));
+    const GC_ERROR status = stream.getBufferInfo(handle, buffer, rule.command, &type, &answer, &size);
+    if (!GenTLCpp::isFailure(status)) {
+      continue;
+    }
+    if (rule.needed || !isNoValue(status)) {
+      GenTLCpp::checkGenTLError(status);
+    }
+    answer = 0;
   }
   return infos;
 }

@@ -43,10 +43,11 @@ TEST_F(EventsTest, RegistrationsThatFail) {
        "Module type: 5"},
       {"refused", this->device(), 1, 4, "GCRegisterEvent", GC_ERR_ACCESS_DENIED, OVI_ERR_NO_ACCESS,
        "1 Failed to register event on module:  Handle: [" + device + "] Error: "},
-      {"no size", this->device(), 1, 4, "EventGetInfo", GC_ERR_NOT_AVAILABLE, OVI_ERR_SYSTEM_NOT_AVAILABLE,
+      {"no size", this->device(), 1, 4, "EventGetInfo", GC_ERR_IO, OVI_ERR_IO,
        "1 Failed to register event on module:  Handle: [" + device + "] Error: "},
       {"twice", stream.handle, 0, 5, "", 0, OVI_ERR_RESOURCE_IN_USE,
        "1 Failed to register event on module:  Handle: [" + std::to_string(stream.handle) + "] Error: "},
+      {"size unknown", this->device(), 1, 4, "EventGetInfo", GC_ERR_NOT_AVAILABLE, OVI_SUCCESS, ""},
   };
   for (const Case& each : cases) {
     SCOPED_TRACE(each.name);

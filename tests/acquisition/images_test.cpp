@@ -75,31 +75,49 @@ TEST_F(ImagesTest, DescribeTheImage) {
   }
 }
 
-TEST_F(ImagesTest, EveryMissingAnswerMakesAnImageIncomplete) {
-  const std::pair<BUFFER_INFO_CMD, GC_ERROR> failures[] = {
-      {BUFFER_INFO_WIDTH, GC_ERR_NOT_IMPLEMENTED},
-      {BUFFER_INFO_HEIGHT, GC_ERR_NOT_AVAILABLE},
-      {BUFFER_INFO_PIXELFORMAT, GC_ERR_NOT_IMPLEMENTED},
-      {BUFFER_INFO_BASE, GC_ERR_NO_DATA},
-      {BUFFER_INFO_FRAMEID, GC_ERR_NOT_IMPLEMENTED},
-      {BUFFER_INFO_SIZE_FILLED, GC_ERR_NOT_AVAILABLE},
-      {BUFFER_INFO_SIZE, GC_ERR_IO},
+TEST_F(ImagesTest, MissingAnswersAreZeroAndFailuresMakeAnImageIncomplete) {
+  constexpr GC_ERROR kNone = GC_ERR_NOT_IMPLEMENTED;
+  struct Case {
+    BUFFER_INFO_CMD info;
+    GC_ERROR code;
+    bool isDelivered;
   };
-  for (const auto& [info, code] : failures) {
-    SCOPED_TRACE(testing::Message() << info << " " << code);
-    script().failBufferInfo(info, code);
-    ASSERT_TRUE(script().deliver(0, {}));
+  const Case cases[] = {
+      {BUFFER_INFO_WIDTH, kNone, false},
+      {BUFFER_INFO_HEIGHT, GC_ERR_NOT_AVAILABLE, false},
+      {BUFFER_INFO_PIXELFORMAT, kNone, false},
+      {BUFFER_INFO_BASE, GC_ERR_NO_DATA, false},
+      {BUFFER_INFO_FRAMEID, kNone, true},
+      {BUFFER_INFO_FRAMEID, GC_ERR_IO, false},
+      {BUFFER_INFO_SIZE_FILLED, GC_ERR_INVALID_PARAMETER, true},
+      {BUFFER_INFO_SIZE_FILLED, GC_ERR_ERROR, false},
+      {BUFFER_INFO_SIZE, GC_ERR_NO_DATA, true},
+      {BUFFER_INFO_SIZE, GC_ERR_INVALID_HANDLE, false},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(testing::Message() << each.info << " " << each.code);
+    script().failBufferInfo(each.info, each.code);
+    ASSERT_TRUE(script().deliver(0, {8, 4, 0x01080001, 0, 32, SIZE_MAX, 77}));
     EXPECT_EQ(script().queued(0), 1U);
     void* data = nullptr;
-    EXPECT_EQ(oviWaitForEvent(stream_.event, 1000, &data), OVI_ERR_INVALID_BUFFER);
-    EXPECT_EQ(data, nullptr);
-    EXPECT_THAT(takeLog(), Contains(StartsWith("1 Failed to get buffer information! Buffer is not complete and will be "
-                                               "queued again. Error: ")));
-    EXPECT_EQ(script().queued(0), 2U);
-    script().failBufferInfo(info, 0);
+    const oviErr result = oviWaitForEvent(stream_.event, 1000, &data);
+    EXPECT_EQ(result, each.isDelivered ? OVI_SUCCESS : OVI_ERR_INVALID_BUFFER);
+    if (each.isDelivered) {
+      auto* image = static_cast<oviNewBufferEventData*>(data);
+      EXPECT_EQ(image->frameID, each.info == BUFFER_INFO_FRAMEID ? 0U : 77U);
+      EXPECT_EQ(image->event.valueSize, each.info == BUFFER_INFO_SIZE_FILLED ? 0U : 32U);
+      EXPECT_EQ(oviReleaseImage(stream_.handle, image), OVI_SUCCESS);
+      EXPECT_THAT(takeLog(), Not(Contains(StartsWith("1 "))));
+    } else {
+      EXPECT_EQ(data, nullptr);
+      EXPECT_THAT(takeLog(), Contains(StartsWith("1 Failed to get buffer information! Buffer is not complete and will "
+                                                 "be queued again. Error: ")));
+    }
+    EXPECT_EQ(script().queued(0), 2U) << "queued again either way";
+    script().failBufferInfo(each.info, 0);
   }
 
-  script().failBufferInfo(BUFFER_INFO_WIDTH, GC_ERR_NOT_IMPLEMENTED);
+  script().failBufferInfo(BUFFER_INFO_WIDTH, kNone);
   script().deliver(0, {});
   script().fail("DSQueueBuffer", GC_ERR_IO, 1);
   void* data = nullptr;
