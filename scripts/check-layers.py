@@ -27,7 +27,8 @@ MAY_SEE = {
     "src/api": ["include", "src/core", "src/gentl", "src/features", "src/discovery", "src/acquisition", "src/filetransfer",
                 "src/diagnostics"],
     "genapi/include": [],
-    "genapi/src/base": ["genapi/include"],
+    "genapi/src/platform": [],
+    "genapi/src/base": ["genapi/include", "genapi/src/platform"],
     "genapi/src/formula": ["genapi/src/base"],
     "genapi/src/model": ["genapi/include", "genapi/src/base"],
     "genapi/src/nodemap": ["genapi/include", "genapi/src/base", "genapi/src/model", "genapi/src/nodes"],
@@ -47,7 +48,7 @@ MAY_SEE = {
 PROOF = ("tests/", "bench/", "fuzz/")  # They may look into everything.
 
 # Headers of other libraries and of the operating system, and where they may be used.
-SYSTEM_FOLDERS = ["src/platform", "producers/virtual/platform", "tools/ovi/platform"]
+SYSTEM_FOLDERS = ["src/platform", "genapi/src/platform", "producers/virtual/platform", "tools/ovi/platform"]
 OUTSIDE = [
     (r"(boost/.*)", ["src/discovery"]),
     (r"(plog/.*)", ["src/core"]),

@@ -13,6 +13,11 @@
 #include "Log/LogSink.h"
 #include "log4cpp/Category.hh"
 
+#if defined(_WIN32)
+#include <windows.h>
+#undef ERROR  // A priority of the log has that name.
+#endif
+
 namespace {
 
 using GenICam::gcstring;
@@ -20,9 +25,10 @@ using GenICam::gcstring_vector;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
+// As a program without the C library's help does it, whose copy of the environment does not see it on Windows.
 void setVariable(const char* name, const char* value) {
 #if defined(_WIN32)
-  _putenv_s(name, value);
+  SetEnvironmentVariableA(name, value);
 #else
   setenv(name, value, 1);
 #endif
@@ -189,6 +195,8 @@ TEST(EnumClasses, SpellAsDescriptionsDo) {
 TEST(Utilities, ReplaceEnvironmentVariables) {
   setVariable("OVI_TEST_ONE", "first value");
   setVariable("OVI_TEST_LOOP", "$(OVI_TEST_LOOP)");
+  const std::string longValue(1000, 'v');
+  setVariable("OVI_TEST_LONG", longValue.c_str());
   struct Case {
     const char* text;
     const char* expected;
@@ -198,6 +206,7 @@ TEST(Utilities, ReplaceEnvironmentVariables) {
       {"$(OVI_TEST_ONE)", "first value"},
       {"a$(OVI_TEST_ONE)b$(OVI_TEST_ONE)", "afirst valuebfirst value"},
       {"$(OVI_TEST_LOOP)", "$(OVI_TEST_LOOP)"},
+      {"$(OVI_TEST_LONG)", longValue.c_str()},
       {"open $(OVI_TEST_ONE", "open $(OVI_TEST_ONE"},
       {"", ""},
   };

@@ -1,6 +1,5 @@
 // Environment variables, URLs, folders and files.
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -10,6 +9,7 @@
 
 #include "Base/GCUtilities.h"
 #include "GenICamVersion.h"
+#include "platform/environment_variable.h"
 
 namespace GENICAM_NAMESPACE {
 namespace {
@@ -101,7 +101,7 @@ bool matches(std::string_view pattern, std::string_view name) {
 }  // namespace
 
 bool DoesEnvironmentVariableExist(const gcstring& VariableName) {
-  return std::getenv(VariableName.c_str()) != nullptr;
+  return GenApiEngine::environmentVariable(VariableName.c_str()).has_value();
 }
 
 gcstring GetValueOfEnvironmentVariable(const gcstring& VariableName) {
@@ -112,11 +112,10 @@ gcstring GetValueOfEnvironmentVariable(const gcstring& VariableName) {
 }
 
 bool GetValueOfEnvironmentVariable(const gcstring& VariableName, gcstring& VariableContent) {
-  const char* const value = std::getenv(VariableName.c_str());
-  if (value == nullptr)
-    return false;
-  VariableContent = value;
-  return true;
+  const std::optional<std::string> value = GenApiEngine::environmentVariable(VariableName.c_str());
+  if (value)
+    VariableContent = toGc(*value);
+  return value.has_value();
 }
 
 gcstring UrlEncode(const gcstring& Input) {
