@@ -53,12 +53,17 @@ std::string nameOf(const GenTLCpp::TransportLayer& transportLayer) {
 
 // Tells an interface of the S2i producer whether to list cameras of other subnets.
 void applyIgnoreSubnet(GenTLCpp::TLInterface& tlInterface, const std::string& interfaceID) {
+  bool isServed = false;
+  guarded("OVI::isS2iTL", Severity::Error, "Error getting device TL type. Error: ", [&] {
+    isServed = isS2iTL(*tlInterface.getParent());
+    return OVI_SUCCESS;
+  });
+  if (!isServed)
+    return;
   guarded(
       kListSite, Severity::Error,
       [&](LogRecord& record) { record << "Failed to set IgnoreSubnet of interface " << interfaceID << ". Error: "; },
       [&] {
-        if (!isS2iTL(*tlInterface.getParent()))
-          return OVI_SUCCESS;
         const std::shared_ptr<GenTLCpp::FeatureList> features = tlInterface.getFeatureList();
         if (features == nullptr)
           return OVI_SUCCESS;

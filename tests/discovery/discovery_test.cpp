@@ -227,9 +227,18 @@ TEST_F(Discovery, OtherProducersAreNotToldAboutSubnets) {
   oviSetIgnoreSubnetEnabled(1);
   script().interfaces[1].registers[0] = 7;
   ASSERT_EQ(discover(), OVI_SUCCESS);
-  oviSetIgnoreSubnetEnabled(0);
   EXPECT_EQ(script().interfaces[0].registers[0], 0U);
   EXPECT_EQ(script().interfaces[1].registers[0], 7U);
+
+  // Nor does one that does not say who it is fail at that.
+  fail("GCGetInfo", GC_ERR_IO, TL_INFO_PATHNAME);
+  takeLog();
+  ASSERT_EQ(discover(), OVI_SUCCESS);
+  oviSetIgnoreSubnetEnabled(0);
+  EXPECT_EQ(found(), 3U);
+  const std::vector<std::string> log = takeLog();
+  EXPECT_TRUE(contains(log, "Error getting device TL type. Error: "));
+  EXPECT_FALSE(contains(log, "IgnoreSubnet"));
 }
 
 }  // namespace discovery_test
