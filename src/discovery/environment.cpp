@@ -68,7 +68,8 @@ void keepOutcome(SettingsFile& settings, oviErr code) {
 }
 
 bool hypervisorPresent() {
-  std::optional<std::string> answer = platform::runAndRead("powershell (gcim Win32_ComputerSystem).HypervisorPresent");
+  const std::optional<std::string> answer =
+      platform::runAndRead("powershell", "(gcim Win32_ComputerSystem).HypervisorPresent");
   if (!answer) {
     OVI_LOG_ERROR(kEnvironmentSite) << "popen() failed!";
     return true;

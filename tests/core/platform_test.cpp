@@ -53,10 +53,10 @@ TEST(Platform, FilesAreReadWholeOrNotAtAll) {
 }
 
 TEST(Platform, CommandsAreRunAndTheirOutputIsRead) {
-  const auto output = runAndRead("echo False");
+  const auto output = runAndRead("echo", "(it's a query).Of False");
   ASSERT_TRUE(output);
-  EXPECT_EQ(output->substr(0, 5), "False");
-  EXPECT_EQ(runAndRead("a-command-that-does-not-exist").value_or("").find("False"), std::string::npos);
+  EXPECT_EQ(output->substr(0, 23), "(it's a query).Of False");
+  EXPECT_EQ(runAndRead("a-command-that-does-not-exist", "False").value_or("").find("False"), std::string::npos);
 }
 
 TEST(Platform, ALibraryThatCannotBeLoadedSaysWhy) {

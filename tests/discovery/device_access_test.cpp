@@ -176,7 +176,7 @@ TEST_F(DeviceAccess, FromManyThreadsAtOnce) {
 
 // A process that forgets to close: its producers are closed in order before they are destroyed.
 TEST(ForgottenClose, IsDoneAtExit) {
-  const auto output = OVI::platform::runAndRead(std::string(FORGETFUL_PROGRAM) + " " + treeFolder("TreeProducer"));
+  const auto output = OVI::platform::runAndRead(FORGETFUL_PROGRAM, treeFolder("TreeProducer"));
   ASSERT_TRUE(output.has_value());
   const std::size_t opened = output->find("IFOpenDevice");
   std::size_t at = opened;

@@ -1,4 +1,5 @@
 // Which producers are found and loaded, and what they tell about themselves.
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -192,6 +193,29 @@ TEST_F(RealTimeProducer, LoadsWhereTheMachineIsPreparedForIt) {
   EXPECT_THAT(kept, testing::HasSubstr("Keep = me"));
   EXPECT_THAT(kept, testing::HasSubstr("KitharaEnvironment = oviHypervisorNotDisabledErr"));
   EXPECT_THAT(kept, testing::HasSubstr("EnvironmentSet=1"));
+}
+
+TEST_F(RealTimeProducer, NeedsProcessorsOfItsOwnWhereNoHypervisorIs) {
+  const fs::path folder = fs::absolute("shell");
+  fs::create_directories(folder);
+  std::ofstream(folder / "powershell")
+      << "#!/bin/sh\n"
+         "[ \"$*\" = '(gcim Win32_ComputerSystem).HypervisorPresent' ] && echo False\n";
+  fs::permissions(folder / "powershell", fs::perms::owner_all);
+  std::ofstream(folder / "powershell.bat") << "@echo False\n";
+  const std::string before = std::getenv("PATH");
+#ifdef _WIN32
+  const auto setPath = [](const std::string& path) { _putenv_s("PATH", path.c_str()); };
+  setPath(folder.string() + ";" + before);
+#else
+  const auto setPath = [](const std::string& path) { setenv("PATH", path.c_str(), 1); };
+  setPath(folder.string() + ":" + before);
+#endif
+  oviTLProducerInfos info;
+  EXPECT_EQ(oviGetTLProducerInfobyFilePath(&info, file().c_str()), OVI_ERR_NO_KITHARA_PROCESSORS);
+  EXPECT_TRUE(contains(takeLog(), "SystemInfo.dll cannot be loaded to get PC's number of processors and cores "));
+  EXPECT_EQ(read(), "KitharaEnvironment = oviNoKitharaProcessorsErr\n");
+  setPath(before);
 }
 
 }  // namespace discovery_test

@@ -31,9 +31,15 @@ std::string tempDirectory() {
   return environmentOr("TMPDIR", "/tmp");
 }
 
-std::optional<std::string> runAndRead(const std::string& command) {
-  // What the shell itself has to say about the command is silenced too.
-  std::FILE* pipe = popen(("exec 2>/dev/null\n" + command).c_str(), "r");
+std::optional<std::string> runAndRead(const std::string& program, const std::string& argument) {
+  // In quotation marks, because to this shell parentheses are more than text. What it has to say itself is silenced
+  // too.
+  std::string quoted = "'";
+  for (const char c : argument) {
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  }
+  quoted += '\'';
+  std::FILE* pipe = popen(("exec 2>/dev/null\n" + program + " " + quoted).c_str(), "r");
   if (pipe == nullptr) {
     return std::nullopt;
   }

@@ -35,9 +35,9 @@ void callAtExit(void (*function)()) noexcept {
   }
 }
 
-std::optional<std::string> runAndRead(const std::string& command) {
+std::optional<std::string> runAndRead(const std::string& program, const std::string& argument) {
   const auto close = [](std::FILE* pipe) { _pclose(pipe); };
-  const std::unique_ptr<std::FILE, decltype(close)> pipe(_popen(command.c_str(), "r"), close);
+  const std::unique_ptr<std::FILE, decltype(close)> pipe(_popen((program + " " + argument).c_str(), "r"), close);
   if (pipe == nullptr)
     return std::nullopt;
   std::string output;

@@ -45,8 +45,9 @@ std::optional<std::string> publicDocuments();
  * code page may lack. */
 std::string tempDirectory();
 
-/** Runs a shell command and returns what it prints to standard output; nothing when it cannot be started. */
-std::optional<std::string> runAndRead(const std::string& command);
+/** Runs a program with an argument that holds whatever it holds, and returns what it prints to standard output: nothing
+ * when no program can be started, an empty text when there is none of that name. */
+std::optional<std::string> runAndRead(const std::string& program, const std::string& argument);
 
 /** A file's whole content; nothing when it cannot be read or holds more than `limit` bytes. Others may have it open. */
 std::optional<std::string> readFile(const std::string& path, std::uint64_t limit = UINT64_MAX);
