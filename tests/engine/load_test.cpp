@@ -129,6 +129,20 @@ TEST(Load, ForgivesAndWarnsWithTheLine) {
       {"\n<Integer Name=\"B\"><pValue>Nobody</pValue></Integer>", "'Nobody', which is not there"},
       {"\n<Category Name=\"Root\"><pFeature>Nobody</pFeature><pFeature>A</pFeature></Category>",
        "'Nobody', which is not there"},
+      {"\n<Integer Name=\"B\"><pValue>Device</pValue></Integer>",
+       "pValue of 'B' means 'Device', which is of the wrong kind: Port"},
+      {"\n<String Name=\"S\"><pValue>A</pValue></String><Boolean "
+       "Name=\"B\"><pIsLocked>S</pIsLocked><Value>1</Value></Boolean>",
+       "'A', which is of the wrong kind: Integer"},
+      {"\n<IntReg Name=\"B\"><Address>0</Address><Length>4</Length><pPort>A</pPort></IntReg>",
+       "'A', which is of the wrong kind: Integer"},
+      {"\n<Integer Name=\"B\"><ValueIndexed Index=\"1\">2</ValueIndexed></Integer>", "'B' has no pIndex"},
+      {"\n<Integer Name=\"B\"><pIndex>A</pIndex><ValueIndexed Index=\"x\">2</ValueIndexed></Integer>",
+       "Index of 'B' is no number: 'x'"},
+      {"\n<Integer Name=\"B\"><pIndex>A</pIndex><ValueIndexed>2</ValueIndexed></Integer>",
+       "Index of 'B' is no number: ''"},
+      {"\n<IntReg Name=\"B\"><pIndex Offset=\"four\">A</pIndex><Length>4</Length><pPort>Device</pPort></IntReg>",
+       "Offset of 'B' is no number: 'four'"},
       {"\n<Integer Name=\"B\"/>", "'B' has no value"},
       {"\n<Integer Name=\"B\"><pValue>C</pValue></Integer><Integer Name=\"C\"><pValue>B</pValue></Integer>",
        "depends on itself"},
@@ -142,7 +156,7 @@ TEST(Load, ForgivesAndWarnsWithTheLine) {
     if (INode* const concerned = map->GetNode("B");
         concerned != nullptr && nodes.find("Wonder") == std::string::npos && nodes.find("VALUE") == std::string::npos) {
       EXPECT_EQ(concerned->GetAccessMode(), NI);
-      EXPECT_THROW(dynamic_cast<IInteger&>(*concerned).GetValue(), GenICam::AccessException);
+      EXPECT_THROW(dynamic_cast<IValue&>(*concerned).ToString(), GenICam::AccessException);
     }
   }
 }
@@ -295,7 +309,8 @@ TEST(Load, Properties) {
   TestMap map(
       "<SwissKnife Name=\"K\" NameSpace=\"Standard\"><ToolTip>tip</ToolTip><pVariable Name=\"X\">A</pVariable>"
       "<pVariable Name=\"Y\">A</pVariable><Formula>X+Y</Formula><Unit>mm</Unit></SwissKnife>" +
-      kInteger);
+      kInteger +
+      reg("IntReg", "R", "<pIndex Offset=\"4\">A</pIndex><pIndex>A</pIndex><pIndex pOffset=\"A\">A</pIndex>"));
   gcstring value;
   gcstring attribute;
   EXPECT_TRUE(map.node("K").GetProperty("pVariable", value, attribute));
@@ -304,6 +319,10 @@ TEST(Load, Properties) {
   EXPECT_TRUE(map.node("K").GetProperty("Unit", value, attribute));
   EXPECT_STREQ(value, "mm");
   EXPECT_STREQ(attribute, "");
+  EXPECT_TRUE(map.node("R").GetProperty("pIndex", value, attribute));
+  EXPECT_STREQ(value, "A\tA\tA");
+  EXPECT_STREQ(attribute, "4\t\tA");
+  EXPECT_FALSE(map.node("R").GetProperty("pOffset", value, attribute));
   EXPECT_FALSE(map.node("K").GetProperty("Representation", value, attribute));
   EXPECT_STREQ(value, "");
   GenICam::gcstring_vector names;

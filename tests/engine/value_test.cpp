@@ -83,6 +83,7 @@ TEST(Integers, IndexedValuesAndCopies) {
       "<pValueIndexed Index=\"0x2\">Other</pValueIndexed><ValueDefault>99</ValueDefault></Integer>"
       "<Float Name=\"F\"><pIndex>Index</pIndex><ValueIndexed "
       "Index=\"1\">1.5</ValueIndexed><pValueDefault>Other</pValueDefault></Float>"
+      "<Integer Name=\"Gap\"><pIndex>Index</pIndex><ValueIndexed Index=\"1\">4</ValueIndexed></Integer>"
       "<Integer Name=\"C\"><pValueCopy>C1</pValueCopy><pValue>C2</pValue><pValueCopy>C3</pValueCopy></Integer>" +
       reg("IntReg", "C1", at(0)) + reg("IntReg", "C2", at(4)) + reg("IntReg", "C3", at(8)));
   auto& node = map.integer("X");
@@ -97,8 +98,10 @@ TEST(Integers, IndexedValuesAndCopies) {
   EXPECT_EQ(map.number("F").GetValue(), 55);
   map.integer("Index").SetValue(3);
   EXPECT_EQ(node.GetValue(), 99);
+  EXPECT_EQ(map.mode("Gap"), NA) << "there is no value for that index, and no default";
   map.integer("Index").SetValue(1);
   EXPECT_EQ(node.GetValue(), 11);
+  EXPECT_EQ(map.integer("Gap").GetValue(), 4);
   EXPECT_EQ(map.number("F").GetValue(), 1.5);
   map.integer("C").SetValue(7);
   EXPECT_EQ(map.port.writes, 3);

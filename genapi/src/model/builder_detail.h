@@ -66,6 +66,7 @@ class ModelBuilder {
   }
   void buildNested(const std::vector<Nested>& nested, NodeIndex owner);
   void checkRequired(NodeIndex index, const ElementSet& present);
+  void checkIndices(NodeRecord& record);
   // Without text the span is empty; its offset then means nothing.
   Span textOf(pugi::xml_node element) const {
     if (const pugi::xml_node first = element.first_child()) {
@@ -133,6 +134,7 @@ class ModelLinker {
   NodeIndex defaultPort() const;
   void resolveReferences();
   bool resolve(NodeRecord& record, Property& property, NodeIndex impliedPort);
+  bool suits(const NodeRecord& record, const Property& property) const;
   void collectDependents();
   void markFeatures();
   void markCycles();

@@ -256,6 +256,35 @@ bool hasRegister(NodeKind kind) {
   }
 }
 
+bool canRefer(Element reference, NodeKind owner, NodeKind target) {
+  const auto isText = [target] {
+    return target == NodeKind::String || target == NodeKind::StringReg || target == NodeKind::TextDesc;
+  };
+  const auto isNumber = [target, isText] {
+    return !isText() && target != NodeKind::Node && target != NodeKind::Category && target != NodeKind::Register &&
+           target != NodeKind::Port && target != NodeKind::ConfRom;
+  };
+  switch (reference) {
+    case Element::pPort:
+      return target == NodeKind::Port;
+    case Element::pChunkID:
+      return isText();
+    case Element::pEnumEntry:
+      return target == NodeKind::EnumEntry;
+    case Element::pValue:
+      return owner == NodeKind::String ? isText() : isNumber();
+    case Element::pAlias:
+    case Element::pCastAlias:
+    case Element::pInvalidator:
+    case Element::pSelected:
+    case Element::pFeature:
+    case Element::p1212Parser:
+      return true;
+    default:
+      return isNumber();
+  }
+}
+
 ElementMatch findElement(const char* name) {
   const auto first = wordAt<std::uint64_t>(name);
   if (const std::uint64_t zeros = zerosIn(first); zeros != 0) {

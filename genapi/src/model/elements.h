@@ -186,6 +186,8 @@ inline const ElementInfo& infoOf(Element element) {
 
 /// Whether nodes of that kind lie in a register that holds one value.
 bool hasRegister(NodeKind kind);
+/// Whether a node of kind `target` has what a reference to it, in a node of kind `owner`, is there for.
+bool canRefer(Element reference, NodeKind owner, NodeKind target);
 /// How the text of an element is understood in a node of that kind.
 inline Lexical lexicalOf(Element element, NodeKind kind) {
   if (element == Element::Value && kind == NodeKind::String) {

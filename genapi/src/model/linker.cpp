@@ -217,7 +217,7 @@ void ModelLinker::resolveReferences() {
   std::ranges::stable_sort(model_.selectors_, {}, &std::pair<NodeIndex, NodeIndex>::first);
 }
 
-// False, with a warning, when the node that is meant is not there.
+// False, with a warning, when the node that is meant is not there or of a kind that cannot be meant.
 bool ModelLinker::resolve(NodeRecord& record, Property& property, NodeIndex impliedPort) {
   const std::string_view text = model_.text(property);
   const bool isPort = property.element() == Element::pPort;
@@ -232,7 +232,8 @@ bool ModelLinker::resolve(NodeRecord& record, Property& property, NodeIndex impl
     // "Gain.Max" as the text of a variable is the limit of Gain.
     property.target = model_.indexOf(text.substr(0, text.find('.')));
   }
-  if (property.target != kNoNode) {
+  const bool isThere = property.target != kNoNode;
+  if (isThere && suits(record, property)) {
     if (isPort && !text.empty()) {
       lastPortName_ = text;
       lastPort_ = property.target;
@@ -240,10 +241,23 @@ bool ModelLinker::resolve(NodeRecord& record, Property& property, NodeIndex impl
     return true;
   }
   const ElementInfo& info = infoOf(property.element());
+  const std::string_view kind = isThere ? infoOf(model_.nodes_[property.target].kind).name : std::string_view();
   warn(record, std::string(info.name) + " of '" + model_.fullName(record) + "' means '" +
-                   std::string(text.substr(0, 100)) + "', which is not there");
+                   std::string(text.substr(0, 100)) + "', which is " +
+                   (isThere ? "of the wrong kind: " + std::string(kind) : std::string("not there")));
   record.broken = record.broken || info.essential;
+  property.target = kNoNode;
   return false;
+}
+
+// Whether the node that a reference leads to has what the reference is there for.
+bool ModelLinker::suits(const NodeRecord& record, const Property& property) const {
+  const NodeKind target = model_.nodes_[property.target].kind;
+  // A variable may ask any node for its access mode, visibility or caching mode.
+  const bool asksForPart = property.element() == Element::pVariable &&
+                           (model_.text(property).find('.') != std::string_view::npos ||
+                            std::string_view(model_.attribute(property)).find('.') != std::string_view::npos);
+  return asksForPart || canRefer(property.element(), record.kind, target);
 }
 
 void ModelLinker::collectDependents() {

@@ -315,12 +315,18 @@ void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
       record.broken = true;
     }
   };
+  if (present.has(Element::pIndex)) {
+    checkIndices(record);
+  }
   switch (record.kind) {
     case NodeKind::Integer:
     case NodeKind::Float:
-      require({Element::Value, Element::pValue, Element::ValueIndexed, Element::pValueIndexed, Element::ValueDefault,
-               Element::pValueDefault},
-              "value");
+      if (has({Element::ValueIndexed, Element::pValueIndexed, Element::ValueDefault, Element::pValueDefault}) &&
+          !has({Element::Value, Element::pValue})) {
+        require({Element::pIndex}, "pIndex");
+      } else {
+        require({Element::Value, Element::pValue}, "value");
+      }
       break;
     case NodeKind::Boolean:
     case NodeKind::Command:
@@ -339,6 +345,21 @@ void ModelBuilder::checkRequired(NodeIndex index, const ElementSet& present) {
         require({Element::Address, Element::pAddress, Element::IntSwissKnife, Element::pIndex}, "address");
       }
       break;
+  }
+}
+
+// The numbers beside the elements that an index chooses from, and the constant that an index counts in.
+void ModelBuilder::checkIndices(NodeRecord& record) {
+  for (const Property& property : model_.properties(record)) {
+    const Element element = property.element();
+    const bool isEntry = element == Element::ValueIndexed || element == Element::pValueIndexed;
+    const std::string_view text = model_.attribute(property);
+    if ((isEntry || (element == Element::pIndex && !text.empty())) && !describedInteger(text)) {
+      warnings_.add(lines_.lineOf(record.name), std::string(isEntry ? "Index" : "Offset") + " of " +
+                                                    quotedNameOf(record) + " is no number: '" +
+                                                    std::string(text.substr(0, 100)) + "'");
+      record.broken = true;
+    }
   }
 }
 

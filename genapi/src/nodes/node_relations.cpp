@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "model/text.h"
@@ -18,7 +19,8 @@ void NodeCore::GetPropertyNames(gcstring_vector& names) const {
   std::array<bool, static_cast<std::size_t>(Element::Unknown) + 1> listed{};
   for (const Property& property : properties()) {
     bool& known = listed[static_cast<std::size_t>(property.element())];
-    if (property.length() != 0 && !std::exchange(known, true)) {
+    // The node of an offset is the attribute of the index before it.
+    if (property.length() != 0 && property.element() != Element::pOffset && !std::exchange(known, true)) {
       names.push_back(toGc(infoOf(property.element()).name));
     }
   }
@@ -35,8 +37,11 @@ bool NodeCore::GetProperty(const gcstring& name, gcstring& value, gcstring& attr
   std::string values;
   std::string attributes;
   bool found = false;
-  for (const Property& property : properties()) {
-    if (property.length() == 0 || infoOf(property.element()).name != name.c_str()) {
+  const std::span<const Property> all = properties();
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const Property& property = all[i];
+    if (property.length() == 0 || property.element() == Element::pOffset ||
+        infoOf(property.element()).name != name.c_str()) {
       continue;
     }
     if (std::exchange(found, true)) {
@@ -45,7 +50,9 @@ bool NodeCore::GetProperty(const gcstring& name, gcstring& value, gcstring& attr
     }
     NodeCore* const entry = property.element() == Element::pEnumEntry ? other(property.target) : nullptr;
     values += entry != nullptr ? entry->nodeName() : toUtf8(model.text(property));
-    attributes += trim(model.attribute(property));
+    const std::string_view own = trim(model.attribute(property));
+    const bool hasNodeForIt = own.empty() && i + 1 < all.size() && all[i + 1].element() == Element::pOffset;
+    attributes += hasNodeForIt ? model.text(all[i + 1]) : own;
   }
   if (found) {
     value = toGc(values);

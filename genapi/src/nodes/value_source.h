@@ -71,6 +71,7 @@ class ValueSource {
   struct Table {
     NodeIndex index = kNoNode;
     std::span<Entry> entries;
+    bool hasOtherwise = false;
     ValueSlot<T> otherwise;
   };
 
@@ -163,6 +164,7 @@ ValueSource<T>::ValueSource(const NodeCore& owner) {
       }
     } else if (element == Element::ValueDefault || element == Element::pValueDefault) {
       table_->otherwise = slotOf(owner, property);
+      table_->hasOtherwise = true;
     }
   }
   table_->entries = table_->entries.first(next);
@@ -212,7 +214,11 @@ EAccessMode ValueSource<T>::access(NodeCore& owner) {
       return index->accessMode() == Api::NI ? Api::NI : Api::NA;
     }
     try {
-      source = owner.other(current(owner, {}).node);
+      const ValueSlot<T>& slot = current(owner, {});
+      if (&slot == &table_->otherwise && !table_->hasOtherwise) {
+        return Api::NA;  // The description has no value for this index.
+      }
+      source = owner.other(slot.node);
     } catch (const GENICAM_NAMESPACE::GenericException&) {
       return Api::NA;
     }

@@ -43,6 +43,11 @@ constexpr std::array kMeanings = {
     Meaning{"which is not there",
             "the reference leads nowhere: what depends on it is left out or not implemented. Add the node or mend the "
             "name"},
+    Meaning{"which is of the wrong kind",
+            "the reference leads to a node that has no such value: what depends on it is left out or not implemented. "
+            "Mend the name"},
+    Meaning{"and is not implemented", "programs see the node, but can do nothing with it. Add what it lacks"},
+    Meaning{"has too long a name for its", "programs see the enumeration without entries. Shorten its name"},
     Meaning{"depends on itself",
             "the value could never be computed, so programs see the node as not implemented. Break the circle"},
     Meaning{"is defined twice, its features are joined",
