@@ -49,7 +49,9 @@ std::int64_t IntegerBase::readInt(ReadFlags flags) {
 }
 
 std::int64_t IntegerBase::slowReadInt(ReadFlags flags) {
-  requireReadable();
+  if (!flags.evenWriteOnly || accessMode() != Api::WO) {
+    requireReadable();
+  }
   if (isSet(kValid) && !flags.verify && !flags.ignoreCache) {
     return value_;
   }
