@@ -30,7 +30,8 @@ EAccessMode CategoryNode::naturalAccess() {
 }
 
 Api::EVisibility CategoryNode::ownVisibility() {
-  if (isSet(kValueBusy)) {
+  const Api::EVisibility declared = NodeCore::ownVisibility();
+  if (declared == Api::Invisible || isSet(kValueBusy)) {
     return Api::Invisible;
   }
   const ValueDescent descent(*this, state_, kValueBusy);
@@ -42,7 +43,7 @@ Api::EVisibility CategoryNode::ownVisibility() {
       lowest = std::min(lowest, member->visibility());
     }
   }
-  return any ? lowest : NodeCore::ownVisibility();
+  return any ? lowest : declared;
 }
 
 std::string CategoryNode::textValue(ReadFlags /*flags*/) {
