@@ -153,9 +153,10 @@ oviErr oviIsModuleLittleEndian(std::uint64_t handle, std::int32_t selector, bool
         }
         std::shared_ptr<GenTLCpp::BaseModule> module;
         const oviErr code = lookupModule(handle, module);
-        if (code == OVI_SUCCESS)
-          storeByteOrder(module->getPort(false), *littleEndian);
-        return code;
+        if (code != OVI_SUCCESS || module->moduleType() == GenTLCpp::kEventModule)
+          return OVI_ERR_NOT_FOUND;  // An event has no registers: its handle is no port for a producer.
+        storeByteOrder(module->getPort(false), *littleEndian);
+        return OVI_SUCCESS;
       },
       [](const char* text) {
         OVI_LOG_DEBUG("OVI::oviIsModuleLittleEndian") << "The port does not tell its byte order. Error: " << text;

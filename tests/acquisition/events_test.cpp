@@ -127,6 +127,14 @@ TEST_F(EventsTest, AKillThatNobodyWaitsForEndsTheNextWait) {
   EXPECT_EQ(oviEventKill(device()), OVI_ERR_NOT_FOUND);
 }
 
+TEST_F(EventsTest, AnEventHasNoByteOrder) {
+  const Stream stream = openStream();
+  bool little = false;
+  EXPECT_EQ(oviIsModuleLittleEndian(stream.handle, OVI_MODULE_DATA_STREAM, &little), OVI_SUCCESS);
+  EXPECT_TRUE(little);
+  EXPECT_EQ(oviIsModuleLittleEndian(stream.event, OVI_MODULE_DATA_STREAM, &little), OVI_ERR_NOT_FOUND);
+}
+
 TEST_F(EventsTest, UnregisterOnce) {
   const Stream stream = openStream();
   EXPECT_EQ(oviUnregisterEvent(stream.event), OVI_SUCCESS);
