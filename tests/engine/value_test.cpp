@@ -18,6 +18,9 @@ TEST(Integers, LimitsAreTheNodesOwnNarrowedByItsSource) {
       {"<pValue>Source</pValue><pMin>Five</pMin><pMax>Five</pMax><pInc>Five</pInc>", 5, 5, 5},
       {"<pValue>Source</pValue><pValueCopy>Byte</pValueCopy>", 2, 20, 3},
       {"<Value>1</Value><Min>0</Min><Max>0xFFFFFFFFFFFFFFFF</Max>", 0, std::numeric_limits<std::int64_t>::max(), 1},
+      {"<pValue>Source</pValue><Max>0xFFFFFFFFFFFFFFFF</Max>", 2, 20, 3},
+      {"<Value>1</Value><pMin>Five</pMin><Max>-1</Max>", 5, std::numeric_limits<std::int64_t>::max(), 1},
+      {"<Value>1</Value><Min>-9</Min><Max>-1</Max>", -9, -1, 1},
   };
   for (const auto& [elements, min, max, inc] : cases) {
     SCOPED_TRACE(elements);
@@ -111,10 +114,12 @@ TEST(Integers, IndexedValuesAndCopies) {
 
 TEST(Integers, ListOfValidValues) {
   TestMap map(
-      "<Integer Name=\"X\"><Value>2</Value><Max>4</Max><ValidValueSet>1;2; 4;8</ValidValueSet></Integer>"
+      "<Integer Name=\"X\"><Value>2</Value><Max>4</Max><ValidValueSet>1;2; "
+      "4;8;0x7FFFFFFFFFFFFFFE</ValidValueSet></Integer>"
       "<Float Name=\"F\"><pValue>X</pValue></Float>");
   EXPECT_EQ(map.integer("X").GetListOfValidValues().size(), 3U);
   EXPECT_EQ(map.integer("X").GetListOfValidValues(false)[3], 8);
+  EXPECT_EQ(map.integer("X").GetListOfValidValues(false)[4], 0x7FFFFFFFFFFFFFFE) << "exact, not as a double";
   EXPECT_EQ(map.integer("X").GetIncMode(), listIncrement);
   EXPECT_EQ(map.number("F").GetListOfValidValues(false)[1], 2.0);
   map.integer("X").SetValue(3);

@@ -31,7 +31,7 @@ bool FloatNode::floatInc(double& increment) {
 
 void FloatNode::validFloats(std::vector<double>& values) {
   const ValueDescent descent(*this, state_, 0);
-  values = validValuesFrom(propertyText(Element::ValidValueSet));
+  values = validFloatsFrom(propertyText(Element::ValidValueSet));
   if (NodeCore* const source = values.empty() ? source_.node(*this) : nullptr) {
     source->validFloats(values);
   }

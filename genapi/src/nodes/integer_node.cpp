@@ -1,8 +1,6 @@
 // Limits of Integer nodes: their own, narrowed by those of what they stand for.
 #include "nodes/integer_node.h"
 
-#include <cmath>
-
 #include "nodes/property_values.h"
 
 namespace GenApiEngine {
@@ -16,7 +14,9 @@ std::int64_t IntegerNode::intMin() {
 
 std::int64_t IntegerNode::intMax() {
   const ValueDescent descent(*this, state_, 0);
-  std::int64_t max = limits_.max(*this, std::numeric_limits<std::int64_t>::max());
+  constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+  // All ones below the minimum were meant as the largest number there is.
+  std::int64_t max = limits_.maxIsAllOnes() && intMin() > -1 ? kNone : limits_.max(*this, kNone);
   source_.forEachTarget(*this, [&max](NodeCore& target) { max = std::min(max, target.intMax()); });
   return max;
 }
@@ -32,9 +32,7 @@ std::int64_t IntegerNode::intInc() {
 
 void IntegerNode::validInts(std::vector<std::int64_t>& values) {
   const ValueDescent descent(*this, state_, 0);
-  for (const double value : validValuesFrom(propertyText(Element::ValidValueSet))) {
-    values.push_back(std::llround(value));
-  }
+  values = validIntegersFrom(propertyText(Element::ValidValueSet));
   if (NodeCore* const source = values.empty() ? source_.node(*this) : nullptr) {
     source->validInts(values);
   }

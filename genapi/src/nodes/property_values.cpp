@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
 
 #include "base/number_text.h"
@@ -22,6 +23,19 @@ T find(std::span<const Word<T>> words, std::string_view text, T otherwise) {
   const auto found = std::find_if(words.begin(), words.end(),
                                   [text](const Word<T>& word) { return equalsIgnoringCase(word.text, text); });
   return found == words.end() ? otherwise : found->value;
+}
+
+template<class T>
+std::vector<T> numbersIn(std::string_view text, std::optional<T> (*numberOf)(std::string_view)) {
+  std::vector<T> numbers;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of(";,"), text.size());
+    if (const auto number = numberOf(text.substr(0, end))) {
+      numbers.push_back(*number);
+    }
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return numbers;
 }
 
 constexpr std::array<Word<Api::ERepresentation>, 7> kRepresentations{{{"Linear", Api::Linear},
@@ -59,16 +73,11 @@ Api::ESlope slopeFrom(std::string_view text) {
   return find<Api::ESlope>(kSlopes, text, Api::_UndefinedESlope);
 }
 
-std::vector<double> validValuesFrom(std::string_view text) {
-  std::vector<double> values;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find_first_of(";,"), text.size());
-    if (const auto value = describedFloat(text.substr(0, end))) {
-      values.push_back(*value);
-    }
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return values;
+std::vector<std::int64_t> validIntegersFrom(std::string_view text) {
+  return numbersIn<std::int64_t>(text, describedInteger);
+}
+std::vector<double> validFloatsFrom(std::string_view text) {
+  return numbersIn<double>(text, describedFloat);
 }
 
 }  // namespace GenApiEngine

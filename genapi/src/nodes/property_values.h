@@ -16,7 +16,8 @@ Api::ECachingMode cachingFrom(std::string_view text);
 /// _UndefinedESlope for no text or an unknown one.
 Api::ESlope slopeFrom(std::string_view text);
 
-/// The numbers of a ValidValueSet; empty when there is none.
-std::vector<double> validValuesFrom(std::string_view text);
+/// The numbers of a ValidValueSet, without what is no number; empty when there is none.
+std::vector<std::int64_t> validIntegersFrom(std::string_view text);
+std::vector<double> validFloatsFrom(std::string_view text);
 
 }  // namespace GenApiEngine

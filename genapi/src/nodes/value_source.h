@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <type_traits>
 
 #include "base/number_text.h"
 #include "model/text.h"
@@ -95,6 +94,11 @@ class OwnLimits {
   T max(const NodeCore& owner, T otherwise) const { return get(owner, kMax, otherwise); }
   T inc(const NodeCore& owner, T otherwise) const { return get(owner, kInc, otherwise); }
   bool hasInc() const { return limits_ != nullptr && (*limits_)[kInc].has; }
+  /// Whether the maximum is the constant whose bits are all ones, -1.
+  bool maxIsAllOnes() const {
+    return limits_ != nullptr && (*limits_)[kMax].has && (*limits_)[kMax].slot.node == kNoNode &&
+           (*limits_)[kMax].slot.constant == T{-1};
+  }
 
  private:
   struct Limit {
@@ -314,14 +318,6 @@ OwnLimits<T>::OwnLimits(const NodeCore& owner) {
         break;
       default:
         break;
-    }
-  }
-  if constexpr (std::is_same_v<T, std::int64_t>) {
-    // A maximum of all ones below the minimum was meant as the largest number there is.
-    if (limits_ != nullptr && (*limits_)[kMax].has && (*limits_)[kMax].slot.node == kNoNode &&
-        (*limits_)[kMax].slot.constant == -1 && (*limits_)[kMin].has && (*limits_)[kMin].slot.node == kNoNode &&
-        (*limits_)[kMin].slot.constant > -1) {
-      (*limits_)[kMax].slot.constant = std::numeric_limits<std::int64_t>::max();
     }
   }
 }
