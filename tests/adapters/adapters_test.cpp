@@ -209,6 +209,14 @@ TEST(FeatureBag, BringsValuesBackThroughText) {
   EXPECT_EQ(bag.StoreToBag(map.get(), 2), 2);
 }
 
+TEST(FeatureBag, LeavesOutWhatASelectorWithoutAnEntrySelects) {
+  const NodeMap map = load(kSelected);
+  CEnumerationPtr(map->GetNode("Selector"))->SetIntValue(7, false);
+  CFeatureBag bag;
+  EXPECT_EQ(bag.StoreToBag(map.get()), 2);
+  EXPECT_THAT(bag.ToString().c_str(), testing::AllOf(HasSubstr("Rate\t2.5\n"), testing::Not(HasSubstr("Gain"))));
+}
+
 TEST(FeatureBag, CollectsWhatCannotBeWritten) {
   const NodeMap map = load(kSelected);
   const std::string magic = "# {05D8C294-F295-4dfb-9D01-096BD04049F4}\r\n";

@@ -83,18 +83,10 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, int MaxNumPersistScript, gcs
     }
   };
 
-  NodeList_t nodes;
-  pNodeMap->GetNodes(nodes);
-  for (INode* const node : nodes) {
-    if (MaxNumPersistScript >= 0 && stored >= MaxNumPersistScript)
-      break;
-    if (!isStored(node, pFeatureFilter))
-      continue;
+  const auto storeSelected = [&](INode* node) {
     CSelectorSet selectors(node);
-    if (selectors.IsEmpty()) {
-      stored += store(node) ? 1 : 0;
-      continue;
-    }
+    if (selectors.IsEmpty())
+      return store(node);
     FeatureList_t selectorList;
     selectors.GetSelectorList(selectorList);
     const auto storeSelectors = [&] {
@@ -111,9 +103,24 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, int MaxNumPersistScript, gcs
         m_Features.resize(before);
     }
     selectors.Restore();
-    if (any) {
+    if (any)
       storeSelectors();
-      ++stored;
+    return any;
+  };
+
+  NodeList_t nodes;
+  pNodeMap->GetNodes(nodes);
+  for (INode* const node : nodes) {
+    if (MaxNumPersistScript >= 0 && stored >= MaxNumPersistScript)
+      break;
+    if (!isStored(node, pFeatureFilter))
+      continue;
+    const size_t before = m_Features.size();
+    try {
+      stored += storeSelected(node) ? 1 : 0;
+    } catch (const GenericException&) {
+      // Without its selectors' values a value means nothing.
+      m_Features.resize(before);
     }
   }
   return stored;
