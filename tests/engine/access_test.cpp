@@ -162,13 +162,9 @@ TEST(Access, ImposedAtRunTime) {
 TEST(Access, VisibilityOfACategoryIsItsMostVisibleFeature) {
   TestMap map(
       "<Category Name=\"C\"><Visibility>Beginner</Visibility><pFeature>A</pFeature><pFeature>B</pFeature></Category>"
-      "<Category Name=\"Hidden\"><Visibility>Invisible</Visibility><pFeature>B</pFeature></Category>"
-      "<Category Name=\"Over\"><pFeature>Hidden</pFeature></Category>"
       "<Integer Name=\"A\"><Visibility>Guru</Visibility><Value>1</Value></Integer>"
       "<Integer Name=\"B\"><Visibility>Expert</Visibility><Value>1</Value></Integer>");
   EXPECT_EQ(map.node("C").GetVisibility(), Expert);
-  EXPECT_EQ(map.node("Hidden").GetVisibility(), Invisible);
-  EXPECT_EQ(map.node("Over").GetVisibility(), Invisible);
 }
 
 TEST(Access, MessagesNameTheNodeAndTheCall) {

@@ -66,8 +66,6 @@ inline std::string featureCamera() {
 <Integer Name="SelectorMax"><Value>3</Value></Integer>
 <Category Name="Again"><pFeature>Int</pFeature><pFeature>Deep0</pFeature>
  <pFeature>BlindMode</pFeature></Category>
-<Category Name="Attic"><Visibility>Invisible</Visibility><pFeature>InTheAttic</pFeature></Category>
-<Integer Name="InTheAttic"><Value>1</Value></Integer>
 )";
   nodes += intReg("IntRegister", "0x100", 4) + intReg("Hex", "0x108", 8) + intReg("WriteOnly", "0x110", 4, "WO") +
            intReg("BoolRegister", "0x118", 4) + intReg("ModeRegister", "0x11C", 4) +
@@ -92,7 +90,7 @@ inline std::string featureCamera() {
   nodes += "<Integer Name=\"" + std::string(10000, 'n') + "\"><Value>1</Value></Integer>";
   return describe(
       "Int Hex WriteOnly Unavailable Hidden Float WideFloat Bool Mode WriteOnlyMode Go Selector Text Raw "
-      "Raw512 Raw513 Many Again Attic " +
+      "Raw512 Raw513 Many Again " +
           std::string(10000, 'n'),
       nodes);
 }

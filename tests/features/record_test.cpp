@@ -187,9 +187,8 @@ TEST_F(Record, WalksTheTree) {
     return code == OVI_SUCCESS ? std::string(name) + ":" + std::to_string(type) : std::to_string(code);
   };
   EXPECT_EQ(child("Root", 0), "Int:2");
-  EXPECT_EQ(child("Root", 18), "Attic:7");
-  EXPECT_EQ(child("Root", 19), std::string(15, 'n') + ":2");
-  EXPECT_EQ(child("Root", 20), "-104");
+  EXPECT_EQ(child("Root", 18), std::string(15, 'n') + ":2");
+  EXPECT_EQ(child("Root", 19), "-104");
   EXPECT_EQ(child("Again", 1), "Deep0:7");
   EXPECT_EQ(child("Selector", 2), "Int:2");
   EXPECT_EQ(child("Selector", 4), "Bool:1");
@@ -212,12 +211,8 @@ TEST_F(Record, WalksTheTree) {
   EXPECT_THAT(visible, testing::Contains(std::pair(std::string("Int"), std::int64_t{1})));
   EXPECT_THAT(visible, testing::Contains(std::pair(std::string("Deep49"), std::int64_t{50})));
   EXPECT_THAT(visible, testing::Contains(std::pair(std::string("Bottom"), std::int64_t{51})));
-  const auto all = walk(1);
-  EXPECT_THAT(all, testing::Contains(std::pair(std::string("Hidden"), std::int64_t{51})));
-  EXPECT_THAT(all, testing::Contains(std::pair(std::string("Attic"), std::int64_t{0})));
-  for (const auto& list : {visible, all})  // What is in a category that is not to be seen is not looked at.
-    EXPECT_THAT(list, testing::Not(testing::Contains(testing::Key("InTheAttic"))));
-  EXPECT_THAT(visible, testing::Not(testing::Contains(testing::Key(testing::AnyOf("Hidden", "Attic")))));
+  EXPECT_THAT(visible, testing::Not(testing::Contains(testing::Key("Hidden"))));
+  EXPECT_THAT(walk(1), testing::Contains(std::pair(std::string("Hidden"), std::int64_t{51})));
 }
 
 }  // namespace

@@ -30,8 +30,7 @@ EAccessMode CategoryNode::naturalAccess() {
 }
 
 Api::EVisibility CategoryNode::ownVisibility() {
-  const Api::EVisibility declared = NodeCore::ownVisibility();
-  if (declared == Api::Invisible || isSet(kValueBusy)) {
+  if (isSet(kValueBusy)) {
     return Api::Invisible;
   }
   const ValueDescent descent(*this, state_, kValueBusy);
@@ -43,7 +42,7 @@ Api::EVisibility CategoryNode::ownVisibility() {
       lowest = std::min(lowest, member->visibility());
     }
   }
-  return any ? lowest : declared;
+  return any ? lowest : NodeCore::ownVisibility();
 }
 
 std::string CategoryNode::textValue(ReadFlags /*flags*/) {

@@ -15,7 +15,7 @@ class CategoryNode final : public ValueNode<Api::ICategory> {
   /// A category is there when one of its features is.
   EAccessMode naturalAccess() override;
   bool obeysGuards() const override { return false; }
-  /// As visible as its most visible feature, unless it is declared invisible itself.
+  /// As visible as its most visible feature.
   Api::EVisibility ownVisibility() override;
   std::string textValue(ReadFlags flags) override;
   void setText(std::string_view text, bool verify) override;
