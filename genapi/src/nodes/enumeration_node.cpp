@@ -56,7 +56,7 @@ std::int64_t EnumerationNode::readRaw(ReadFlags flags) {
     return value_;
   }
   const ValueDescent descent(*this, state_, kValueBusy);
-  value_ = source_.read(*this, {flags.verify, flags.ignoreCache || isClearing_, flags.evenWriteOnly});
+  value_ = source_.read(*this, {flags.verify, flags.ignoreCache || isClearing_});
   isClearing_ = clearsItself(value_);
   if (isClearing_) {
     clear(kValid);
@@ -152,9 +152,8 @@ Api::IEnumEntry* EnumerationNode::GetCurrentEntry(bool verify, bool ignoreCache)
   if (!Api::IsAvailable(accessMode())) {
     NODE_FAIL(*this, AccessException, "Node is not readable.");
   }
-  // What is for writing only is known from the last write, or its register is asked all the same: applications show the
-  // entry of such an enumeration too.
-  const std::int64_t value = readRaw({verify, ignoreCache, !verify});
+  // What can only be written may still be known from the last write.
+  const std::int64_t value = readRaw({verify, ignoreCache});
   EnumEntryNode* const current = byValue(value);
   if (current == nullptr && verify) {
     NODE_FAIL(*this, OutOfRangeException, "There is no entry with the value %" PRId64 ".", value);

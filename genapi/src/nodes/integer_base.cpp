@@ -49,9 +49,7 @@ std::int64_t IntegerBase::readInt(ReadFlags flags) {
 }
 
 std::int64_t IntegerBase::slowReadInt(ReadFlags flags) {
-  if (!flags.evenWriteOnly || accessMode() != Api::WO) {
-    requireReadable();
-  }
+  requireReadable();
   if (isSet(kValid) && !flags.verify && !flags.ignoreCache) {
     return value_;
   }

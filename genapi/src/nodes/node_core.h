@@ -24,8 +24,6 @@ class NodeMap;
 struct ReadFlags {
   bool verify = false;
   bool ignoreCache = false;
-  /// Also of a node that is for writing only; the port then decides.
-  bool evenWriteOnly = false;
 };
 
 /// A number that is either constant or another node's.
