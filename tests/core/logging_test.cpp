@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <locale>
-#include <regex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -16,6 +15,20 @@
 
 namespace OVI {
 namespace {
+
+/** A line with a mark for each digit of its time, and one for each number behind it. */
+std::string shapeOf(const std::string& line) {
+  constexpr std::size_t kTimeLength = 23;
+  std::string shape;
+  for (const char c : line) {
+    const bool isDigit = c >= '0' && c <= '9';
+    if (!isDigit)
+      shape += c;
+    else if (shape.size() < kTimeLength || shape.back() != '#')
+      shape += '#';
+  }
+  return shape;
+}
 
 using Messages = std::vector<std::pair<std::uint32_t, std::string>>;
 
@@ -68,9 +81,8 @@ TEST(Logging, FromTheFirstInitToARepeatedOne) {
   OVI_LOG_ERROR("OVI::test") << "Numbers: " << 1234567 << " " << std::uint64_t{18446744073709551615U} << " "
                              << static_cast<const char*>(nullptr);
   std::locale::global(before);
-  const std::regex line(
-      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} ERROR \[\d+\] \[OVI::test@\d+\] Numbers: 1234567 [^\n]*\n)");
-  EXPECT_TRUE(std::regex_match(testing::internal::GetCapturedStdout(), line));
+  EXPECT_EQ(shapeOf(testing::internal::GetCapturedStdout()),
+            "####-##-## ##:##:##.### ERROR [#] [OVI::test@#] Numbers: # # (null)\n");
   oviSetIgnoreSubnetEnabled(1);
   EXPECT_EQ(messages,
             (Messages{{1, "Numbers: 1234567 18446744073709551615 (null)"}, {4, "Ignore subnet is now: Enabled"}}));
