@@ -133,7 +133,7 @@ class Device {
   void start(std::uint32_t images = OVI_INFINITE_IMAGES) const {
     check(oviStartAcquisition(handle_, images), "oviStartAcquisition");
   }
-  /// Stops it. Waits for images end.
+  /// Stops it. Waits for images end. Throws also when nothing ran, as many producers then answer ResourceInUse.
   void stop() const { check(oviStopAcquisition(handle_), "oviStopAcquisition"); }
   /// Stops it without waiting for the image that is being transferred.
   void abort() const { check(oviAbortAcquisition(handle_), "oviAbortAcquisition"); }
@@ -166,7 +166,7 @@ class Device {
     check(oviIsModuleLittleEndian(handle_, OVI_MODULE_REMOTE_DEVICE, &answer), "oviIsModuleLittleEndian");
     return answer;
   }
-  /// Reads a 32-bit register as text, "0x0000002a"; an address "x100" is hexadecimal. Indirect: through the camera's
+  /// Reads a 32-bit register as text, "0x002a"; an address "x100" is hexadecimal. Indirect: through the camera's
   /// register pair.
   std::string readRegister(const std::string& address, bool indirect = false) const {
     char value[32] = {};

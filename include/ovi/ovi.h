@@ -14,8 +14,8 @@
  *
  * What holds for every function unless its own text says otherwise:
  *  - Before oviInit it returns NotInitialized (-100) and touches no argument.
- *  - It may be called from any thread, and from several at once; none but the waits, list updates and transfers blocks
- *    for long. oviClose is the exception: nobody else may be inside the library then.
+ *  - It may be called from any thread, and from several at once; none but the waits, scans, searches and transfers
+ *    blocks for long. oviInit and oviClose are the exception, see there.
  *  - A handle that is unknown, was closed or belongs to another kind of module gives NotFound (-104).
  *  - An error of a producer comes as the result code that fits it; the log has a line that names the thing, what was
  *    tried and what the producer answered. A status that is none of GenTL's counts as a success, except when a buffer
@@ -228,7 +228,7 @@ typedef struct oviDeviceInfo {
   char tlType[512];               /**< The camera's kind of transport layer */
   char tlPathName[512];           /**< The producer's file */
   char tlID[512];                 /**< The producer's ID */
-  uint32_t accessStatus; /**< 1 read-write, 2 read-only, 3 no access, 4 busy, 5 opened for writing, 0 unknown */
+  uint32_t accessStatus; /**< 1 read-write, 2 read-only, 3 no access, 4 busy, 5 opened by this process, 0 unknown */
   uint8_t reserved1[20]; /**< Zero */
 } oviDeviceInfo;
 
@@ -500,15 +500,15 @@ OVI_API oviErr OVI_CALL oviGetEuresysErrDescription(int32_t code, char* text, ui
 /**
  * Starts the use of the library. A second call before oviClose does nothing.
  *
- * The log goes to the console and, where there is one, to the debugger's channel. Its level is that of the first call
- * of the process and stays, also after oviClose.
+ * The log goes to standard output and, on Windows, to the debugger's channel. Its level is that of the first call of
+ * the process and stays, also after oviClose; with OVI_LOG_LEVEL_NONE nothing is written, nor told to the callback.
  *
  * An application that ends without oviClose has it done for it when the process exits; the callback is not called then.
  *
  * @param logLevel  OVI_LOG_LEVEL_...; any other number means warnings
  * @param callback  receives every line of the log too; null for none. Each oviInit with a callback, after an oviClose,
  *                  adds a delivery: from then on every line arrives once more
- * @param userData  handed to the callback; must stay valid until the process ends or another oviInit names another
+ * @param userData  handed to the callback; both must stay valid until the process ends or another oviInit names others
  * @return Success
  * @threads not at the same time as oviInit or oviClose on another thread
  */
@@ -519,7 +519,7 @@ OVI_API oviErr OVI_CALL oviInit(uint32_t logLevel, oviLogCallback callback, void
  * is open. Handles from before are unknown afterwards, records of images invalid, the list of devices empty.
  *
  * @return Success, whatever a producer answers; NotInitialized (-100)
- * @threads while no other thread is inside the library
+ * @threads while no other thread is inside the library, but for waits, which it ends
  */
 OVI_API oviErr OVI_CALL oviClose(void);
 
@@ -588,7 +588,7 @@ OVI_API oviErr OVI_CALL oviGetNumberOfTLProducers(uint32_t* count);
  *
  * @param path      receives the file's path, cut when it does not fit
  * @param pathSize  bytes at `path`
- * @param index     0 up to the number of oviGetNumberOfTLProducers
+ * @param index     from 0, less than the number of oviGetNumberOfTLProducers
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or an index too large
  * @threads any
  */
@@ -617,11 +617,11 @@ OVI_API oviErr OVI_CALL oviGetTLProducerInfobyFilePath(oviTLProducerInfos* info,
  * @param info               receives the cameras found, with progress and running 0; cleared first
  * @param timeout            milliseconds for each producer's and each interface's search; some use all of it
  * @param progressCallback   told about the progress, on the calling thread; null for nobody
- * @param searchPath         folders to search, separated by ";" (outside Windows by ":" too); null to keep those of the
- *                           call before
+ * @param searchPath         folders to search, separated by ";" (outside Windows by ":" too); null keeps those of the
+ *                           call before, an empty text drops them
  * @param useGivenPathsOnly  with a search path: 1 to leave GENICAM_GENTL64_PATH aside
  * @return Success, also when a producer fails or nothing is found; NotInitialized (-100); InvalidParameter (-105) for a
- *         null record
+ *         null record; Busy (-123) from within a progress callback
  * @threads any but that of a progress callback; one discovery at a time, others wait
  */
 OVI_API oviErr OVI_CALL oviDiscoverDevices(oviDiscoveryInfo* info, uint64_t timeout,
@@ -664,8 +664,8 @@ OVI_API oviErr OVI_CALL oviOpenDevice(const char* deviceId, uint64_t* handle, ui
 /**
  * Closes a device with its streams and events. Waits on them end with Aborted (-109).
  *
- * @param deviceHandle  is unknown afterwards, as are those of its streams, buffers and events
- * @return Success; NotInitialized (-100); NotFound (-104) for an unknown handle
+ * @param deviceHandle  is unknown afterwards, as are those of its streams, buffers and events, whatever the result
+ * @return Success; NotInitialized (-100); NotFound (-104) for an unknown handle; the producer's error
  * @threads any; no other thread may be using the device
  */
 OVI_API oviErr OVI_CALL oviCloseDevice(uint64_t deviceHandle);
@@ -727,7 +727,7 @@ OVI_API oviErr OVI_CALL oviSetRemoteDeviceXMLFile(uint64_t deviceHandle, const c
  *
  * All functions here share these results, beside those that they name:
  *  - NotInitialized (-100).
- *  - InvalidParameter (-105) for handle 0, a null name or a null output.
+ *  - InvalidParameter (-105) for a null name or output, and for handle 0; lists of entries or children say NotFound.
  *  - NotFound (-104): the handle is unknown, there is no such module above it, the module has no features, it has no
  *    feature of that name, or the feature is of another type.
  *  - NoAccess (-112): an integer, float, boolean or string cannot be read, or written, now.
@@ -828,9 +828,9 @@ OVI_API oviErr OVI_CALL oviSetFeatureEnum(uint64_t handle, const char* name, con
  * Describes the current entry of an enumeration feature.
  *
  * @param handle,name,selector  which feature, see above
- * @param entry                 receives the entry: intValue, stringValue (its name) and displayName; enumEntryIndex
- *                              counts all entries, those too that cannot be used now
- * @return as above
+ * @param entry                 receives the entry: intValue, stringValue (its name) and names; other fields stay as
+ *                              they are. enumEntryIndex counts all entries, those too that cannot be used now
+ * @return as above, but InvalidParameter (-105) for a feature that is no enumeration
  */
 OVI_API oviErr OVI_CALL oviGetFeatureEnum(uint64_t handle, const char* name, oviFeatureParameter* entry,
                                           uint32_t selector);
@@ -857,8 +857,8 @@ OVI_API oviErr OVI_CALL oviIsCommandActive(uint64_t handle, const char* name, bo
  *
  * @param handle,name,selector  which feature, see above
  * @param buffer                receives the bytes; null to ask for the length
- * @param length                in: bytes to read, 0 to ask for the length; out: when asked, the register's length in
- *                              bytes
+ * @param length                in: bytes to read, never more than the register has; 0 to ask for the length; out: when
+ *                              asked, the register's length in bytes
  * @return as above, but InvalidParameter (-105) for a feature that is no register
  */
 OVI_API oviErr OVI_CALL oviGetFeatureReg(uint64_t handle, const char* name, uint8_t* buffer, int64_t* length,
@@ -891,7 +891,7 @@ OVI_API oviErr OVI_CALL oviGetFeatureParameter(uint64_t handle, const char* name
  *
  * @param handle,name,selector  which feature, see above
  * @param accessMode            receives OVI_ACCESS_...
- * @return as above, but Unknown (-200) for a name that the module does not have
+ * @return as above, but Unknown (-200) for a name that the module does not have, and for an unknown handle
  */
 OVI_API oviErr OVI_CALL oviGetFeatureAccessMode(uint64_t handle, const char* name, uint32_t* accessMode,
                                                 uint32_t selector);
@@ -936,7 +936,7 @@ OVI_API oviErr OVI_CALL oviGetFeatureEnumEntryByName(uint64_t handle, const char
  * @param text             receives the list. It is not bounded: there must be room for all names, their separators and
  *                         the NUL
  * @param useDisplayNames  1: display names, each in angle brackets; 0: names
- * @return as above
+ * @return as above, but Success with an empty text for a feature that is no enumeration
  */
 OVI_API oviErr OVI_CALL oviGetFeatureAllEnums(uint64_t handle, const char* name, char* text, uint32_t useDisplayNames);
 
@@ -964,7 +964,7 @@ OVI_API oviErr OVI_CALL oviIterateFeatureTree(uint64_t handle, const char* paren
  *                          oviIterateFeatureTree first to know how many records it takes. `count` and `maxDepth` are
  *                          written
  * @param includeInvisible  not 0: list invisible features too
- * @return the result of the last feature read; Success for an empty tree
+ * @return the result of the last feature read; Success with `count` 0 for an empty tree and for an unknown handle
  */
 OVI_API oviErr OVI_CALL oviGetFeatureList(uint64_t handle, FEATURE_PARAM_LIST_STRUCT* list, int includeInvisible);
 
@@ -1036,7 +1036,7 @@ OVI_API oviErr OVI_CALL oviWriteMemory(uint64_t handle, uint64_t address, const 
  *
  * @param handle   a device
  * @param address  decimal, or hexadecimal after an "x"; InvalidParameter (-105) for another text
- * @param value    receives the number in hexadecimal with 0x; room for 11 bytes
+ * @param value    receives the number in hexadecimal with 0x and four digits or more; room for 11 bytes
  * @param direct   not 0: the register at the address itself; 0: through the camera's indirect register pair
  * @return as above
  */
@@ -1102,7 +1102,7 @@ OVI_API oviErr OVI_CALL oviUnRegisterInvalidateCB(uint64_t handle, const char* n
  *
  * @param deviceHandle  of oviOpenDevice
  * @param count         receives the number
- * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle
+ * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104); the producer's error
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviGetNumberOfDataStreams(uint64_t deviceHandle, uint32_t* count);
@@ -1111,10 +1111,10 @@ OVI_API oviErr OVI_CALL oviGetNumberOfDataStreams(uint64_t deviceHandle, uint32_
  * Describes a data stream of a device.
  *
  * @param deviceHandle  of oviOpenDevice
- * @param streamIndex   0 up to the number of oviGetNumberOfDataStreams
+ * @param streamIndex   from 0, less than the number of oviGetNumberOfDataStreams
  * @param info          receives the record; cleared first
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null; NotFound (-104) for an unknown handle or an
- *         index too large
+ *         index too large; the producer's error
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviGetDataStreamInfo(uint64_t deviceHandle, uint32_t streamIndex, oviDataStreamInfo* info);
@@ -1123,7 +1123,7 @@ OVI_API oviErr OVI_CALL oviGetDataStreamInfo(uint64_t deviceHandle, uint32_t str
  * Opens a data stream and gives it its buffers, all queued.
  *
  * @param deviceHandle  of oviOpenDevice
- * @param streamIndex   0 up to the number of oviGetNumberOfDataStreams
+ * @param streamIndex   from 0, less than the number of oviGetNumberOfDataStreams
  * @param streamHandle  receives the stream's handle. It is given out also when the buffers fail; the application closes
  *                      it with oviCloseDataStream
  * @param bufferCount   number of buffers; a handful lets the application fall behind for as many images
@@ -1151,8 +1151,8 @@ OVI_API oviErr OVI_CALL oviCloseDataStream(uint64_t streamHandle);
  * called after a change of the image's size or format. Records keep their addresses, buffers get new handles.
  *
  * @param deviceHandle  of oviOpenDevice
- * @return Success, also when there was nothing to do; NotInitialized (-100); NotFound (-104) for an unknown handle; the
- *         producer's last error
+ * @return Success, also when there was nothing to do; NotInitialized (-100); NotFound (-104) for an unknown handle; of
+ *         several streams the result of the last
  * @threads any; not while the acquisition is running, nor while images are with the application
  */
 OVI_API oviErr OVI_CALL oviCheckAndReallocBuffers(uint64_t deviceHandle);
@@ -1162,8 +1162,8 @@ OVI_API oviErr OVI_CALL oviCheckAndReallocBuffers(uint64_t deviceHandle);
  *
  * @param deviceHandle  of oviOpenDevice
  * @param imageCount    images to acquire on each stream; OVI_INFINITE_IMAGES for no end
- * @return the result of the camera's "AcquisitionStart". A stream that does not start is logged. NotInitialized (-100);
- *         NotFound (-104) for an unknown handle
+ * @return the result of the camera's "AcquisitionStart". A stream that does not start is logged, and those behind it
+ *         are not started. NotInitialized (-100); NotFound (-104) for an unknown handle
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviStartAcquisition(uint64_t deviceHandle, uint32_t imageCount);
@@ -1173,8 +1173,8 @@ OVI_API oviErr OVI_CALL oviStartAcquisition(uint64_t deviceHandle, uint32_t imag
  * filled and not fetched too. Waits for images end with Aborted (-109).
  *
  * @param deviceHandle  of oviOpenDevice
- * @return Success, or the code of the last step that failed: all steps are done in any case. NotInitialized (-100);
- *         NotFound (-104) for an unknown handle
+ * @return Success, or the code of the last step that failed: all are done in any case. ResourceInUse (-115) when
+ *         nothing ran, with many producers. NotInitialized (-100); NotFound (-104) for an unknown handle
  * @threads any, also while others wait for images
  */
 OVI_API oviErr OVI_CALL oviStopAcquisition(uint64_t deviceHandle);
@@ -1223,8 +1223,8 @@ OVI_API oviErr OVI_CALL oviRegisterEvent(uint64_t moduleHandle, uint32_t kind, u
  * @param timeout      milliseconds; OVI_INFINITE_TIMEOUT waits for ever, 0 does not wait
  * @param data         receives the record: an oviNewBufferEventData for OVI_EVENT_NEW_BUFFER, else an oviEventData. It
  *                     belongs to the library. That of an image stays as it is until the buffer is released, and the
- *                     pointer is untouched unless an image arrived; that of another event stays until the next wait for
- *                     it
+ *                     pointer is untouched unless an image arrived; that of another event is given out whatever the
+ *                     result, and stays until the next wait for it
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0 or null; NotFound (-104) for an unknown handle;
  *         Timeout (-108), a normal outcome; Aborted (-109) after oviEventKill, a stop or a closing; InvalidBuffer
  *         (-114) when an image arrived incomplete, and its buffer is queued again already; the producer's error
@@ -1373,7 +1373,7 @@ OVI_API oviErr OVI_CALL oviScanImg(uint64_t deviceHandle, oviScanCallback callba
  * touched.
  *
  * @param deviceHandle  of oviOpenDevice
- * @return Success; NotInitialized (-100)
+ * @return Success, also when there is no scan; NotInitialized (-100)
  * @threads any
  */
 OVI_API oviErr OVI_CALL oviScanImgStop(uint64_t deviceHandle);
@@ -1417,7 +1417,7 @@ OVI_API oviErr OVI_CALL oviScanStreamImage(uint64_t deviceHandle, uint32_t strea
                                            oviImageInfo* infos);
 
 /**
- * Tells the geometry of the last image that oviScanImage or oviScanImageCont took.
+ * Tells the geometry of the last image that one of the functions above took in this process; zeros before the first.
  *
  * @param info  receives it
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null
@@ -1479,7 +1479,7 @@ OVI_API oviErr OVI_CALL oviFileUploadFromDevice(uint64_t deviceHandle, const cha
  *
  * @param deviceHandle  of oviOpenDevice
  * @param filePath      the file to look at
- * @param type          receives the name, cut when it does not fit; untouched when the file is of no known type
+ * @param type          receives the name, cut when it does not fit; untouched when the type or the file cannot be read
  * @param typeSize      bytes at `type`
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for null or size 0; NotFound (-104) for an unknown
  *         device

@@ -42,7 +42,8 @@ class Stream {
       throw Error(error.value(), "oviWaitForEvent");
     return {handle_, record};
   }
-  /// The next image, or none with the reason in error.
+  /// The next image, or none with the reason in error: Errc::kTimeout, Errc::kInvalidBuffer for an incomplete one,
+  /// after both of which one may simply ask again; Errc::kAborted when the wait was ended.
   std::unique_ptr<Image> tryNext(Milliseconds timeout, std::error_code& error) const {
     oviNewBufferEventData* record = wait(timeout, error);
     return error ? nullptr : std::make_unique<Image>(handle_, record);
@@ -58,7 +59,8 @@ class Stream {
     return counters;
   }
 
-  /// Images one after the other: `for (ovi::Image& image : stream.images(100))`. Ends early when a wait is ended.
+  /// Images one after the other: `for (ovi::Image& image : stream.images(100))`. Ends early when a wait is ended. A
+  /// time-out and an incomplete image throw Error, as in next(); a program that is to go on after them asks tryNext().
   class Images {
    public:
     /// So many images, each within the time.
