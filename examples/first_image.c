@@ -6,10 +6,11 @@
 static oviDiscoveryInfo found; /* 115 KB: not for the stack */
 
 static int failed(oviErr code, const char* what) {
-  char text[64];
+  char text[300];
   if (code == OVI_SUCCESS)
     return 0;
-  oviGetErrorDescription(code, text, sizeof(text));
+  if (get_error_string(code, text) != 0) /* has the sentence of nearly every code, the other one the name of the rest */
+    oviGetErrorDescription(code, text, sizeof(text));
   fprintf(stderr, "%s: %s (%d)\n", what, text, (int)code);
   return 1;
 }

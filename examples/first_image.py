@@ -37,8 +37,9 @@ u32, u64 = ctypes.c_uint32, ctypes.c_uint64
 
 def check(code, what):
     if code != 0:
-        text = ctypes.create_string_buffer(64)
-        ovi.oviGetErrorDescription(code, text, u64(len(text)))
+        text = ctypes.create_string_buffer(300)
+        if ovi.get_error_string(code, text) != 0:  # has the sentence of nearly every code
+            ovi.oviGetErrorDescription(code, text, u64(len(text)))
         sys.exit(f"{what}: {text.value.decode()} ({code})")
 
 
