@@ -1,9 +1,6 @@
 // A producer's modules, opened as far as a group of rules needs them and closed at its end.
 #pragma once
 
-#include <GenApi/GenApi.h>
-
-#include <memory>
 #include <string>
 
 #include "check/info.h"
@@ -48,40 +45,6 @@ class Modules {
 
   const ProducerFunctions& gentl_;
   bool initialized_ = false;
-};
-
-/// How long updates of lists may take: the library's own default.
-constexpr std::uint64_t kUpdateTime = 1000;  // ms
-
-std::vector<std::string> interfaceIds(Checker& check, TL_HANDLE tl);
-std::vector<std::string> deviceIds(Checker& check, IF_HANDLE iface);
-std::vector<std::string> streamIds(Checker& check, DEV_HANDLE device);
-
-/// The node map of a port, over the producer's own reads and writes.
-class PortMap {
- public:
-  /// Throws Broken when there is no usable description.
-  PortMap(Checker& check, PORT_HANDLE port);
-  ~PortMap();
-  PortMap(const PortMap&) = delete;
-  PortMap& operator=(const PortMap&) = delete;
-
-  GenApi::INodeMap& map() const { return *map_; }
-  /// The description's size in bytes, as it was read.
-  std::size_t bytes() const { return bytes_; }
-  bool has(const char* node) const;
-  /// Runs a command until it is done; tells the rule that is being checked when that takes more than one poll.
-  void execute(Checker& check, const char* command);
-  /// The value of an integer node.
-  std::optional<std::int64_t> integer(const char* node) const;
-  void lock(bool on);
-  /// Sets a feature, or executes a command, from "Name=Value", as the tool's other commands do. Throws Broken.
-  void assign(const std::string& assignment);
-
- private:
-  std::unique_ptr<GenApi::IPort> port_;
-  GenApi::INodeMap* map_ = nullptr;
-  std::size_t bytes_ = 0;
 };
 
 }  // namespace tool::check

@@ -2,7 +2,9 @@
 #include <map>
 
 #include "check/groups.h"
+#include "check/info.h"
 #include "check/modules.h"
+#include "check/port_map.h"
 
 namespace tool::check {
 

@@ -119,4 +119,13 @@ void StreamSession::stop(ACQ_STOP_FLAGS flags) {
   camera_.lock(false);
 }
 
+std::unique_ptr<StreamSession> openStream(Checker& check) {
+  std::unique_ptr<StreamSession> session;
+  check.rule("A stream opens and tells how large an image is", [&] {
+    session = std::make_unique<StreamSession>(check);
+    check.seen(session->modules().streamId + ", " + std::to_string(session->payload()) + " bytes");
+  });
+  return session;
+}
+
 }  // namespace tool::check

@@ -3,10 +3,16 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 
+#include "check/info.h"
 #include "check/modules.h"
+#include "check/port_map.h"
 
 namespace tool::check {
+
+/// How long an image may take to come.
+constexpr std::uint64_t kImageTime = 3000;  // ms
 
 class StreamSession {
  public:
@@ -46,5 +52,8 @@ class StreamSession {
   std::deque<std::vector<std::uint8_t>> memory_;
   std::vector<BUFFER_HANDLE> buffers_;
 };
+
+/// Opens a stream as a rule of its own; null when that fails.
+std::unique_ptr<StreamSession> openStream(Checker& check);
 
 }  // namespace tool::check
