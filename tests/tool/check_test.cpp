@@ -11,6 +11,7 @@ namespace tool_test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 #ifdef _WIN32
 constexpr const char* kCrashInStart = "does not load: it crashes in its own start";
@@ -75,6 +76,29 @@ INSTANTIATE_TEST_SUITE_P(Faults, Check, testing::ValuesIn(kFaults), [](const aut
       name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
   return name;
 });
+
+TEST(Producers, AreToldAFaultOnceAndFoundTidyAfterIt) {
+  struct Case {
+    const char* order;
+    const char* groups;
+    int fail;  // one, and one more where the function answers wrongly when it should refuse
+    int skip;
+  };
+  for (const Case& one :
+       {Case{"frames 4", "images stops", 1, 0}, Case{"fail EventGetData -1010", "images stops", 1, 6},
+        Case{"fail DSStopAcquisition -1010", "images stops", 2, 4}, Case{"lose", "device events faults", 2, 3}}) {
+    SCOPED_TRACE(one.order);
+    const Environment order("OVI_TEST_ORDER", one.order);
+    std::vector<std::string> arguments = {"check", HOSTILE_DIR "/Hostile.cti", "--json"};
+    for (const std::string& group : words(one.groups))
+      arguments.insert(arguments.end(), {"--only", group});
+    const Outcome run = ovi(arguments);
+    const nlohmann::json json = nlohmann::json::parse(run.out);
+    EXPECT_EQ(json["fail"], one.fail) << run.out;
+    EXPECT_EQ(json["skip"], one.skip) << run.out;
+    EXPECT_THAT(run.out, Not(HasSubstr("returned GC_ERR_RESOURCE_IN_USE"))) << "after what an earlier rule left";
+  }
+}
 
 TEST(Producers, AreToldFromLibrariesThatAreNone) {
   const Outcome hollow = ovi({"check", HOLLOW_DIR "/Hollow.cti"});

@@ -73,19 +73,22 @@ bool Checker::rule(const std::string& text, const std::function<void()>& work) {
   warnings_.clear();
   faults_.clear();
   begin_(text);
+  bool ended = true;
   try {
     work();
+    ended = false;
   } catch (const Broken& broken) {
     faults_.emplace_back(broken.what());
   } catch (const GenICam::GenericException& error) {
     faults_.emplace_back(error.GetDescription());
   }
   if (!faults_.empty()) {
+    ended = ended && faults_.size() == 1 && warnings_.empty();
     faults_.insert(faults_.end(), warnings_.begin(), warnings_.end());
-    line_(Verdict::kFail, text, join(faults_, "; "));
+    line_({text, Verdict::kFail, join(faults_, "; "), ended});
     return false;
   }
-  line_(warnings_.empty() ? Verdict::kPass : Verdict::kWarn, text, join(warnings_.empty() ? seen_ : warnings_, "; "));
+  line_({text, warnings_.empty() ? Verdict::kPass : Verdict::kWarn, join(warnings_.empty() ? seen_ : warnings_, "; ")});
   return true;
 }
 
@@ -104,7 +107,7 @@ void Checker::fault(const std::string& text) {
 GC_ERROR Checker::expectCode(const char* function, GC_ERROR code, std::initializer_list<GC_ERROR> codes) const {
   if (std::ranges::find(codes, code) != codes.end())
     return code;
-  const bool needed = codes.size() == 1 && *codes.begin() == GC_ERR_SUCCESS;
+  const bool needed = std::ranges::find(codes, GC_ERR_SUCCESS) != codes.end();
   throw Broken(std::string(function) + " returned " + codeText(code) +
                (code == GC_ERR_SUCCESS ? "" : lastErrorText(functions_, code)) +
                (needed ? "" : ", not " + codesText(codes)));

@@ -23,9 +23,17 @@ class Broken : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// One line of the report.
+struct RuleLine {
+  std::string rule;
+  Verdict verdict = Verdict::kPass;
+  std::string seen;
+  bool ended = false;  ///< `seen` is nothing but the failure that ended the rule's work
+};
+
 class Checker {
  public:
-  using Line = std::function<void(Verdict verdict, const std::string& rule, const std::string& seen)>;
+  using Line = std::function<void(const RuleLine& line)>;
   using Begin = std::function<void(const std::string& rule)>;
 
   /// @param camera  ID, serial number, user-defined name or model of the device to be used; empty for the first

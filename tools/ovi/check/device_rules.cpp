@@ -1,9 +1,11 @@
 // Rules of a device and its streams.
 #include <memory>
+#include <utility>
 
 #include "check/groups.h"
 #include "check/lists.h"
 #include "check/modules.h"
+#include "check/opened.h"
 #include "text.h"
 
 namespace tool::check {
@@ -18,9 +20,9 @@ void checkDevice(Checker& check) {
     return;
   Modules& m = *modules;
   check.rule("An open device is not opened a second time", [&] {
-    DEV_HANDLE second = nullptr;
+    Opened second(gentl.DevClose);
     check.expect({GC_ERR_RESOURCE_IN_USE}, gentl.IFOpenDevice, m.iface, m.deviceId.c_str(), DEVICE_ACCESS_EXCLUSIVE,
-                 &second);
+                 &second.handle);
   });
   check.rule("DevGetInfo tells the same as the interface does about the device", [&] {
     const Infos mine = askAll(
@@ -55,20 +57,20 @@ void checkDevice(Checker& check) {
     const std::vector<std::string> ids = streamIds(check, m.device);
     requireUnique(ids);
     for (const std::string& id : ids) {
-      DS_HANDLE stream = nullptr;
-      DS_HANDLE second = nullptr;
-      check.need(gentl.DevOpenDataStream, m.device, id.c_str(), &stream);
+      Opened stream(gentl.DSClose);
+      Opened second(gentl.DSClose);
+      check.need(gentl.DevOpenDataStream, m.device, id.c_str(), &stream.handle);
       check.prefer("of an open stream", {GC_ERR_RESOURCE_IN_USE}, gentl.DevOpenDataStream, m.device, id.c_str(),
-                   &second);
+                   &second.handle);
       if (gentl.DSGetParentDev.exists()) {
         DEV_HANDLE parent = nullptr;
-        check.need(gentl.DSGetParentDev, stream, &parent);
+        check.need(gentl.DSGetParentDev, stream.handle, &parent);
         if (parent != m.device)
           check.fault("DSGetParentDev gives another handle than IFOpenDevice");
       }
-      check.need(gentl.DSClose, stream);
-      check.need(gentl.DevOpenDataStream, m.device, id.c_str(), &stream);
-      check.need(gentl.DSClose, stream);
+      check.need(gentl.DSClose, stream.release());
+      check.need(gentl.DevOpenDataStream, m.device, id.c_str(), &stream.handle);
+      check.need(gentl.DSClose, stream.release());
     }
     std::size_t size = 0;
     check.prefer("behind the last", {GC_ERR_INVALID_INDEX}, gentl.DevGetDataStreamID, m.device,
@@ -76,25 +78,24 @@ void checkDevice(Checker& check) {
     check.seen(join(ids, ", "));
   });
   check.rule("A closed device is gone, and can be opened again for each kind of access", [&] {
-    check.need(gentl.DevClose, m.device);
-    DEV_HANDLE const closed = m.device;
-    m.device = nullptr;
+    DEV_HANDLE closed = std::exchange(m.device, nullptr);
+    check.need(gentl.DevClose, closed);
     check.prefer("of a closed device", {GC_ERR_INVALID_HANDLE}, gentl.DevClose, closed);
     for (const DEVICE_ACCESS_FLAGS access : {DEVICE_ACCESS_READONLY, DEVICE_ACCESS_CONTROL, DEVICE_ACCESS_EXCLUSIVE}) {
-      DEV_HANDLE device = nullptr;
+      Opened device(gentl.DevClose);
       if (check.expect({GC_ERR_SUCCESS, GC_ERR_NOT_IMPLEMENTED}, gentl.IFOpenDevice, m.iface, m.deviceId.c_str(),
-                       access, &device) == GC_ERR_SUCCESS)
-        check.need(gentl.DevClose, device);
+                       access, &device.handle) == GC_ERR_SUCCESS)
+        check.need(gentl.DevClose, device.release());
       else
         check.warn("access " + std::to_string(access) + " is not implemented");
     }
   });
   check.rule("Closing an interface closes its devices", [&] {
-    DEV_HANDLE device = nullptr;
-    check.need(gentl.IFOpenDevice, m.iface, m.deviceId.c_str(), DEVICE_ACCESS_EXCLUSIVE, &device);
+    Opened device(gentl.DevClose);
+    check.need(gentl.IFOpenDevice, m.iface, m.deviceId.c_str(), DEVICE_ACCESS_EXCLUSIVE, &device.handle);
     check.need(gentl.IFClose, m.iface);
     m.iface = nullptr;
-    check.prefer("of a device of a closed interface", {GC_ERR_INVALID_HANDLE}, gentl.DevClose, device);
+    check.prefer("of a device of a closed interface", {GC_ERR_INVALID_HANDLE}, gentl.DevClose, device.release());
   });
 }
 

@@ -11,14 +11,14 @@ void checkEvents(Checker& check) {
   const std::unique_ptr<StreamSession> session = openStream(check);
   if (!session)
     return;
-  EVENT_HANDLE event = nullptr;
-  if (!check.rule("The new-buffer event is registered once", [&] {
-        event = session->registerEvent();
+  if (!session->rule("The new-buffer event is registered once", [&] {
+        session->registerEvent();
         EVENT_HANDLE second = nullptr;
         check.expect({GC_ERR_RESOURCE_IN_USE}, gentl.GCRegisterEvent, session->stream(), EVENT_NEW_BUFFER, &second);
       }))
     return;
-  check.rule("EventGetInfo gives every value by the rules of type and size", [&] {
+  session->rule("EventGetInfo gives every value by the rules of type and size", [&] {
+    EVENT_HANDLE event = session->registerEvent();
     askAll(
         check, "EventGetInfo",
         [&](std::int32_t command, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
@@ -26,7 +26,8 @@ void checkEvents(Checker& check) {
         },
         kEventInfos);
   });
-  check.rule("A wait without an event ends with its time-out", [&] {
+  session->rule("A wait without an event ends with its time-out", [&] {
+    EVENT_HANDLE event = session->registerEvent();
     EVENT_NEW_BUFFER_DATA data{};
     for (const std::uint64_t timeout : {std::uint64_t{0}, std::uint64_t{200}}) {
       std::size_t size = sizeof data;
@@ -37,7 +38,8 @@ void checkEvents(Checker& check) {
         check.fault("a wait of " + std::to_string(timeout) + " ms took " + std::to_string(taken) + " ms");
     }
   });
-  check.rule("EventKill ends a wait, or the next one", [&] {
+  session->rule("EventKill ends a wait, or the next one", [&] {
+    EVENT_HANDLE event = session->registerEvent();
     Waiter waiter(gentl, event);
     settle();
     check.need(gentl.EventKill, event);
@@ -49,7 +51,8 @@ void checkEvents(Checker& check) {
     check.expect({GC_ERR_ABORT}, gentl.EventGetData, event, static_cast<void*>(&data), &size, std::uint64_t{0});
     check.expect({GC_ERR_TIMEOUT}, gentl.EventGetData, event, static_cast<void*>(&data), &size, std::uint64_t{0});
   });
-  check.rule("Each of two waits needs a kill of its own", [&] {
+  session->rule("Each of two waits needs a kill of its own", [&] {
+    EVENT_HANDLE event = session->registerEvent();
     Waiter first(gentl, event);
     Waiter second(gentl, event);
     settle();
@@ -63,8 +66,10 @@ void checkEvents(Checker& check) {
       if (code != GC_ERR_ABORT)
         check.fault("a wait that was killed returned " + codeText(code));
   });
-  check.rule("Flushing an empty event is no failure", [&] { check.need(gentl.EventFlush, event); });
-  check.rule("Unregistering an event ends the waits for it", [&] {
+  session->rule("Flushing an empty event is no failure",
+                [&] { check.need(gentl.EventFlush, session->registerEvent()); });
+  session->rule("Unregistering an event ends the waits for it", [&] {
+    EVENT_HANDLE event = session->registerEvent();
     Waiter waiter(gentl, event);
     settle();
     session->unregisterEvent();

@@ -79,19 +79,20 @@ void checkImages(Checker& check) {
   const std::unique_ptr<StreamSession> session = openStream(check);
   if (!session)
     return;
-  EVENT_HANDLE event = nullptr;
-  if (!check.rule("Acquisition starts", [&] {
-        event = session->registerEvent();
-        session->announce(6);
-        session->queueAll();
-        session->start();
-        if (session->info(STREAM_INFO_IS_GRABBING) == 0)
-          check.fault("STREAM_INFO_IS_GRABBING is false");
-      }))
-    return;
-  check.rule("Images come one after the other, whole and with rising frame IDs",
-             [&] { takeImages(check, *session, event, 20); });
-  check.rule("An image is described by the rules of type and size, its event too", [&] {
+  constexpr std::size_t kCount = 6;
+  const auto start = [&] {
+    EVENT_HANDLE event = session->prepare(kCount);
+    session->start();
+    return event;
+  };
+  session->rule("Acquisition starts, and images come one after the other, whole and with rising frame IDs", [&] {
+    EVENT_HANDLE event = start();
+    if (session->info(STREAM_INFO_IS_GRABBING) == 0)
+      check.fault("STREAM_INFO_IS_GRABBING is false");
+    takeImages(check, *session, event, 20);
+  });
+  session->rule("An image is described by the rules of type and size, its event too", [&] {
+    EVENT_HANDLE event = start();
     const EVENT_NEW_BUFFER_DATA data = session->wait(event, kImageTime);
     askAll(
         check, "DSGetBufferInfo",
@@ -121,20 +122,21 @@ void checkImages(Checker& check) {
                  &type, nullptr, &size);
     check.need(gentl.DSQueueBuffer, session->stream(), data.BufferHandle);
   });
-  check.rule("The stream counts what it delivers", [&] {
+  session->rule("The stream counts what it delivers", [&] {
+    EVENT_HANDLE event = start();
     const std::uint64_t before = session->info(STREAM_INFO_NUM_DELIVERED);
     takeImages(check, *session, event, 3);
     if (session->info(STREAM_INFO_NUM_DELIVERED) < before + 1)
       check.fault("STREAM_INFO_NUM_DELIVERED does not grow");
   });
-  check.rule("Acquisition stops, buffers are discarded and revoked", [&] {
+  session->rule("Acquisition stops, buffers are discarded and revoked", [&] {
+    start();
     session->stop();
     if (session->info(STREAM_INFO_IS_GRABBING) != 0)
       check.fault("STREAM_INFO_IS_GRABBING is true");
     session->revokeAll();
-    session->unregisterEvent();
   });
-  check.rule("The modules close one by one", [&] {
+  session->rule("The modules close one by one", [&] {
     Modules& m = session->modules();
     check.need(gentl.DSClose, m.stream);
     m.stream = nullptr;

@@ -2,8 +2,34 @@
 #include "check/stream_session.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace tool::check {
+
+namespace {
+
+// What the work returns; false as well when an exception stops it.
+template<class Work>
+bool quietly(Work&& work) noexcept {
+  try {
+    return work();
+  } catch (...) {
+    return false;
+  }
+}
+
+}  // namespace
+
+class StreamSession::Restored {
+ public:
+  explicit Restored(StreamSession& session) : session_(session) {}
+  ~Restored() { session_.takeBack(); }
+  Restored(const Restored&) = delete;
+  Restored& operator=(const Restored&) = delete;
+
+ private:
+  StreamSession& session_;
+};
 
 StreamSession::StreamSession(Checker& check, const Prepare& prepare)
     : check_(check),
@@ -22,6 +48,82 @@ StreamSession::StreamSession(Checker& check, const Prepare& prepare)
     payload_ = static_cast<std::size_t>(std::max<std::int64_t>(*size, 0));
   if (payload_ == 0)
     throw Broken("neither the stream nor the device's PayloadSize tells how large an image is");
+}
+
+bool StreamSession::rule(const std::string& text, const std::function<void()>& work) {
+  return check_.rule(text, [&] {
+    if (modules_.stream == nullptr)
+      openStream();
+    const Restored restored(*this);
+    work();
+  });
+}
+
+// Nothing of it is judged. A stream that does not let itself be tidied up is closed; the next rule opens it again.
+void StreamSession::takeBack() noexcept {
+  const ProducerFunctions& gentl = check_.gentl();
+  bool clean = !running_ || quietly([&] { return stopQuietly(); });
+  clean = (!registered_ ||
+           quietly([&] { return gentl.GCUnregisterEvent(stream(), EVENT_NEW_BUFFER) == GC_ERR_SUCCESS; })) &&
+          clean;
+  clean = (buffers_.empty() || quietly([&] { return revokeQuietly(); })) && clean;
+  registered_ = running_ = false;
+  if (clean)
+    return;
+  quietly([&] { return gentl.DSClose(stream()) == GC_ERR_SUCCESS; });
+  forgetStream();
+}
+
+bool StreamSession::stopQuietly() {
+  const auto execute = [&] {
+    camera_.execute(check_, "AcquisitionStop");
+    return true;
+  };
+  const auto unlock = [&] {
+    camera_.lock(false);
+    return true;
+  };
+  quietly(execute);
+  const GC_ERROR code = check_.gentl().DSStopAcquisition(stream(), ACQ_STOP_FLAGS_KILL);
+  quietly(unlock);
+  return code == GC_ERR_SUCCESS || code == GC_ERR_RESOURCE_IN_USE;
+}
+
+bool StreamSession::revokeQuietly() {
+  const ProducerFunctions& gentl = check_.gentl();
+  bool all = gentl.DSFlushQueue(stream(), ACQ_QUEUE_ALL_DISCARD) == GC_ERR_SUCCESS;
+  for (BUFFER_HANDLE buffer : buffers_)
+    all = gentl.DSRevokeBuffer(stream(), buffer, nullptr, nullptr) == GC_ERR_SUCCESS && all;
+  if (all) {
+    buffers_.clear();
+    memory_.clear();
+  }
+  return all;
+}
+
+void StreamSession::forgetStream() {
+  modules_.stream = nullptr;
+  registered_ = running_ = false;
+  std::ranges::move(memory_, std::back_inserter(abandoned_));
+  buffers_.clear();
+  memory_.clear();
+}
+
+void StreamSession::closeStream() {
+  const DS_HANDLE closing = stream();
+  check_.need(check_.gentl().DSClose, closing);
+  forgetStream();
+}
+
+void StreamSession::openStream() {
+  check_.need(check_.gentl().DevOpenDataStream, modules_.device, modules_.streamId.c_str(), &modules_.stream);
+}
+
+EVENT_HANDLE StreamSession::prepare(std::size_t count) {
+  EVENT_HANDLE event = registerEvent();
+  announce(count);
+  queueAll();
+  return event;
 }
 
 void StreamSession::announce(std::size_t count) {
@@ -72,11 +174,13 @@ void StreamSession::revokeAll() {
 EVENT_HANDLE StreamSession::registerEvent() {
   EVENT_HANDLE event = nullptr;
   check_.need(check_.gentl().GCRegisterEvent, stream(), EVENT_NEW_BUFFER, &event);
+  registered_ = true;
   return event;
 }
 
 void StreamSession::unregisterEvent() {
   check_.need(check_.gentl().GCUnregisterEvent, stream(), EVENT_NEW_BUFFER);
+  registered_ = false;
 }
 
 std::uint64_t StreamSession::info(STREAM_INFO_CMD command) {
@@ -109,13 +213,15 @@ EVENT_NEW_BUFFER_DATA StreamSession::wait(EVENT_HANDLE event, std::uint64_t time
 
 void StreamSession::start(std::uint64_t count) {
   camera_.lock(true);
+  running_ = true;
   check_.need(check_.gentl().DSStartAcquisition, stream(), ACQ_START_FLAGS_DEFAULT, count);
   camera_.execute(check_, "AcquisitionStart");
 }
 
-void StreamSession::stop(ACQ_STOP_FLAGS flags) {
+void StreamSession::stop(ACQ_STOP_FLAGS flags, std::initializer_list<GC_ERROR> codes) {
   camera_.execute(check_, "AcquisitionStop");
-  check_.need(check_.gentl().DSStopAcquisition, stream(), flags);
+  check_.expect(codes, check_.gentl().DSStopAcquisition, stream(), flags);
+  running_ = false;
   camera_.lock(false);
 }
 

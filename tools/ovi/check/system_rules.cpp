@@ -4,6 +4,7 @@
 #include "check/groups.h"
 #include "check/lists.h"
 #include "check/modules.h"
+#include "check/opened.h"
 #include "text.h"
 
 namespace tool::check {
@@ -53,8 +54,9 @@ void checkSystem(Checker& check) {
     std::size_t size = 0;
     check.prefer("behind the last", {GC_ERR_INVALID_INDEX}, gentl.TLGetInterfaceID, tl,
                  static_cast<std::uint32_t>(ids.size()), nullptr, &size);
-    IF_HANDLE iface = nullptr;
-    check.prefer("of an unknown ID", {GC_ERR_INVALID_ID}, gentl.TLOpenInterface, tl, "no such interface", &iface);
+    Opened iface(gentl.IFClose);
+    check.prefer("of an unknown ID", {GC_ERR_INVALID_ID}, gentl.TLOpenInterface, tl, "no such interface",
+                 &iface.handle);
     INFO_DATATYPE type = 0;
     check.prefer("of an unknown ID", {GC_ERR_INVALID_ID}, gentl.TLGetInterfaceInfo, tl, "no such interface",
                  INTERFACE_INFO_ID, &type, nullptr, &size);
@@ -67,25 +69,27 @@ void checkSystem(Checker& check) {
             return gentl.TLGetInterfaceInfo(tl, id.c_str(), command, type, buffer, size);
           },
           kInterfaceInfos);
-      IF_HANDLE iface = nullptr;
-      check.need(gentl.TLOpenInterface, tl, id.c_str(), &iface);
-      IF_HANDLE second = nullptr;
-      check.prefer("of an open interface", {GC_ERR_RESOURCE_IN_USE}, gentl.TLOpenInterface, tl, id.c_str(), &second);
+      Opened iface(gentl.IFClose);
+      check.need(gentl.TLOpenInterface, tl, id.c_str(), &iface.handle);
+      Opened second(gentl.IFClose);
+      check.prefer("of an open interface", {GC_ERR_RESOURCE_IN_USE}, gentl.TLOpenInterface, tl, id.c_str(),
+                   &second.handle);
       const Infos after = askAll(
           check, "IFGetInfo",
           [&](std::int32_t command, INFO_DATATYPE* type, void* buffer, std::size_t* size) {
-            return gentl.IFGetInfo(iface, command, type, buffer, size);
+            return gentl.IFGetInfo(iface.handle, command, type, buffer, size);
           },
           kInterfaceInfos);
       compare(check, after, before, kInterfaceInfos, "TLGetInterfaceInfo");
       TL_HANDLE parent = nullptr;
       if (gentl.IFGetParentTL.exists()) {
-        check.need(gentl.IFGetParentTL, iface, &parent);
+        check.need(gentl.IFGetParentTL, iface.handle, &parent);
         if (parent != tl)
           check.fault("IFGetParentTL gives another handle than TLOpen");
       }
-      check.need(gentl.IFClose, iface);
-      check.prefer("of a closed interface", {GC_ERR_INVALID_HANDLE}, gentl.IFClose, iface);
+      IF_HANDLE closed = iface.release();
+      check.need(gentl.IFClose, closed);
+      check.prefer("of a closed interface", {GC_ERR_INVALID_HANDLE}, gentl.IFClose, closed);
     }
     check.seen(std::to_string(ids.size()) + " interfaces");
   });

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 
 #include "check/call_watch.h"
@@ -39,7 +40,19 @@ constexpr std::array kGroups = {check::Group{"exports", "Exports", check::checkE
                                 check::Group{"threads", "Threads", check::checkThreads},
                                 check::Group{"faults", "Fault paths", check::checkFaults}};
 
-constexpr std::array<const char*, 3> kVerdicts = {"pass", "warn", "fail"};
+struct Result {
+  const char* name;
+  Colour colour;
+};
+
+// The verdicts in their order, and a rule that the same failure ended as one before: it is told once.
+constexpr std::array kResults = {Result{"pass", Colour::kGreen}, Result{"warn", Colour::kYellow},
+                                 Result{"fail", Colour::kRed}, Result{"skip", Colour::kDim}};
+
+std::size_t resultIndex(const ordered_json& line) {
+  const auto same = [&](const Result& result) { return line["result"] == result.name; };
+  return static_cast<std::size_t>(std::ranges::find_if(kResults, same) - kResults.begin());
+}
 
 struct CheckOptions {
   std::string producer;
@@ -58,7 +71,8 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
   check::watchCalls(kCallTime, [&](const std::string& function) {
     print({{"rule", current},
            {"result", "fail"},
-           {"seen", function + " did not come back within " + std::to_string(kCallTime.count()) + " s"}});
+           {"seen", function + " did not come back within " + std::to_string(kCallTime.count()) + " s"},
+           {"ended", true}});
   });
   const auto begin = [&](const std::string& rule) {
     current = rule;
@@ -72,11 +86,13 @@ void runGroup(const CheckOptions& options, const std::string& camera) {
   }();
   begin("");
   const check::ProducerFunctions functions(*library);
-  check::Checker checker(
-      functions, camera, begin, [&](check::Verdict verdict, const std::string& rule, const std::string& seen) {
-        current.clear();
-        print({{"rule", rule}, {"result", kVerdicts.at(static_cast<std::size_t>(verdict))}, {"seen", seen}});
-      });
+  check::Checker checker(functions, camera, begin, [&](const check::RuleLine& line) {
+    current.clear();
+    print({{"rule", line.rule},
+           {"result", kResults.at(static_cast<std::size_t>(line.verdict)).name},
+           {"seen", line.seen},
+           {"ended", line.ended}});
+  });
   group->run(checker);
   print({{"end", options.group}});
 }
@@ -120,19 +136,37 @@ std::vector<ordered_json> linesOf(const ChildResult& child) {
   return lines;
 }
 
-struct Totals {
-  std::array<std::size_t, 3> counts{};
-  std::size_t& operator[](const std::string& result) {
-    return counts.at(result == "pass" ? 0U : result == "warn" ? 1U : 2U);
+// Failures that ended a rule, over all groups.
+class ToldFailures {
+ public:
+  /// Makes the line of a rule that ended as one before a skipped one.
+  void judge(ordered_json& line) {
+    const bool ended = line.value("ended", false);
+    line.erase("ended");
+    if (!ended || told_.insert(line["seen"].get<std::string>()).second)
+      return;
+    line["result"] = "skip";
+    line["seen"] = "not judged; as before, " + line["seen"].get<std::string>();
   }
+
+ private:
+  std::set<std::string> told_;
 };
 
+using Totals = std::array<std::size_t, kResults.size()>;
+
+std::string totalsText(const Totals& totals) {
+  std::string text;
+  for (std::size_t i = 0; i < totals.size(); ++i)
+    if (i < 3 || totals.at(i) > 0)
+      text += (i == 0 ? "" : ", ") + std::to_string(totals.at(i)) + " " + kResults.at(i).name;
+  return text;
+}
+
 void printLine(const ordered_json& line) {
-  static constexpr std::array<Colour, 3> kColours = {Colour::kGreen, Colour::kYellow, Colour::kRed};
-  const std::string result = line["result"];
-  const std::size_t index = result == "pass" ? 0U : result == "warn" ? 1U : 2U;
+  const std::size_t index = resultIndex(line);
   const std::string seen = printable(line.value("seen", ""));
-  printData("  " + coloured(result, kColours.at(index), standardOutputIsTerminal()) + "  " +
+  printData("  " + coloured(kResults.at(index).name, kResults.at(index).colour, standardOutputIsTerminal()) + "  " +
             line["rule"].get<std::string>() +
             (seen.empty() ? ""
              : index == 0 ? " (" + seen + ")"
@@ -179,7 +213,8 @@ void runAll(const Session& session, CheckOptions options) {
   requireProducer(session, options.producer);
   requireGroups(options);
   const bool json = session.options().json;
-  Totals totals;
+  Totals totals{};
+  ToldFailures told;
   ordered_json all = ordered_json::array();
   ProgressLine progress;
   for (const check::Group& group : kGroups) {
@@ -190,13 +225,14 @@ void runAll(const Session& session, CheckOptions options) {
     std::vector<std::string> arguments = {"check", options.producer, "--in-group", group.name};
     if (!session.options().camera.empty())
       arguments.insert(arguments.end(), {"--camera", session.options().camera});
-    const std::vector<ordered_json> lines = linesOf(runChild(ownProgram(), arguments, kGroupTime));
+    std::vector<ordered_json> lines = linesOf(runChild(ownProgram(), arguments, kGroupTime));
     progress.clear();
     if (!json)
       printData(coloured(group.title, Colour::kBold, standardOutputIsTerminal()));
     bool hopeless = false;
-    for (const ordered_json& line : lines) {
-      ++totals[line["result"]];
+    for (ordered_json& line : lines) {
+      told.judge(line);
+      ++totals.at(resultIndex(line));
       hopeless = hopeless || (line["result"] == "fail" && (group.name == std::string("exports") ||
                                                            line["rule"] == "GCInitLib initialises the library"));
       if (json) {
@@ -210,19 +246,17 @@ void runAll(const Session& session, CheckOptions options) {
     if (hopeless)
       break;
   }
-  const std::string counts = std::to_string(totals.counts[0]) + " pass, " + std::to_string(totals.counts[1]) +
-                             " warn, " + std::to_string(totals.counts[2]) + " fail";
-  if (json)
-    printJson(ordered_json{{"producer", options.producer},
-                           {"pass", totals.counts[0]},
-                           {"warn", totals.counts[1]},
-                           {"fail", totals.counts[2]},
-                           {"rules", all}});
-  else
-    printData(counts);
-  if (totals.counts[2] > 0)
-    throw ToolError("the producer breaks " + std::to_string(totals.counts[2]) +
-                    (totals.counts[2] == 1 ? " rule" : " rules"));
+  if (json) {
+    ordered_json report{{"producer", options.producer}};
+    for (std::size_t i = 0; i < totals.size(); ++i)
+      report[kResults.at(i).name] = totals.at(i);
+    report["rules"] = all;
+    printJson(report);
+  } else {
+    printData(totalsText(totals));
+  }
+  if (const std::size_t failed = totals[2]; failed > 0)
+    throw ToolError("the producer breaks " + std::to_string(failed) + (failed == 1 ? " rule" : " rules"));
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ void printDescription(const DescribeOptions& options) {
   const DynamicLibrary library(pathFromText(options.producer));
   const check::ProducerFunctions functions(library);
   check::Checker checker(
-      functions, options.device, [](const std::string&) {}, [](check::Verdict, const auto&, const auto&) {});
+      functions, options.device, [](const std::string&) {}, [](const check::RuleLine&) {});
   const check::Modules modules(checker, {options.interface, options.device},
                                module == ovi::Module::kDataStream ? check::Depth::kStream : check::Depth::kDevice);
   const std::string content = check::descriptionOf(checker, portOf(modules, module));

@@ -49,7 +49,7 @@ class ProducerSource : public ImageSource {
       : library_(pathFromText(file)),
         functions_(library_),
         checker_(
-            functions_, camera, [](const std::string&) {}, [](check::Verdict, const auto&, const auto&) {}),
+            functions_, camera, [](const std::string&) {}, [](const check::RuleLine&) {}),
         session_(checker_,
                  [&](check::PortMap& map) {
                    for (const std::string& assignment : assignments)
@@ -59,18 +59,8 @@ class ProducerSource : public ImageSource {
         getDataInfo_(functions_.EventGetDataInfo.unwatched()),
         getBufferInfo_(functions_.DSGetBufferInfo.unwatched()),
         queue_(functions_.DSQueueBuffer.unwatched()) {
-    session_.announce(buffers);
-    session_.queueAll();
-    event_ = session_.registerEvent();
+    event_ = session_.prepare(buffers);
     session_.start();
-  }
-  ~ProducerSource() override {
-    try {
-      session_.stop();
-      session_.revokeAll();
-      session_.unregisterEvent();
-    } catch (const check::Broken&) {  // NOLINT(bugprone-empty-catch): closing the stream does the same.
-    }
   }
 
   Got take(std::chrono::milliseconds timeout) override {
