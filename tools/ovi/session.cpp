@@ -14,7 +14,6 @@ namespace tool {
 
 namespace {
 
-constexpr const char* kVirtualProducer = "VirtualCamera.cti";
 constexpr std::size_t kMaxMessages = 200;
 
 // As a shell would need it.
@@ -43,64 +42,11 @@ bool hasNeighbours(const std::filesystem::path& file) {
   return false;
 }
 
-Camera describe(const ovi::DeviceInfo& info, std::size_t number) {
-  Camera camera;
-  camera.number = number;
-  camera.id = fromLibraryText(info.deviceID);
-  const auto shown = [](const char* text) { return printable(fromLibraryText(text)); };
-  camera.displayName = shown(info.displayName);
-  camera.model = shown(info.model);
-  camera.vendor = shown(info.vendor);
-  camera.serial = shown(info.serialNumber);
-  camera.userName = shown(info.userDefinedName);
-  camera.version = shown(info.version);
-  camera.tlType = fromLibraryText(info.tlType);
-  camera.interfaceName = shown(info.interfaceDisplayName);
-  camera.interfaceId = fromLibraryText(info.interfaceID);
-  camera.producerName = shown(info.tlDisplayName);
-  camera.producerPath = fromLibraryText(info.tlPathName);
-  camera.accessStatus = info.accessStatus;
-  camera.isVirtual = pathFromText(camera.producerPath).filename() == kVirtualProducer;
-  return camera;
-}
-
-std::string cameraLines(const std::vector<const Camera*>& cameras) {
-  std::string text;
-  for (const Camera* camera : cameras)
-    text += "\n  " + std::to_string(camera->number) + "  " + camera->model + "  " + camera->serial +
-            (camera->userName.empty() ? "" : "  \"" + camera->userName + "\"") +
-            (camera->isVirtual ? "  (virtual)" : "");
-  return text;
-}
-
 }  // namespace
-
-std::string Camera::shortName() const {
-  if (!serial.empty())
-    return serial;
-  return userName.empty() ? id : userName;
-}
 
 bool libraryCanName(const std::string& folder) {
   return fromLibraryText(toLibraryText(folder)) == folder &&
          folder.find_first_of(searchPathSeparators()) == std::string::npos;
-}
-
-std::string accessText(std::uint32_t accessStatus) {
-  switch (accessStatus) {
-    case 1:
-      return "available";
-    case 2:
-      return "read-only";
-    case 3:
-      return "not available";
-    case 4:
-      return "in use";
-    case 5:
-      return "opened by this program";
-    default:
-      return "unknown";
-  }
 }
 
 Session::Session(const CommonOptions& options) : options_(options) {
@@ -204,7 +150,7 @@ const std::vector<Camera>& Session::cameras() {
   line.clear();
   cameras_.emplace();
   for (const ovi::DeviceInfo& info : found) {
-    cameras_->push_back(describe(info, cameras_->size() + 1));
+    cameras_->push_back(describeCamera(info, cameras_->size() + 1));
     cameras_->back().producerPath = withOwnPath(cameras_->back().producerPath);
   }
   return *cameras_;
@@ -214,56 +160,41 @@ const Camera& Session::pick(const std::string& name) {
   const std::vector<Camera>& all = cameras();
   if (all.empty())
     throw ToolError("no camera was found\n" + explainNoCameras(), command("doctor", {}));
-
-  std::vector<const Camera*> matches;
-  const auto collect = [&](auto&& matchesCamera) {
-    if (!matches.empty())
-      return;
-    for (const Camera& camera : all)
-      if (matchesCamera(camera))
-        matches.push_back(&camera);
-  };
-  if (name.empty()) {
-    collect([](const Camera& c) { return !c.isVirtual; });
-    collect([](const Camera&) { return true; });
-    if (matches.size() == 1)
-      return *matches.front();
-    if (matches.front()->isVirtual) {
-      // Nobody looks for a certain one of the virtual cameras; the first is as good as any.
-      if (!std::exchange(chosen_, true))
-        printNote("using the virtual camera " + matches.front()->shortName() + "; --camera names another");
-      return *matches.front();
-    }
-    throw ToolError(
-        "there are several cameras, and none was named:" + cameraLines(matches),
-        "name one by number, serial number, user-defined name, model or ID: --camera " + matches.front()->shortName(),
-        ExitCode::kUsage);
-  }
-  collect([&](const Camera& c) { return c.id == name; });
-  collect([&](const Camera& c) { return c.serial == name; });
-  collect([&](const Camera& c) { return c.userName == name; });
-  collect([&](const Camera& c) { return std::to_string(c.number) == name; });
-  collect([&](const Camera& c) { return c.displayName == name; });
-  collect([&](const Camera& c) { return equalsIgnoringCase(c.model, name); });
-  collect([&](const Camera& c) { return equalsIgnoringCase(c.userName, name) || equalsIgnoringCase(c.serial, name); });
+  if (name.empty())
+    return pickUnnamed();
+  const std::vector<const Camera*> matches = camerasNamed(all, name);
   if (matches.size() == 1)
     return *matches.front();
   if (matches.size() > 1)
     throw ToolError("\"" + name + "\" means several cameras:" + cameraLines(matches),
                     "name one by its serial number: --camera " + matches.front()->shortName(), ExitCode::kUsage);
-
-  std::vector<std::string> names;
   std::vector<const Camera*> present;
-  for (const Camera& camera : all) {
+  for (const Camera& camera : all)
     present.push_back(&camera);
-    for (const std::string& candidate : {camera.serial, camera.userName, camera.model, camera.id})
-      if (!candidate.empty())
-        names.push_back(candidate);
-  }
-  const std::string nearest = nearestMatch(name, names);
+  const std::string nearest = nearestCameraName(all, name);
   throw ToolError("there is no camera \"" + name + "\"." + (nearest.empty() ? "" : " Did you mean " + nearest + "?") +
                       " There are:" + cameraLines(present),
                   command("list", {}), ExitCode::kUsage);
+}
+
+// The only one. Virtual cameras step back when there is a real one, and of several the first is as good as any: nobody
+// looks for a certain one.
+const Camera& Session::pickUnnamed() {
+  std::vector<const Camera*> real;
+  for (const Camera& camera : cameras())
+    if (!camera.isVirtual)
+      real.push_back(&camera);
+  if (real.size() > 1)
+    throw ToolError(
+        "there are several cameras, and none was named:" + cameraLines(real),
+        "name one by number, serial number, user-defined name, model or ID: --camera " + real.front()->shortName(),
+        ExitCode::kUsage);
+  if (real.size() == 1)
+    return *real.front();
+  const Camera& first = cameras().front();
+  if (cameras().size() > 1 && !std::exchange(chosen_, true))
+    printNote("using the virtual camera " + first.shortName() + "; --camera names another");
+  return first;
 }
 
 ovi::Device Session::open(const std::string& name, Use use) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "camera.h"
 #include "interrupt.h"
 #include "ovi/ovi.hpp"
 #include "sole_producer.h"
@@ -25,31 +26,6 @@ struct CommonOptions {
   unsigned timeout = 1000;
   bool withoutLibrary = false;  ///< set by commands that have no use for it; then only options() may be asked
 };
-
-/// One camera that was found, in the tool's own text encoding.
-struct Camera {
-  std::size_t number = 0;  ///< from 1, as the list shows it
-  std::string id;
-  std::string displayName;
-  std::string model;
-  std::string vendor;
-  std::string serial;
-  std::string userName;
-  std::string version;
-  std::string tlType;
-  std::string interfaceName;
-  std::string interfaceId;
-  std::string producerName;
-  std::string producerPath;
-  std::uint32_t accessStatus = 0;
-  bool isVirtual = false;
-
-  /// The shortest name that means just this camera.
-  std::string shortName() const;
-};
-
-/// "available", "in use by another program", ... for a GenTL access status.
-std::string accessText(std::uint32_t accessStatus);
 
 /// Whether the library can be told of the folder: it takes narrow text, and several folders in one.
 bool libraryCanName(const std::string& folder);
@@ -100,6 +76,7 @@ class Session {
   std::string explainNoCameras();
 
  private:
+  const Camera& pickUnnamed();
   void remember(ovi::LogLevel level, std::string_view message);
   std::string searchPath() const;
   std::string libraryPath(const std::string& folder);

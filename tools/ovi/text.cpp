@@ -74,7 +74,8 @@ std::string nearestMatch(std::string_view text, const std::vector<std::string>& 
       found = &candidate;
     }
   }
-  const std::size_t tolerated = std::max<std::size_t>(2, text.size() / 3);
+  constexpr std::size_t kShort = 4;  // Two edits make any word of fewer letters any other.
+  const std::size_t tolerated = text.size() < kShort ? 1 : std::max<std::size_t>(2, text.size() / 3);
   return found != nullptr && best <= tolerated ? *found : std::string();
 }
 
