@@ -5,9 +5,11 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <system_error>
 #include <utility>
 
 #include "ovi/ovi.h"
+#include "ovi/result.hpp"
 
 namespace ovi {
 
@@ -50,10 +52,11 @@ class Image {
   /// The record of the C interface.
   const oviNewBufferEventData& record() const noexcept { return *record_; }
 
-  /// Gives the buffer back now.
-  void release() noexcept {
-    if (record_ != nullptr)
-      oviReleaseImage(stream_, std::exchange(record_, nullptr));
+  /// Gives the buffer back now. @return why the producer refused it, which then has a buffer less; no error when there
+  /// was nothing to give back
+  std::error_code release() noexcept {
+    return record_ == nullptr ? std::error_code()
+                              : makeErrorCode(oviReleaseImage(stream_, std::exchange(record_, nullptr)));
   }
 
  private:

@@ -41,8 +41,11 @@ struct Orders {
     long number = 0;
     words >> order;
     const OviVirtualHostility& hostility = *oviVirtualHostility();
-    if (order == "fail" && words >> function >> number)
-      hostility.fail(function.c_str(), static_cast<std::int32_t>(number), 1, UINT64_MAX);
+    std::uint64_t from = 1;
+    if (order == "fail" && words >> function >> number) {
+      words >> from;  // With its first call, when the order names none.
+      hostility.fail(function.c_str(), static_cast<std::int32_t>(number), from == 0 ? 1 : from, UINT64_MAX);
+    }
     if (order == "block" && words >> function)
       hostility.block(function.c_str(), 1, UINT64_MAX);
     if (order == "text" && words >> function >> number)

@@ -219,6 +219,24 @@ TEST(Images, ThatAreLostAreToldApart) {
     EXPECT_EQ(never.code, 1);
     EXPECT_THAT(never.err, HasSubstr("no further whole image came within 500 ms"));
   }
+  {
+    const Environment order("OVI_TEST_ORDER", "fail DSStartAcquisition -1010");
+    for (const char* command : {"stream -n 3", "grab", "bench"}) {
+      const Outcome refused = ovi(words(std::string(command) + " -c 1 --producer " HOSTILE_DIR "/Hostile.cti"));
+      EXPECT_EQ(refused.code, 1) << command;
+      EXPECT_THAT(refused.err,
+                  AllOf(HasSubstr("refused to start the stream: GC_ERR_IO (-1010), \"DSStartAcquisition: "),
+                        HasSubstr("cable"), HasSubstr("try: ovi check " HOSTILE_DIR "/Hostile.cti")));
+    }
+  }
+  {
+    const Environment order("OVI_TEST_ORDER", "fail DSQueueBuffer -1010 25");
+    const Outcome run = ovi(words("stream -c 1 -n 12 --buffers 20 --json --producer " HOSTILE_DIR "/Hostile.cti"));
+    const nlohmann::json summary = nlohmann::json::parse(run.out);
+    EXPECT_EQ(summary["frames"], 12);
+    EXPECT_EQ(summary["notReleased"], 8) << "of 12, whose first four went back";
+    EXPECT_THAT(summary["verdict"].get<std::string>(), HasSubstr("refused to take 8 buffers back (IO"));
+  }
   const Environment order("OVI_TEST_ORDER", "fail DSStopAcquisition -1010");
   const Outcome gone = ovi(words("stream -c 1 --frames 3 --producer " HOSTILE_DIR "/Hostile.cti"));
   EXPECT_EQ(gone.code, 1);

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "camera_start.h"
 #include "feature_view.h"
 #include "session.h"
 #include "tool_error.h"
@@ -18,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 // Stops the camera on every way out.
 class Running {
  public:
-  explicit Running(const ovi::Device& device) : device_(device) { device_.start(); }
+  Running(const ModuleView& view, const ovi::Stream& stream) : device_(view.device()) { startCamera(view, stream); }
   ~Running() { stop(); }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
@@ -105,6 +106,11 @@ class Counter {
   std::uint64_t measured_ = 0;
 };
 
+void giveBack(ovi::Image& image, Ledger& ledger) {
+  if (const std::error_code refused = image.release(); refused && ledger.notReleased++ == 0)
+    ledger.releaseError = refused.message();
+}
+
 bool isEnough(const AcquisitionOptions& options, const Ledger& ledger) {
   return interrupted() || (options.frames != 0 && ledger.delivered >= options.frames) ||
          (options.seconds > 0 && ledger.seconds >= options.seconds);
@@ -112,13 +118,13 @@ bool isEnough(const AcquisitionOptions& options, const Ledger& ledger) {
 
 }  // namespace
 
-Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, const AcquisitionReports& reports) {
+Ledger acquire(const ModuleView& view, const AcquisitionOptions& options, const AcquisitionReports& reports) {
   constexpr std::chrono::milliseconds kLongestWait{200};  // so that Ctrl-C is noticed soon
   constexpr std::chrono::milliseconds kSilence{500};
   Ledger ledger;
   Counter counter(ledger);
-  const ovi::Stream stream = device.openStream(options.buffers);
-  Running running(device);
+  const ovi::Stream stream = view.device().openStream(options.buffers);
+  Running running(view, stream);
   const Clock::time_point start = Clock::now();
   Clock::time_point lastSign = start;
   Clock::time_point lastWhole = start;
@@ -156,6 +162,8 @@ Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, con
       lastSign = Clock::now();
       ledger.waiting = false;
     }
+    if (image)
+      giveBack(*image, ledger);
     if (reports.progress)
       reports.progress(stream, ledger);
   }

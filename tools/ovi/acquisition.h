@@ -30,8 +30,11 @@ struct Ledger {
   double silence = 0;     ///< seconds from the last image, whole or not, to the end
   bool ofCamera = false;  ///< the time stamps are the camera's; else the library's
   bool timedOut = false;
-  bool waiting = false;   ///< no image for half a second
-  std::string stopError;  ///< why the camera could not be stopped in the end; empty when it could
+  bool waiting = false;           ///< no image for half a second
+  std::uint64_t notReleased = 0;  ///< delivered, but the producer refused to take their buffers back
+  std::string releaseError;       ///< why it refused the first of them
+  std::string failure;            ///< what ended it early; empty when nothing did
+  std::string stopError;          ///< why the camera could not be stopped in the end; empty when it could
 
   double framesPerSecond() const { return seconds > 0 ? static_cast<double>(delivered) / seconds : 0.0; }
   double bytesPerSecond() const { return seconds > 0 ? static_cast<double>(bytes) / seconds : 0.0; }
@@ -69,8 +72,9 @@ struct AcquisitionReports {
 };
 
 /// Takes images until enough came, the time is over, no image came within the time-out, or the user interrupts. The
-/// camera is stopped and everything closed on every way out.
-Ledger acquire(const ovi::Device& device, const AcquisitionOptions& options, const AcquisitionReports& reports);
+/// camera is stopped and everything closed on every way out. Throws ToolError when the camera does not start or a wait
+/// fails.
+Ledger acquire(const ModuleView& view, const AcquisitionOptions& options, const AcquisitionReports& reports);
 
 /// The trigger that the camera waits for.
 struct Trigger {

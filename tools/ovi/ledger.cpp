@@ -39,7 +39,7 @@ std::string lossText(const Ledger& ledger) {
 
 std::string verdictText(const Ledger& ledger) {
   if (ledger.delivered == 0 && ledger.incomplete == 0)
-    return "no image came";
+    return "no image came" + (ledger.failure.empty() ? "" : ": " + ledger.failure);
   std::string text;
   const auto add = [&](const std::string& sentence) { text += (text.empty() ? "" : "; ") + sentence; };
   if (ledger.noBuffer() > 0)
@@ -55,10 +55,15 @@ std::string verdictText(const Ledger& ledger) {
   if (ledger.badPattern > 0)
     add(countText(ledger.badPattern, "image", "images") +
         " did not show the test pattern: data were changed on the way");
+  if (ledger.notReleased > 0)
+    add("the producer refused to take " + countText(ledger.notReleased, "buffer", "buffers") + " back (" +
+        ledger.releaseError + "), which it cannot fill again. ovi check tells what it does wrong");
   if (ledger.late > 0)
     add(countText(ledger.late, "image", "images") + " came after one that was made later");
   if (ledger.stopError.empty() && ledger.fellSilent())
     add("no image came in the last " + fixedText(ledger.silence, 1) + " s");
+  if (!ledger.failure.empty())
+    add("it ended early: " + ledger.failure);
   if (!ledger.stopError.empty())
     add("the camera could not be stopped (" + ledger.stopError + "): its cable, its power or the link may have failed");
   return text.empty() ? "every image arrived whole" : text;
@@ -78,6 +83,7 @@ nlohmann::ordered_json ledgerJson(const Ledger& ledger) {
   json["withoutBuffer"] = ledger.noBuffer();
   json["late"] = ledger.late;
   json["underruns"] = ledger.underruns;
+  json["notReleased"] = ledger.notReleased;
   json["badPattern"] = ledger.badPattern;
   json["latencySeconds"] = ledger.latency;
   json["latencyFrom"] = ledger.ofCamera ? "camera" : "library";

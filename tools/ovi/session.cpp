@@ -65,6 +65,11 @@ void Session::remember(ovi::LogLevel level, std::string_view message) {
     messages_.pop_front();
 }
 
+bool Session::hasMessage(std::string_view beginning) {
+  const std::lock_guard lock(messageMutex_);
+  return std::ranges::any_of(messages_, [&](const std::string& message) { return message.starts_with(beginning); });
+}
+
 std::vector<std::string> Session::takeMessages() {
   const std::lock_guard lock(messageMutex_);
   std::vector<std::string> taken(messages_.begin(), messages_.end());
@@ -255,6 +260,15 @@ std::string Session::producerFile(const Camera& camera) {
   if (same != all.end())
     return *same;
   return all.size() == 1 ? all.front() : camera.producerPath;
+}
+
+std::filesystem::path Session::loadedProducer(const Camera& camera) {
+  const std::filesystem::path file = pathFromText(producerFile(camera));
+  return sole_ ? sole_->folder() / file.filename() : file;
+}
+
+std::string Session::checkCommand(const std::string& words, const Camera& camera) {
+  return "ovi check " + quoted(producerFile(camera)) + " " + words + " --camera " + quoted(camera.shortName());
 }
 
 std::vector<std::string> Session::folders() const {

@@ -69,6 +69,15 @@ class Session {
   /// The file that a camera's producer was loaded from, whatever path it tells of itself.
   std::string producerFile(const Camera& camera);
 
+  /// The file as this process has loaded it.
+  std::filesystem::path loadedProducer(const Camera& camera);
+
+  /// "ovi check" with the camera's producer and these words.
+  std::string checkCommand(const std::string& words, const Camera& camera);
+
+  /// Whether the library logged such a warning or error since takeMessages.
+  bool hasMessage(std::string_view beginning);
+
   /// What the library logged as warnings and errors since the last call.
   std::vector<std::string> takeMessages();
 

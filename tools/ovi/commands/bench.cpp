@@ -201,7 +201,7 @@ void bench(Session& session, const BenchOptions& options) {
   Measurement m;
   {
     const ModuleView view(session, "device", Use::kControl);
-    m = measure(*openSource(view.device(), options.buffers), options);
+    m = measure(*openSource(view, options.buffers), options);
     if (m.images == 0) {
       throwIfInterrupted();
       const Trigger trigger = findTrigger(view);

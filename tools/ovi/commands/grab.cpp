@@ -24,7 +24,6 @@ void grab(Session& session, const std::string& output) {
                     session.command("grab -o first.png"), ExitCode::kUsage);
   const SaveFormat format = equalsIgnoringCase(extension, ".raw") ? SaveFormat::kRaw : SaveFormat::kPng;
   const ModuleView view(session, "device", Use::kControl);
-  const ovi::Device& device = view.device();
   AcquisitionOptions options;
   options.frames = 1;
   options.buffers = 4;
@@ -41,7 +40,7 @@ void grab(Session& session, const std::string& output) {
             {"pixelFormat", pixelFormatName(image.pixelFormat())},
             {"frameID", image.frameID()}};
   };
-  const Ledger ledger = acquire(device, options, reports);
+  const Ledger ledger = acquire(view, options, reports);
   if (ledger.delivered == 0) {
     throwIfInterrupted();
     const Trigger trigger = findTrigger(view);

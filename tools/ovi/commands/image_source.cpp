@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "camera_start.h"
 #include "check/stream_session.h"
 #include "paths.h"
 #include "tool_error.h"
@@ -13,10 +14,10 @@ namespace {
 
 class LibrarySource : public ImageSource {
  public:
-  LibrarySource(const ovi::Device& device, std::uint32_t buffers)
-      : device_(device),
-        stream_(device.openStream(buffers)) {
-    device_.start();
+  LibrarySource(const ModuleView& view, std::uint32_t buffers)
+      : device_(view.device()),
+        stream_(device_.openStream(buffers)) {
+    startCamera(view, stream_);
   }
   ~LibrarySource() override {
     image_.reset();
@@ -32,7 +33,10 @@ class LibrarySource : public ImageSource {
       throw ToolError("waiting for an image failed: " + error.message(), "ovi stream --frames 100");
     return image_ ? Got::kImage : Got::kNothing;
   }
-  void giveBack() override { image_->release(); }
+  void giveBack() override {
+    if (const std::error_code refused = image_->release())
+      throw ToolError("the producer refused to take a buffer back: " + refused.message(), "ovi stream --frames 100");
+  }
   const std::uint8_t* data() const override { return image_->data(); }
   std::size_t size() const override { return image_->size(); }
 
@@ -108,8 +112,8 @@ class ProducerSource : public ImageSource {
 
 }  // namespace
 
-std::unique_ptr<ImageSource> openSource(const ovi::Device& device, std::uint32_t buffers) {
-  return std::make_unique<LibrarySource>(device, buffers);
+std::unique_ptr<ImageSource> openSource(const ModuleView& view, std::uint32_t buffers) {
+  return std::make_unique<LibrarySource>(view, buffers);
 }
 
 std::unique_ptr<ImageSource> openProducerSource(const std::string& file, const std::string& camera,

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ovi/ovi.hpp"
+#include "module_view.h"
 
 namespace tool {
 
@@ -29,7 +29,7 @@ class ImageSource {
   virtual std::size_t size() const = 0;
 };
 
-std::unique_ptr<ImageSource> openSource(const ovi::Device& device, std::uint32_t buffers);
+std::unique_ptr<ImageSource> openSource(const ModuleView& view, std::uint32_t buffers);
 
 /// The producer in this file, which this process has not loaded yet. It is asked what the library asks about an image.
 /// @param camera       its ID

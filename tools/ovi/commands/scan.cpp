@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "acquisition.h"
+#include "camera_start.h"
 #include "commands.h"
 #include "module_view.h"
 #include "pattern_check.h"
@@ -87,6 +88,9 @@ void scan(Session& session, const ScanOptions& options) {
   }
   throwIfInterrupted();
   if (code != OVI_SUCCESS) {
+    if (startWasRefused(session))
+      throw ToolError("the scan ended early: the producer refused to start the stream",
+                      session.checkCommand("--only stops", view.camera()));
     const std::vector<std::string> messages = session.takeMessages();
     if (const Trigger trigger = findTrigger(view); code == OVI_ERR_TIMEOUT && !trigger.text.empty())
       throw ToolError("the scan ended early: no image came" + trigger.reason(), session.command(trigger.next()));

@@ -78,10 +78,11 @@ void StreamRun::work() {
     reports.progress = [this](const ovi::Stream& stream, const Ledger& ledger) { publish(stream, ledger); };
     if (cameraTime_)
       reports.cameraTime = [this](const ovi::Image& image) { return cameraTime_->of(image); };
-    result = acquire(device_, acquisition_, reports);
-  } catch (...) {
+    result = acquire(view_, acquisition_, reports);
+  } catch (const std::exception& failure) {
     failure_ = std::current_exception();
     result = ledger();
+    result.failure = failure.what();
   }
   const std::lock_guard lock(mutex_);
   ledger_ = result;

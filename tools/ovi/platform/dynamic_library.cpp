@@ -55,6 +55,19 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
     throw ToolError(pathText(file) + " does not load: " + whyNotLoaded());
 }
 
+std::unique_ptr<DynamicLibrary> DynamicLibrary::alreadyLoaded(const std::filesystem::path& file) {
+#ifdef _WIN32
+  HMODULE handle = nullptr;
+  if (GetModuleHandleExW(0, std::filesystem::absolute(file).c_str(), &handle) == 0)
+    return nullptr;
+#else
+  void* const handle = dlopen(std::filesystem::absolute(file).c_str(), RTLD_LAZY | RTLD_NOLOAD);
+  if (handle == nullptr)
+    return nullptr;
+#endif
+  return std::unique_ptr<DynamicLibrary>(new DynamicLibrary(static_cast<void*>(handle)));
+}
+
 DynamicLibrary::~DynamicLibrary() {
   OVI::platform::unload(handle_);
 }

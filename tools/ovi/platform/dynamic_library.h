@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@ class DynamicLibrary {
   /// Loads it as the camera library loads a producer, with its names kept to itself. Throws ToolError with the system's
   /// reason.
   explicit DynamicLibrary(const std::filesystem::path& file);
+  /// The library of this file, when this process has loaded it before; else null.
+  static std::unique_ptr<DynamicLibrary> alreadyLoaded(const std::filesystem::path& file);
   ~DynamicLibrary();
   DynamicLibrary(const DynamicLibrary&) = delete;
   DynamicLibrary& operator=(const DynamicLibrary&) = delete;
@@ -20,6 +23,8 @@ class DynamicLibrary {
   void* find(const char* name) const;
 
  private:
+  explicit DynamicLibrary(void* handle) : handle_(handle) {}
+
   void* handle_ = nullptr;
 };
 
