@@ -59,7 +59,7 @@ struct Oddities {
       std::ifstream stream(file, std::ios::binary);
       camera.description.assign(std::istreambuf_iterator<char>(stream), {});
     }
-    constexpr std::string_view kText = "two\nlines, no \xE4 UTF-8";
+    constexpr std::string_view kText = "two\nlines, \x1B[2J\x7F no \xE4 UTF-8";
     std::memcpy(&camera.memory[0x200], kText.data(), kText.size());
     camera.memory[0x140] = 1;
     camera.memory[0x128] = 0xFE;

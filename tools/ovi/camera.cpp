@@ -3,6 +3,7 @@
 
 #include "paths.h"
 #include "platform/console.h"
+#include "printable.h"
 #include "text.h"
 
 namespace tool {
@@ -10,7 +11,7 @@ namespace tool {
 std::string Camera::shortName() const {
   if (!serial.empty())
     return serial;
-  return userName.empty() ? id : userName;
+  return userName.empty() ? printable(id) : userName;
 }
 
 std::string accessText(std::uint32_t accessStatus) {
@@ -70,7 +71,7 @@ std::vector<const Camera*> camerasNamed(const std::vector<Camera>& all, const st
       if (isMeant(camera))
         matches.push_back(&camera);
   };
-  collect([&](const Camera& c) { return c.id == name; });
+  collect([&](const Camera& c) { return c.id == name || printable(c.id) == name; });
   collect([&](const Camera& c) { return c.serial == name; });
   collect([&](const Camera& c) { return c.userName == name; });
   collect([&](const Camera& c) { return std::to_string(c.number) == name; });

@@ -9,6 +9,7 @@
 #include "check/checker.h"
 #include "platform/console.h"
 #include "platform/dynamic_library.h"
+#include "printable.h"
 #include "tool_error.h"
 
 namespace tool {
@@ -50,7 +51,7 @@ std::string refusalText(const ProducerError& error) {
   if (error.code == GC_ERR_SUCCESS)
     return " and told no reason";
   const auto advice = std::ranges::find_if(kAdvice, [&](const Advice& one) { return one.code == error.code; });
-  return ": " + check::codeText(error.code) + (error.text.empty() ? "" : ", \"" + error.text + "\"") +
+  return ": " + check::codeText(error.code) + (error.text.empty() ? "" : ", \"" + printable(error.text) + "\"") +
          (advice == kAdvice.end() ? "" : advice->text);
 }
 

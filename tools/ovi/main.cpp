@@ -38,10 +38,9 @@ void tellCrash() {
 }
 
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
-  const bool terminal = tool::standardErrorIsTerminal();
-  tool::printNote(tool::coloured("ovi: ", tool::Colour::kRed, terminal) + message);
+  tool::printNote(tool::Styled("ovi: ", tool::Colour::kRed) + message);
   if (!hint.empty())
-    tool::printNote(tool::coloured("try: ", tool::Colour::kDim, terminal) + hint);
+    tool::printNote(tool::Styled("try: ", tool::Colour::kDim) + hint);
   return static_cast<int>(code);
 }
 

@@ -6,6 +6,7 @@
 
 #include "paths.h"
 #include "platform/console.h"
+#include "printable.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -15,11 +16,6 @@ namespace tool {
 namespace {
 
 constexpr std::size_t kMaxMessages = 200;
-
-// As a shell would need it.
-std::string quoted(const std::string& word) {
-  return word.find_first_of(" \t\"'$&|;<>()*?\\") == std::string::npos ? word : "\"" + word + "\"";
-}
 
 // Folders in which the virtual camera may be: beside the tool, or where it is installed.
 std::vector<std::filesystem::path> virtualCameraFolders() {
@@ -60,7 +56,7 @@ void Session::remember(ovi::LogLevel level, std::string_view message) {
   if (level != ovi::LogLevel::kError && level != ovi::LogLevel::kWarning)
     return;
   const std::lock_guard lock(messageMutex_);
-  messages_.push_back(fromLibraryText(message));
+  messages_.push_back(printable(fromLibraryText(message)));
   if (messages_.size() > kMaxMessages)
     messages_.pop_front();
 }
@@ -236,8 +232,8 @@ std::string Session::command(const std::string& words) const {
 }
 
 std::string Session::command(const std::string& words, const std::string& camera) const {
-  return "ovi " + words + (options_.producer.empty() ? "" : " --producer " + quoted(options_.producer)) +
-         (camera.empty() ? "" : " --camera " + quoted(camera));
+  return "ovi " + words + (options_.producer.empty() ? "" : " --producer " + shellWord(options_.producer)) +
+         (camera.empty() ? "" : " --camera " + shellWord(camera));
 }
 
 std::vector<std::string> Session::producers() {
@@ -268,7 +264,7 @@ std::filesystem::path Session::loadedProducer(const Camera& camera) {
 }
 
 std::string Session::checkCommand(const std::string& words, const Camera& camera) {
-  return "ovi check " + quoted(producerFile(camera)) + " " + words + " --camera " + quoted(camera.shortName());
+  return "ovi check " + shellWord(producerFile(camera)) + " " + words + " --camera " + shellWord(camera.shortName());
 }
 
 std::vector<std::string> Session::folders() const {

@@ -9,26 +9,37 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/console.h"
+#include "printable.h"
 #include "text.h"
 
 namespace tool {
 
-std::string coloured(std::string_view text, Colour colour, bool onTerminal) {
+Styled& Styled::operator+=(const Styled& other) {
+  parts_.insert(parts_.end(), other.parts_.begin(), other.parts_.end());
+  return *this;
+}
+
+std::string Styled::rendered(bool onTerminal) const {
   static constexpr std::array<const char*, 7> kCodes = {"",         "\x1b[31m", "\x1b[33m", "\x1b[32m",
                                                         "\x1b[34m", "\x1b[2m",  "\x1b[1m"};
   static const bool refused = !environmentVariable("NO_COLOR").empty();
-  if (!onTerminal || refused || colour == Colour::kNone)
-    return std::string(text);
-  return kCodes.at(static_cast<std::size_t>(colour)) + std::string(text) + "\x1b[0m";
+  std::string text;
+  for (const Part& part : parts_) {
+    const bool plain = !onTerminal || refused || part.colour == Colour::kNone;
+    text += plain ? "" : kCodes.at(static_cast<std::size_t>(part.colour));
+    text += printableLines(part.text);
+    text += plain ? "" : "\x1b[0m";
+  }
+  return text;
 }
 
 void Table::add(std::vector<std::string> row) {
   for (std::string& cell : row)
-    cell = printable(std::move(cell));
+    cell = printable(cell);
   rows_.push_back(std::move(row));
 }
 
-std::string Table::text(bool aligned) const {
+Styled Table::text(bool aligned) const {
   std::vector<std::size_t> widths;
   for (const std::string& heading : headings_)
     widths.push_back(displayWidth(heading));
@@ -36,8 +47,7 @@ std::string Table::text(bool aligned) const {
     for (std::size_t i = 0; i < row.size() && i < widths.size(); ++i)
       widths[i] = std::max(widths[i], displayWidth(row[i]));
 
-  std::string result;
-  const auto appendRow = [&](const std::vector<std::string>& row, Colour colour) {
+  const auto lineOf = [&](const std::vector<std::string>& row) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i) {
       if (i > 0)
@@ -46,13 +56,26 @@ std::string Table::text(bool aligned) const {
       if (aligned && i + 1 < row.size() && i < widths.size())
         line.append(widths[i] - std::min(widths[i], displayWidth(row[i])), ' ');
     }
-    result += coloured(line, colour, aligned) + "\n";
+    return line;
   };
-  appendRow(headings_, Colour::kBold);
+  Styled result(lineOf(headings_), Colour::kBold);
   for (const auto& row : rows_)
-    appendRow(row, Colour::kNone);
+    result += "\n" + lineOf(row);
   return result;
 }
+
+namespace {
+
+// So many columns of it.
+std::string beginningOf(const std::string& utf8, std::size_t columns) {
+  const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+  std::size_t end = 0;
+  for (std::size_t taken = 0; end < utf8.size() && (!begins(utf8[end]) || taken < columns); ++end)
+    taken += begins(utf8[end]) ? 1U : 0U;
+  return utf8.substr(0, end);
+}
+
+}  // namespace
 
 ProgressLine::ProgressLine() : terminal_(standardErrorIsTerminal()) {}
 
@@ -76,7 +99,7 @@ void ProgressLine::show(double fraction, std::string_view text, bool forced) {
             std::string(static_cast<std::size_t>(kWidth - filled), '.') + "] ";
   }
   const std::size_t room = static_cast<std::size_t>(std::max(20, terminalWidth() - (fraction >= 0.0 ? 28 : 1)));
-  line += text.substr(0, room);
+  line += beginningOf(printable(text), room);
   std::fwrite(line.data(), 1, line.size(), stderr);
   std::fflush(stderr);
 }
@@ -93,16 +116,24 @@ namespace {
 
 std::FILE* dataStream = stdout;
 
+void writeData(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), dataStream);
+  std::fputc('\n', dataStream);
+  std::fflush(dataStream);
+}
+
 }  // namespace
 
 void setDataStream(std::FILE* stream) {
   dataStream = stream;
 }
 
-void printData(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), dataStream);
-  std::fputc('\n', dataStream);
-  std::fflush(dataStream);
+void printData(const Styled& text) {
+  writeData(text.rendered(standardOutputIsTerminal()));
+}
+
+void printFile(const std::string& text) {
+  writeData(standardOutputIsTerminal() ? printableLines(text) : text);
 }
 
 void printJson(const nlohmann::ordered_json& json, int indent) {
@@ -110,14 +141,12 @@ void printJson(const nlohmann::ordered_json& json, int indent) {
 }
 
 void printTable(const Table& table) {
-  std::string text = table.text(standardOutputIsTerminal());
-  text.pop_back();
-  printData(text);
+  printData(table.text(standardOutputIsTerminal()));
 }
 
-void printNote(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  std::fputc('\n', stderr);
+void printNote(const Styled& text) {
+  const std::string line = text.rendered(standardErrorIsTerminal()) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 }  // namespace tool

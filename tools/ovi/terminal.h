@@ -13,18 +13,37 @@ namespace tool {
 
 enum class Colour { kNone, kRed, kYellow, kGreen, kBlue, kDim, kBold };
 
-/// The text in that colour when the stream is a terminal and NO_COLOR is not set; else the text alone.
-std::string coloured(std::string_view text, Colour colour, bool onTerminal);
+/// Text for people, parts of it in colours. What is written for people goes through here: whatever a terminal would obey
+/// in the parts is shown instead, as printableLines has it.
+class Styled {
+ public:
+  Styled(const char* text) : Styled(std::string(text)) {}         // NOLINT(google-explicit-constructor)
+  Styled(std::string text) : parts_{{std::move(text), Colour::kNone}} {}  // NOLINT(google-explicit-constructor)
+  Styled(std::string text, Colour colour) : parts_{{std::move(text), colour}} {}
+
+  Styled& operator+=(const Styled& other);
+  friend Styled operator+(Styled left, const Styled& right) { return left += right; }
+
+  /// As it is to be written: with colours for a terminal, unless NO_COLOR is set.
+  std::string rendered(bool onTerminal) const;
+
+ private:
+  struct Part {
+    std::string text;
+    Colour colour;
+  };
+  std::vector<Part> parts_;
+};
 
 /// Rows of text under headings. On a terminal the columns are aligned; elsewhere they are separated by tabs, for
 /// scripts.
 class Table {
  public:
   explicit Table(std::vector<std::string> headings) : headings_(std::move(headings)) {}
-  /// Control characters in a cell would tear the table or steer the terminal; they become spaces.
+  /// A cell is one line.
   void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
-  std::string text(bool aligned) const;
+  Styled text(bool aligned) const;
 
  private:
   std::vector<std::string> headings_;
@@ -52,8 +71,12 @@ class ProgressLine {
 /// Where printData writes; standard output unless told otherwise.
 void setDataStream(std::FILE* stream);
 
-/// Writes a line to standard output, data that other programs may read.
-void printData(std::string_view text);
+/// Writes a line to standard output, data that other programs may read. Within JSON as well, nothing is left that a
+/// terminal would obey.
+void printData(const Styled& text);
+
+/// Writes to standard output what might as well be in a file: as it is, unless that is a terminal.
+void printFile(const std::string& text);
 
 /// Writes JSON to standard output, in one line when the indent is negative. Bytes of a camera's text that are no UTF-8
 /// become replacement characters.
@@ -63,6 +86,6 @@ void printJson(const nlohmann::ordered_json& json, int indent = 2);
 void printTable(const Table& table);
 
 /// Writes a line to standard error, for people.
-void printNote(std::string_view text);
+void printNote(const Styled& text);
 
 }  // namespace tool

@@ -20,9 +20,6 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b);
 /// Columns that the UTF-8 text takes in a terminal, counted as code points.
 std::size_t displayWidth(std::string_view utf8);
 
-/// Without what a terminal would obey: texts of cameras and producers may hold anything.
-std::string printable(std::string text);
-
 /// 1536 as "1.5 KiB".
 std::string bytesText(std::uint64_t bytes);
 

@@ -13,6 +13,7 @@
 #include "paths.h"
 #include "platform/child_process.h"
 #include "platform/console.h"
+#include "printable.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -166,7 +167,7 @@ std::string totalsText(const Totals& totals) {
 void printLine(const ordered_json& line) {
   const std::size_t index = resultIndex(line);
   const std::string seen = printable(line.value("seen", ""));
-  printData("  " + coloured(kResults.at(index).name, kResults.at(index).colour, standardOutputIsTerminal()) + "  " +
+  printData("  " + Styled(kResults.at(index).name, kResults.at(index).colour) + "  " +
             line["rule"].get<std::string>() +
             (seen.empty() ? ""
              : index == 0 ? " (" + seen + ")"
@@ -228,7 +229,7 @@ void runAll(const Session& session, CheckOptions options) {
     std::vector<ordered_json> lines = linesOf(runChild(ownProgram(), arguments, kGroupTime));
     progress.clear();
     if (!json)
-      printData(coloured(group.title, Colour::kBold, standardOutputIsTerminal()));
+      printData(Styled(group.title, Colour::kBold));
     bool hopeless = false;
     for (ordered_json& line : lines) {
       told.judge(line);

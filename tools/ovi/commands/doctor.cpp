@@ -11,6 +11,7 @@
 #include "doctor/search_path.h"
 #include "doctor/surroundings.h"
 #include "paths.h"
+#include "printable.h"
 #include "platform/console.h"
 #include "platform/machine_settings.h"
 #include "terminal.h"
@@ -29,16 +30,16 @@ struct Chapter {
 
 constexpr std::array<const char*, 3> kLevels = {"ok", "note", "problem"};
 
-std::string chapterText(const Chapter& chapter, bool terminal) {
+Styled chapterText(const Chapter& chapter) {
   static constexpr std::array<Colour, 3> kColours = {Colour::kGreen, Colour::kYellow, Colour::kRed};
-  std::string text = coloured(chapter.title, Colour::kBold, terminal) + "\n";
+  Styled text(chapter.title, Colour::kBold);
   for (const Finding& finding : chapter.findings) {
     const auto level = static_cast<std::size_t>(finding.level);
     std::string mark = kLevels.at(level);
     mark.resize(8, ' ');
-    text += "  " + coloured(mark, kColours.at(level), terminal) + printable(finding.text) + "\n";
+    text += "\n  " + Styled(mark, kColours.at(level)) + printable(finding.text);
     if (!finding.advice.empty())
-      text += "          try: " + printable(finding.advice) + "\n";
+      text += "\n          try: " + printable(finding.advice);
   }
   return text;
 }
@@ -67,11 +68,10 @@ struct Diagnosis {
         number += finding.level == level ? 1U : 0U;
     return number;
   }
-  std::string text(bool terminal) const {
-    std::string all;
+  Styled text() const {
+    Styled all("");
     for (const Chapter& chapter : chapters)
-      all += chapterText(chapter, terminal);
-    all.pop_back();
+      all += (&chapter == chapters.data() ? "" : "\n") + chapterText(chapter);
     return all;
   }
   std::string json() const {
@@ -124,12 +124,12 @@ void doctor(Session& session, const std::string& report) {
                     session.command("doctor --report " + report + ".zip"), ExitCode::kUsage);
   const Diagnosis diagnosis = diagnose(session);
   if (!report.empty()) {
-    writeReport(pathFromText(report), {{"report.txt", diagnosis.text(false) + "\n\n" + machineText()},
+    writeReport(pathFromText(report), {{"report.txt", diagnosis.text().rendered(false) + "\n\n" + machineText()},
                                        {"report.json", diagnosis.json() + "\n"},
                                        {"log.txt", diagnosis.log}});
     printNote("wrote the report " + report + "; look into it before you give it away");
   }
-  printData(session.options().json ? diagnosis.json() : diagnosis.text(standardOutputIsTerminal()));
+  printData(session.options().json ? diagnosis.json() : diagnosis.text());
   if (const std::size_t problems = diagnosis.count(Level::kProblem); problems > 0)
     throw ToolError(std::to_string(problems) + (problems == 1 ? " problem was found" : " problems were found"),
                     "what the lines marked \"problem\" say");

@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "feature_text.h"
+#include "printable.h"
 #include "terminal.h"
 #include "tool_error.h"
 
@@ -28,7 +29,7 @@ void getFeatures(Session& session, const ValueOptions& options) {
     if (session.options().json)
       json[name] = value;
     else
-      printData(options.words.size() == 1 ? value : name + "=" + value);
+      printData((options.words.size() == 1 ? "" : name + "=") + printable(value));
   }
   if (session.options().json)
     printJson(json);
@@ -50,7 +51,7 @@ void setFeatures(Session& session, const ValueOptions& options) {
     if (session.options().json)
       json[name] = value;
     else
-      printData(name + "=" + value);
+      printData(name + "=" + printable(value));
   }
   if (session.options().json)
     printJson(json);

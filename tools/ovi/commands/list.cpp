@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 
 #include "commands.h"
-#include "platform/console.h"
 #include "terminal.h"
 #include "tool_error.h"
 
@@ -85,8 +84,7 @@ void showOverview(Session& session) {
     printJson(nlohmann::ordered_json{{"version", ovi::Library::version()}, {"cameras", camerasJson(cameras)}});
     return;
   }
-  const bool terminal = standardOutputIsTerminal();
-  printData(coloured("ovi " + ovi::Library::version(), Colour::kBold, terminal) + ", cameras for machine vision");
+  printData(Styled("ovi " + ovi::Library::version(), Colour::kBold) + ", cameras for machine vision");
   if (cameras.empty()) {
     printData("\nNo camera was found.\n" + session.explainNoCameras());
     printData("\nNext: " + session.command("doctor") + ", ovi --help");

@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "paths.h"
 #include "picture.h"
+#include "printable.h"
 #include "settings.h"
 #include "terminal.h"
 #include "text.h"
@@ -111,12 +112,12 @@ void save(Session& session, const SettingsOptions& options) {
                      ", saved by ovi " + ovi::Library::version() + "\n" +
                      "# Feature = value, or Feature [Selector=value] = value; ovi load brings them into a camera.\n";
   for (const std::string& note : notes)
-    text += "# " + note + "\n";
+    text += "# " + printable(note) + "\n";
   for (const Setting& setting : settings)
     text += settingLine(setting) + "\n";
   if (toOutput) {
     text.pop_back();
-    printData(text);
+    printFile(text);
     return;
   }
   writeRaw({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, pathFromText(options.path));

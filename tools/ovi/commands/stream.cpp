@@ -37,6 +37,14 @@ std::vector<const Camera*> chosenCameras(Session& session, const StreamOptions& 
   return chosen;
 }
 
+// The folder for one of several cameras, in whatever letters it is named.
+std::string folderName(const Camera& camera) {
+  std::string name = camera.shortName();
+  std::ranges::replace_if(
+      name, [](char c) { return std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos; }, '_');
+  return name == "." || name == ".." ? "_" : name;
+}
+
 std::filesystem::path makeFolder(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
@@ -117,7 +125,7 @@ void stream(Session& session, const StreamOptions& options) {
     std::filesystem::path folder;
     if (saves) {
       const std::filesystem::path base = pathFromText(options.folder.empty() ? kUsualFolder : options.folder);
-      folder = makeFolder(cameras.size() == 1 ? base : base / pathFromText(camera->shortName()));
+      folder = makeFolder(cameras.size() == 1 ? base : base / pathFromText(folderName(*camera)));
     }
     runs.push_back(std::make_unique<StreamRun>(session, *camera, options, folder));
   }

@@ -10,6 +10,7 @@
 #include "feature_text.h"
 #include "feature_view.h"
 #include "platform/console.h"
+#include "printable.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -56,7 +57,7 @@ void print(Session& session, double seconds, const std::string& name, const std:
   if (session.options().json)
     printJson(nlohmann::ordered_json{{"seconds", seconds}, {"name", name}, {"value", value}}, -1);
   else
-    printData(fixedText(seconds, 3) + "\t" + name + "=" + value);
+    printData(fixedText(seconds, 3) + "\t" + name + "=" + printable(value));
 }
 
 void watch(Session& session, const WatchOptions& options) {

@@ -9,6 +9,7 @@
 #include "description/test_port.h"
 #include "paths.h"
 #include "platform/console.h"
+#include "printable.h"
 #include "terminal.h"
 #include "text.h"
 #include "tool_error.h"
@@ -123,7 +124,8 @@ ordered_json warningsJson(const std::vector<Warning>& warnings) {
 
 void printWarnings(const std::string& file, const std::vector<Warning>& warnings) {
   for (const Warning& warning : warnings) {
-    printData(file + ":" + (warning.line == 0 ? "" : std::to_string(warning.line) + ":") + " warning: " + warning.text);
+    printData(file + ":" + (warning.line == 0 ? "" : std::to_string(warning.line) + ":") + " warning: " +
+              printable(warning.text));
     if (!warning.meaning.empty())
       printData("    " + warning.meaning);
   }

@@ -62,6 +62,10 @@ void enableEscapeSequences(DWORD which) {
 
 }  // namespace
 
+std::string shellWord(const std::string& word) {
+  return word.find_first_of(" \t\"'^&|;<>()*?%!,=") == std::string::npos ? word : "\"" + word + "\"";
+}
+
 std::FILE* takeStandardOutput(bool showLibraryOutput) {
   const int real = _dup(_fileno(stdout));
   if (real >= 0)  // What producers start must not hold it open.
@@ -153,6 +157,17 @@ const char* searchPathSeparators() {
 }
 
 #else
+
+std::string shellWord(const std::string& word) {
+  // Nothing is obeyed between these marks, whatever a camera may be named.
+  static constexpr const char* kObeyed = " \t\n\r\"'`$&|;<>()[]{}*?!#~^\\";
+  if (!word.empty() && word.find_first_of(kObeyed) == std::string::npos)
+    return word;
+  std::string quoted = "'";
+  for (const char c : word)
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
 
 std::FILE* takeStandardOutput(bool showLibraryOutput) {
   const int real = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);  // What producers start must not hold it open.

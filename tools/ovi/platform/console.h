@@ -41,6 +41,9 @@ std::vector<std::string> environmentVariables();
 std::string toLibraryText(std::string_view utf8);
 std::string fromLibraryText(std::string_view narrow);
 
+/// The word as it must be typed into a shell, with quotation marks where it needs them.
+std::string shellWord(const std::string& word);
+
 /// What separates the folders of a search path: ";", outside Windows ":" too.
 const char* searchPathSeparators();
 
