@@ -156,8 +156,10 @@ TEST(Producer, IsUsedWithoutItsNeighbours) {
   writeText(folder / "Own.cti", readText(VIRTUAL_DIR "/VirtualCamera.cti"));
   copyHostile(folder / "Crash.cti");
   const Environment order("OVI_TEST_ORDER", "crash");
+  writeText(folder / "Own.ini", "[Camera KV130001]\nUserName = Beside\n");
   const Outcome run = ovi({"list", "--json", "--producer", "neighbours/Own.cti"});
   ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_THAT(run.out, HasSubstr("\"Beside\"")) << "the file beside the producer";
   EXPECT_EQ(nlohmann::json::parse(run.out).size(), 7U);
   EXPECT_THAT(run.out, Not(HasSubstr((std::filesystem::temp_directory_path() / "ovi-").string())))
       << "the link that the library was given";

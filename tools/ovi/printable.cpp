@@ -1,5 +1,5 @@
-// Texts of cameras, producers and files as a terminal can show them: they may hold anything, and a terminal obeys some of
-// it.
+// Texts of cameras, producers and files as a terminal can show them: they may hold anything, and a terminal obeys some
+// of it.
 #include "printable.h"
 
 #include <algorithm>
@@ -17,10 +17,9 @@ struct Range {
 
 // What is not shown as it is: controls, separators of lines, marks of direction and of no width, noncharacters at the
 // end of the first plane.
-constexpr std::array kUnprintable = {Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},
-                                     Range{0x61C, 0x61C},   Range{0x200B, 0x200F}, Range{0x2028, 0x202E},
-                                     Range{0x2060, 0x206F}, Range{0xFEFF, 0xFEFF}, Range{0xFFF9, 0xFFFB},
-                                     Range{0xFFFE, 0xFFFF}};
+constexpr std::array kUnprintable = {
+    Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},     Range{0x61C, 0x61C},   Range{0x200B, 0x200F},
+    Range{0x2028, 0x202E}, Range{0x2060, 0x206F}, Range{0xFEFF, 0xFEFF}, Range{0xFFF9, 0xFFFB}, Range{0xFFFE, 0xFFFF}};
 
 struct Character {
   std::size_t length = 0;  // in bytes; 0: what begins here is no UTF-8

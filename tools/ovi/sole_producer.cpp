@@ -13,23 +13,38 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void putInto(const fs::path& folder, const fs::path& file) {
+bool putInto(const fs::path& folder, const fs::path& file, std::error_code& error) {
   const fs::path link = folder / file.filename();
-  std::error_code error;
   fs::create_symlink(file, link, error);  // On Windows only for users with a right of their own,
   if (error)
     fs::create_hard_link(file, link, error);  // and these on one volume only.
   if (error)
     fs::copy_file(file, link, error);
-  if (error)
-    throw ToolError("the producer " + pathText(file) + " cannot be linked into " + pathText(folder) + ": " +
-                    error.message());
+  return !error;
+}
+
+// What cannot be put there is missing: a producer that needs it says so itself.
+void putFilesBeside(const fs::path& folder, const fs::path& producer) {
+  constexpr std::uintmax_t kLargest = std::uintmax_t{64} << 20U;
+  std::error_code error;
+  for (fs::directory_iterator entry(producer.parent_path(), error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code unknown;
+    if (entry->is_regular_file(unknown) && entry->path().extension() != producer.extension() &&
+        entry->file_size(unknown) <= kLargest)
+      putInto(folder, entry->path(), unknown);
+  }
 }
 
 }  // namespace
 
 SoleProducer::SoleProducer(const fs::path& file) {
-  putInto(folder_.path(), file);
+  std::error_code error;
+  if (!putInto(folder_.path(), file, error))
+    throw ToolError("the producer " + pathText(file) + " cannot be linked into " + pathText(folder_.path()) + ": " +
+                    error.message());
+  if (!kLinksAreTheirFile)
+    putFilesBeside(folder_.path(), file);
   if (!refusalOf(file).empty())
     return;
   try {

@@ -12,11 +12,13 @@
 namespace tool {
 
 /**
- * A folder that holds nothing but a link to the producer, or a copy where links cannot be made. It is gone when this
- * is destroyed, which must be after the library has closed the producer.
+ * A folder with a link to the producer and none of its neighbours, or with a copy where links cannot be made. It is
+ * gone when this is destroyed, which must be after the library has closed the producer.
  *
  * The producer is loaded under its own path first. So it finds the libraries and files beside it, and the system knows
- * the link as the file that is loaded already; of a copy it knows at least the libraries that are needed.
+ * the link as the file that is loaded already. On Windows it does not: a link or copy is a library of its own there,
+ * which looks for files beside itself. So they are linked or copied too, but for folders, other producers and files of
+ * more than 64 MiB.
  */
 class SoleProducer {
  public:

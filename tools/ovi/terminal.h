@@ -13,11 +13,11 @@ namespace tool {
 
 enum class Colour { kNone, kRed, kYellow, kGreen, kBlue, kDim, kBold };
 
-/// Text for people, parts of it in colours. What is written for people goes through here: whatever a terminal would obey
-/// in the parts is shown instead, as printableLines has it.
+/// Text for people, parts of it in colours. What is written for people goes through here: whatever a terminal would
+/// obey in the parts is shown instead, as printableLines has it.
 class Styled {
  public:
-  Styled(const char* text) : Styled(std::string(text)) {}         // NOLINT(google-explicit-constructor)
+  Styled(const char* text) : Styled(std::string(text)) {}                 // NOLINT(google-explicit-constructor)
   Styled(std::string text) : parts_{{std::move(text), Colour::kNone}} {}  // NOLINT(google-explicit-constructor)
   Styled(std::string text, Colour colour) : parts_{{std::move(text), colour}} {}
 

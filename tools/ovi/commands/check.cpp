@@ -167,8 +167,7 @@ std::string totalsText(const Totals& totals) {
 void printLine(const ordered_json& line) {
   const std::size_t index = resultIndex(line);
   const std::string seen = printable(line.value("seen", ""));
-  printData("  " + Styled(kResults.at(index).name, kResults.at(index).colour) + "  " +
-            line["rule"].get<std::string>() +
+  printData("  " + Styled(kResults.at(index).name, kResults.at(index).colour) + "  " + line["rule"].get<std::string>() +
             (seen.empty() ? ""
              : index == 0 ? " (" + seen + ")"
                           : "\n        " + seen));

@@ -124,8 +124,8 @@ ordered_json warningsJson(const std::vector<Warning>& warnings) {
 
 void printWarnings(const std::string& file, const std::vector<Warning>& warnings) {
   for (const Warning& warning : warnings) {
-    printData(file + ":" + (warning.line == 0 ? "" : std::to_string(warning.line) + ":") + " warning: " +
-              printable(warning.text));
+    printData(file + ":" + (warning.line == 0 ? "" : std::to_string(warning.line) + ":") +
+              " warning: " + printable(warning.text));
     if (!warning.meaning.empty())
       printData("    " + warning.meaning);
   }

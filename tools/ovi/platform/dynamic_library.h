@@ -28,6 +28,14 @@ class DynamicLibrary {
   void* handle_ = nullptr;
 };
 
+/// Whether a library that is loaded from a link is the one that was loaded from the file itself before, and knows that
+/// path as its own.
+#ifdef _WIN32
+constexpr bool kLinksAreTheirFile = false;
+#else
+constexpr bool kLinksAreTheirFile = true;
+#endif
+
 /// How the system would find a library that another one needs.
 struct LibraryLookup {
   bool found = false;
