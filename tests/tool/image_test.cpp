@@ -254,6 +254,11 @@ TEST(Images, ThatDoNotComeAreExplained) {
     EXPECT_EQ(run.code, 1) << command;
     EXPECT_THAT(run.err, AllOf(HasSubstr("trigger"), HasSubstr("TriggerMode = On"), HasSubstr("set TriggerMode=Off")));
   }
+  // Each of several cameras has its own reason; so has one that falls silent after some images.
+  const Outcome both = ovi(words("stream -c Mono -c Colour --seconds 0.3 --json --set TriggerMode=On"));
+  for (const nlohmann::json& summary : nlohmann::json::parse(both.out))
+    EXPECT_THAT(summary["verdict"].get<std::string>(),
+                HasSubstr("no image came: the camera was waiting for a trigger"));
   const Outcome other =
       ovi(words("stream -c Mono --seconds 0.3 --set TriggerSelector=AcquisitionStart --set TriggerMode=On --set "
                 "TriggerSelector=FrameStart"));

@@ -33,6 +33,7 @@ struct Ledger {
   bool waiting = false;           ///< no image for half a second
   std::uint64_t notReleased = 0;  ///< delivered, but the producer refused to take their buffers back
   std::string releaseError;       ///< why it refused the first of them
+  std::string trigger;            ///< that the camera was waiting for one, as Trigger::reason has it
   std::string failure;            ///< what ended it early; empty when nothing did
   std::string stopError;          ///< why the camera could not be stopped in the end; empty when it could
 

@@ -39,7 +39,7 @@ std::string lossText(const Ledger& ledger) {
 
 std::string verdictText(const Ledger& ledger) {
   if (ledger.delivered == 0 && ledger.incomplete == 0)
-    return "no image came" + (ledger.failure.empty() ? "" : ": " + ledger.failure);
+    return "no image came" + (ledger.failure.empty() ? ledger.trigger : ": " + ledger.failure);
   std::string text;
   const auto add = [&](const std::string& sentence) { text += (text.empty() ? "" : "; ") + sentence; };
   if (ledger.noBuffer() > 0)
@@ -61,7 +61,7 @@ std::string verdictText(const Ledger& ledger) {
   if (ledger.late > 0)
     add(countText(ledger.late, "image", "images") + " came after one that was made later");
   if (ledger.stopError.empty() && ledger.fellSilent())
-    add("no image came in the last " + fixedText(ledger.silence, 1) + " s");
+    add("no image came in the last " + fixedText(ledger.silence, 1) + " s" + ledger.trigger);
   if (!ledger.failure.empty())
     add("it ended early: " + ledger.failure);
   if (!ledger.stopError.empty())

@@ -164,7 +164,9 @@ const Camera& Session::pick(const std::string& name) {
   if (name.empty())
     return pickUnnamed();
   const std::vector<const Camera*> matches = camerasNamed(all, name);
-  if (matches.size() == 1)
+  // One camera that several producers lead to is the first for the library, too.
+  const auto isFirst = [&](const Camera* camera) { return camera->id == matches.front()->id; };
+  if (!matches.empty() && std::ranges::all_of(matches, isFirst))
     return *matches.front();
   if (matches.size() > 1)
     throw ToolError("\"" + name + "\" means several cameras:" + cameraLines(matches),
@@ -246,10 +248,10 @@ std::vector<std::string> Session::producers() {
 std::string Session::producerFile(const Camera& camera) {
   std::error_code error;
   const std::filesystem::path told = pathFromText(camera.producerPath);
-  if (std::filesystem::is_regular_file(told, error))
-    return camera.producerPath;
   if (std::filesystem::is_regular_file(pathFromText(options_.producer), error))
     return options_.producer;
+  if (std::filesystem::is_regular_file(told, error))
+    return camera.producerPath;
   const std::vector<std::string> all = producers();
   const auto same = std::ranges::find_if(
       all, [&](const std::string& file) { return pathFromText(file).filename() == told.filename(); });

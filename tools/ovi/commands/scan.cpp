@@ -86,6 +86,9 @@ void scan(Session& session, const ScanOptions& options) {
   } else {
     printNote(scan.text() + " in " + fixedText(seconds, 2) + " s");
   }
+  if (interrupted() && scan.images == 0)
+    if (const Trigger trigger = findTrigger(view); !trigger.text.empty())
+      printNote("no image came" + trigger.reason());
   throwIfInterrupted();
   if (code != OVI_SUCCESS) {
     if (startWasRefused(session))

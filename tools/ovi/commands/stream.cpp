@@ -80,8 +80,7 @@ void summarise(const Session& session, const StreamOptions& options,
               lossText(ledger));
     if (options.cameraTime && !ledger.ofCamera && ledger.delivered > 0)
       printNote("the images carried no time stamp of the camera");
-    printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger) +
-              (interrupted() && ledger.delivered == 0 ? run->trigger().reason() : ""));
+    printNote((runs.size() == 1 ? "" : run->name() + ": ") + verdictText(ledger));
   }
   if (session.options().json)
     printJson(runs.size() == 1 ? all.front() : all);
@@ -159,7 +158,7 @@ void addStream(CLI::App& app, CommonOptions& /*common*/, Action& action) {
   addNumberOption(*command, "--buffers", options->buffers, "N",
                   "Buffers of the stream; 16 when not given, more for saving");
   addNumberOption(*command, "--image-timeout", options->imageTimeout, "MS",
-                  "Milliseconds without an image that end it");
+                  "Milliseconds without an image that end it; 3000 when not given");
   command->add_flag("--check-pattern", options->checkPattern, "Have the camera show its test pattern, and check it");
   command->add_flag("--camera-time", options->cameraTime,
                     "Have the camera send its time stamps, and count the latency from them");

@@ -84,6 +84,7 @@ void StreamRun::work() {
     result = ledger();
     result.failure = failure.what();
   }
+  result.trigger = trigger_.reason();
   const std::lock_guard lock(mutex_);
   ledger_ = result;
   done_ = true;

@@ -251,8 +251,10 @@ CameraExamination examineCameras(const Session& session, const ProducerExaminati
 }
 
 Findings examineImages(const Session& session, const std::string& camera) {
-  const ChildResult child =
-      runChild(ownProgram(), withProducer(session, {"stream", "--camera", camera, "--seconds", "3"}), kTrialTime);
+  std::vector<std::string> arguments = withProducer(session, {"stream", "--camera", camera, "--seconds", "3"});
+  for (const std::string& assignment : session.options().assignments)
+    arguments.insert(arguments.end(), {"--set", assignment});
+  const ChildResult child = runChild(ownProgram(), arguments, kTrialTime);
   throwIfInterrupted();
   if (const std::string failure = childFailure(child); !failure.empty())
     return {{Level::kProblem, "taking images from camera " + camera + " " + failure,
@@ -263,7 +265,8 @@ Findings examineImages(const Session& session, const std::string& camera) {
     return {{Level::kProblem, "camera " + camera + ": " + words.reason, std::move(words.advice),
              ledger.is_object() ? ledger : ordered_json()}};
   }
-  const bool whole = ledger.value("lost", 0) == 0 && ledger.value("incomplete", 0) == 0;
+  const auto none = [&](const char* count) { return ledger.value(count, 0) == 0; };
+  const bool whole = none("lost") && none("incomplete") && none("notReleased");
   const std::string text = "camera " + camera + ": " + std::to_string(ledger.value("frames", 0)) + " images in " +
                            fixedText(ledger.value("seconds", 0.0), 1) + " s: " + ledger.value("verdict", "");
   return {
