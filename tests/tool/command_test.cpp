@@ -64,6 +64,8 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       {"load missing.txt -c 1", 2, {"cannot read missing.txt"}},
       {"load . -c 1", 2, {". is a folder"}},
       {"diff -c 1", 2, {"a file or another camera"}},
+      {"--set list", 2, {"--set takes FEATURE=VALUE, and \"list\" is none"}},
+      {"stream -c 1 -n 1 --buffers 99999999", 2, {"99999999 buffers of 1.2 MiB need more than this machine's memory"}},
   };
   for (const Failure& one : cases) {
     SCOPED_TRACE(one.command);
@@ -74,6 +76,19 @@ TEST(Failures, NameTheThingTheReasonAndTheNextCommand) {
       EXPECT_THAT(run.err, HasSubstr(text));
   }
 }
+
+#ifndef _WIN32
+TEST(Data, ThatCannotBeWrittenFailTheCommand) {
+  const Outcome full = shell({"/bin/sh", "-c", "'" OVI_PROGRAM "' list >/dev/full"});
+  EXPECT_EQ(full.code, 1);
+  EXPECT_THAT(full.err, HasSubstr("cannot write to standard output: No space left on device"));
+  // A reader that goes away ends it quietly, with the camera stopped.
+  const Outcome gone =
+      shell({"/bin/sh", "-c", "{ '" OVI_PROGRAM "' stream -c 1 --save raw --to gone; echo $? >&2; } | head -n 1"});
+  EXPECT_THAT(gone.out, HasSubstr("frame-"));
+  EXPECT_THAT(gone.err, testing::EndsWith("it ended early: nobody reads the output\n141\n"));
+}
+#endif
 
 TEST(Cameras, AreListedAndAcceptedByWhateverIsPrinted) {
   const Outcome list = ovi({"list", "--json"});

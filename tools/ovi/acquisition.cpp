@@ -123,7 +123,7 @@ Ledger acquire(const ModuleView& view, const AcquisitionOptions& options, const 
   constexpr std::chrono::milliseconds kSilence{500};
   Ledger ledger;
   Counter counter(ledger);
-  const ovi::Stream stream = view.device().openStream(options.buffers);
+  const ovi::Stream stream = openStream(view, options.buffers);
   Running running(view, stream);
   const Clock::time_point start = Clock::now();
   Clock::time_point lastSign = start;

@@ -1,59 +1,14 @@
-// The start of a camera's acquisition, with what the library tells of it only in its log.
+// What comes before a camera's images: its stream, and the start, with what the library tells of it only in its log.
 #include "camera_start.h"
 
-#include <gentl_interface/GenTL.h>
-
-#include <algorithm>
-#include <array>
-
-#include "check/checker.h"
+#include "last_error.h"
 #include "platform/console.h"
-#include "platform/dynamic_library.h"
-#include "printable.h"
+#include "text.h"
 #include "tool_error.h"
 
 namespace tool {
 
 namespace {
-
-struct ProducerError {
-  GC_ERROR code = GC_ERR_SUCCESS;  ///< success when the producer tells none
-  std::string text;
-};
-
-// The last failure of this thread's calls, as the producer tells it.
-ProducerError lastErrorOf(const std::filesystem::path& producer) {
-  const std::unique_ptr<DynamicLibrary> library = DynamicLibrary::alreadyLoaded(producer);
-  const auto ask = library ? reinterpret_cast<PGCGetLastError>(library->find("GCGetLastError")) : nullptr;
-  std::array<char, 1024> text{};
-  std::size_t size = text.size() - 1;
-  ProducerError error;
-  if (ask == nullptr || ask(&error.code, text.data(), &size) != GC_ERR_SUCCESS)
-    return {};
-  error.text = fromLibraryText(text.data());
-  return error;
-}
-
-struct Advice {
-  GC_ERROR code;
-  const char* text;
-};
-
-constexpr std::array kAdvice = {
-    Advice{GC_ERR_RESOURCE_IN_USE, "; to it the stream runs already: end other programs that use this camera"},
-    Advice{GC_ERR_ACCESS_DENIED, "; another program may control the camera: close that program"},
-    Advice{GC_ERR_IO, "; the camera's cable, its power or the link may have failed"},
-    Advice{GC_ERR_TIMEOUT, "; the camera's cable, its power or the link may have failed"},
-    Advice{GC_ERR_RESOURCE_EXHAUSTED, "; fewer --buffers or a smaller image may do"},
-    Advice{GC_ERR_OUT_OF_MEMORY, "; fewer --buffers or a smaller image may do"}};
-
-std::string refusalText(const ProducerError& error) {
-  if (error.code == GC_ERR_SUCCESS)
-    return " and told no reason";
-  const auto advice = std::ranges::find_if(kAdvice, [&](const Advice& one) { return one.code == error.code; });
-  return ": " + check::codeText(error.code) + (error.text.empty() ? "" : ", \"" + printable(error.text) + "\"") +
-         (advice == kAdvice.end() ? "" : advice->text);
-}
 
 // Empty when the stream does not tell it.
 std::string idOf(const ovi::Stream& stream) {
@@ -66,6 +21,17 @@ std::string idOf(const ovi::Stream& stream) {
 
 }  // namespace
 
+ovi::Stream openStream(const ModuleView& view, std::uint32_t buffers) {
+  const std::uint64_t memory = mainMemory();
+  std::int64_t size = 0;
+  if (memory != 0 && oviGetImageSize(view.device().handle(), &size) == OVI_SUCCESS && size > 0 &&
+      buffers > memory / static_cast<std::uint64_t>(size))
+    throw ToolError(std::to_string(buffers) + " buffers of " + bytesText(static_cast<std::uint64_t>(size)) +
+                        " need more than this machine's memory of " + bytesText(memory),
+                    "a smaller number of --buffers", ExitCode::kUsage);
+  return view.device().openStream(buffers);
+}
+
 bool startWasRefused(Session& session, const std::string& streamId) {
   const std::string prefix = "Failed to start acquisition ";
   return session.hasMessage(prefix + "for data stream: [" + streamId) || session.hasMessage(prefix + "on stream!");
@@ -74,12 +40,15 @@ bool startWasRefused(Session& session, const std::string& streamId) {
 void startCamera(const ModuleView& view, const ovi::Stream& stream) {
   Session& session = view.session();
   view.device().start();
-  if (!startWasRefused(session, idOf(stream)))
+  if (!startWasRefused(session))
     return;
-  const ProducerError error = lastErrorOf(session.loadedProducer(view.camera()));
+  const std::string refusal = lastErrorOf(session.loadedProducer(view.camera()));
+  if (!startWasRefused(session, idOf(stream)))
+    return;  // It was another camera's.
   oviStopAcquisition(view.device().handle());
-  throw ToolError("the producer refused to start the stream" + refusalText(error),
-                  session.checkCommand("--only stops", view.camera()));
+  throw ToolError(
+      "the producer refused to start the stream" + (refusal.empty() ? " and told no reason" : ": " + refusal),
+      session.checkCommand("--only stops", view.camera()));
 }
 
 }  // namespace tool

@@ -32,6 +32,11 @@ bool interrupted() {
 void catchInterrupt() {
   std::signal(SIGINT, onInterrupt);
   std::signal(SIGTERM, onInterrupt);
+#ifdef SIGPIPE
+  // A write fails instead, so that the camera is stopped. Not ignored: programs that producers start would inherit
+  // that.
+  std::signal(SIGPIPE, [](int) {});
+#endif
 #ifdef SIGBREAK
   std::signal(SIGBREAK, onInterrupt);  // Ctrl-Break, and the closing of the window.
 #endif

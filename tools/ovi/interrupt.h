@@ -7,6 +7,7 @@ namespace tool {
 bool interrupted();
 
 /// Makes Ctrl-C set the flag that interrupted() tells, instead of ending the process; a second one ends it as usual.
+/// A write to a pipe that nobody reads fails from now on, and does not end the process either.
 void catchInterrupt();
 
 /// Throws ToolError when the user pressed Ctrl-C.

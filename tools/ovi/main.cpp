@@ -38,7 +38,8 @@ void tellCrash() {
 }
 
 int report(const std::string& message, const std::string& hint, tool::ExitCode code) {
-  tool::printNote(tool::Styled("ovi: ", tool::Colour::kRed) + message);
+  if (code != tool::ExitCode::kReaderGone)
+    tool::printNote(tool::Styled("ovi: ", tool::Colour::kRed) + message);
   if (!hint.empty())
     tool::printNote(tool::Styled("try: ", tool::Colour::kDim) + hint);
   return static_cast<int>(code);
@@ -49,6 +50,13 @@ std::string allMessages(const std::vector<std::string>& messages) {
   for (const std::string& message : messages)
     text += "\n  log: " + message;
   return text;
+}
+
+void requireAssignments(const std::vector<std::string>& words) {
+  for (const std::string& word : words)
+    if (word.find('=') == std::string::npos || word.front() == '=')
+      throw tool::ToolError("--set takes FEATURE=VALUE, and \"" + word + "\" is none", "ovi --help",
+                            tool::ExitCode::kUsage);
 }
 
 int run(const std::vector<std::string>& arguments) {
@@ -67,7 +75,8 @@ int run(const std::vector<std::string>& arguments) {
                  "Set this first, on every camera that is opened; may be given several times")
       ->type_name("FEATURE=VALUE")
       ->allow_extra_args(false);
-  tool::addNumberOption(app, "--timeout", common.timeout, "MS", "Milliseconds for each list of cameras to be updated");
+  tool::addNumberOption(app, "--timeout", common.timeout, "MS",
+                        "Milliseconds for each list of cameras to be updated; 1000 when not given");
   for (const tool::AddCommand add : kCommands)
     add(app, common, action);
 
@@ -85,6 +94,7 @@ int run(const std::vector<std::string>& arguments) {
     throw tool::usageError(app, error);
   }
 
+  requireAssignments(common.assignments);
   tool::watchCrashes(tellCrash);
   tool::setDataStream(tool::takeStandardOutput(common.verbose));
   tool::catchInterrupt();

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include "platform/console.h"
 #include "printable.h"
 #include "text.h"
+#include "tool_error.h"
 
 namespace tool {
 
@@ -116,10 +118,15 @@ namespace {
 
 std::FILE* dataStream = stdout;
 
+// Who asked for data must not take a part of them for all.
 void writeData(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), dataStream);
-  std::fputc('\n', dataStream);
-  std::fflush(dataStream);
+  const std::string line = text + "\n";
+  errno = 0;
+  if (std::fwrite(line.data(), 1, line.size(), dataStream) == line.size() && std::fflush(dataStream) == 0)
+    return;
+  if (errno == EPIPE)
+    throw ToolError("nobody reads the output", {}, ExitCode::kReaderGone);
+  throw ToolError("cannot write to standard output: " + systemReason(), "is the disk full, or standard output closed?");
 }
 
 }  // namespace

@@ -6,8 +6,9 @@
 
 namespace tool {
 
-/// Exit codes: 0 success, 1 the camera or the library failed, 2 the command line was wrong, 130 interrupted.
-enum class ExitCode : int { kSuccess = 0, kFailure = 1, kUsage = 2, kInterrupted = 130 };
+/// Exit codes: 0 success, 1 the camera or the library failed, 2 the command line was wrong, 130 interrupted, 141
+/// nobody reads the output any more, as shells have it (nothing is said then).
+enum class ExitCode : int { kSuccess = 0, kFailure = 1, kUsage = 2, kInterrupted = 130, kReaderGone = 141 };
 
 class ToolError : public std::runtime_error {
  public:

@@ -16,7 +16,7 @@ class LibrarySource : public ImageSource {
  public:
   LibrarySource(const ModuleView& view, std::uint32_t buffers)
       : device_(view.device()),
-        stream_(device_.openStream(buffers)) {
+        stream_(openStream(view, buffers)) {
     startCamera(view, stream_);
   }
   ~LibrarySource() override {

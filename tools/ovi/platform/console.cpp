@@ -21,6 +21,8 @@
 extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX leaves it to the program.
 #endif
 
+#include "platform/files.h"
+
 namespace tool {
 
 namespace {
@@ -29,6 +31,10 @@ namespace {
 int dataDescriptor = 1;
 
 }  // namespace
+
+std::uint64_t mainMemory() {
+  return OVI::platform::mainMemory();
+}
 
 #ifdef _WIN32
 

@@ -1,6 +1,7 @@
 // What the tool needs of the operating system: the terminal, the arguments' encoding, its own folder, the environment.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -40,6 +41,9 @@ std::vector<std::string> environmentVariables();
 /// Converts between the tool's UTF-8 and the narrow text of the library's interface.
 std::string toLibraryText(std::string_view utf8);
 std::string fromLibraryText(std::string_view narrow);
+
+/// Bytes of main memory; 0 when the system does not tell.
+std::uint64_t mainMemory();
 
 /// The word as it must be typed into a shell, with quotation marks where it needs them.
 std::string shellWord(const std::string& word);
