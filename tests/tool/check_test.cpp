@@ -105,6 +105,10 @@ TEST(Producers, AreToldFromLibrariesThatAreNone) {
   EXPECT_EQ(hollow.code, 1);
   EXPECT_THAT(hollow.out, HasSubstr("not exported: GCInitLib"));
   EXPECT_EQ(ovi({"check", "missing.cti"}).code, 2);
+  EXPECT_THAT(ovi({"check", HOLLOW_DIR}).err, HasSubstr(" is a folder; in it are:\n  " HOLLOW_DIR));
+  const Outcome other = ovi({"check", VIRTUAL_DIR "/VirtualCamera.cti", "--only", "device", "-c", "Nobody"});
+  EXPECT_EQ(other.code, 2) << "it is not the producer's fault";
+  EXPECT_THAT(other.err, HasSubstr("the producer has no device \"Nobody\""));
 }
 
 }  // namespace

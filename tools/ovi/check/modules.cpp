@@ -26,6 +26,10 @@ bool isMeant(const Checker& check, const std::string& id, const Query& query) {
 
 }  // namespace
 
+std::string noDeviceText(const std::string& camera) {
+  return "there is no device \"" + camera + "\"";
+}
+
 Modules::Modules(Checker& check, Depth depth) : gentl_(check.gentl()) {
   try {
     open(check, depth);
@@ -101,8 +105,7 @@ void Modules::openDevice(Checker& check) {
   for (const std::string& id : interfaceIds(check, tl))
     if (openDeviceOf(check, id))
       return;
-  throw Broken(check.camera().empty() ? "no interface has a device that can be opened"
-                                      : "there is no device " + check.camera());
+  throw Broken(check.camera().empty() ? "no interface has a device that can be opened" : noDeviceText(check.camera()));
 }
 
 bool Modules::openDeviceOf(Checker& check, const std::string& interface) {

@@ -15,6 +15,9 @@ struct DeviceAddress {
   std::string device;
 };
 
+/// What a rule says when the device that the user named is not there.
+std::string noDeviceText(const std::string& camera);
+
 /// Opens from the library down to a depth, and closes in the reverse order.
 class Modules {
  public:

@@ -9,6 +9,7 @@
 
 #include "check/call_watch.h"
 #include "check/groups.h"
+#include "check/modules.h"
 #include "commands.h"
 #include "paths.h"
 #include "platform/child_process.h"
@@ -173,11 +174,11 @@ void printLine(const ordered_json& line) {
                           : "\n        " + seen));
 }
 
-// The producers on the search path, for whoever does not know the path of his own.
-std::vector<std::string> knownProducers(const Session& session) {
+// The producers in these folders, for whoever does not know the path of his own.
+std::vector<std::string> producersIn(const std::vector<std::string>& folders) {
   std::vector<std::string> files;
   std::error_code error;
-  for (const std::string& folder : session.folders())
+  for (const std::string& folder : folders)
     for (const auto& entry : std::filesystem::directory_iterator(pathFromText(folder), error))
       if (entry.path().extension() == ".cti" && entry.is_regular_file(error))
         files.push_back(pathText(entry.path()));
@@ -188,10 +189,23 @@ void requireProducer(const Session& session, const std::string& producer) {
   std::error_code error;
   if (std::filesystem::is_regular_file(pathFromText(producer), error))
     return;
-  const std::vector<std::string> known = knownProducers(session);
-  throw ToolError((producer.empty() ? "no producer was named" : "there is no producer " + producer) +
-                      (known.empty() ? "" : "; on the search path are:\n  " + join(known, "\n  ")),
-                  "ovi check " + (known.empty() ? "FILE.cti" : known.front()), ExitCode::kUsage);
+  const bool isFolder = std::filesystem::is_directory(pathFromText(producer), error);
+  const std::vector<std::string> known = producersIn(isFolder ? std::vector{producer} : session.folders());
+  throw ToolError((producer.empty() ? "no producer was named"
+                   : isFolder       ? producer + " is a folder" + (known.empty() ? " without a producer" : "")
+                                    : "there is no producer " + producer) +
+                      (known.empty() ? ""
+                       : isFolder    ? "; in it are:\n  " + join(known, "\n  ")
+                                     : "; on the search path are:\n  " + join(known, "\n  ")),
+                  "ovi check " + (known.empty() ? "FILE.cti" : shellWord(known.front())), ExitCode::kUsage);
+}
+
+// It is no fault of the producer that it has no such device.
+void requireNamedDevice(const Session& session, const std::string& producer, const ordered_json& line) {
+  const std::string& camera = session.options().camera;
+  if (!camera.empty() && line.value("ended", false) && line["seen"] == check::noDeviceText(camera))
+    throw ToolError("the producer has no device \"" + camera + "\"", "ovi list --producer " + shellWord(producer),
+                    ExitCode::kUsage);
 }
 
 void requireGroups(const CheckOptions& options) {
@@ -231,6 +245,7 @@ void runAll(const Session& session, CheckOptions options) {
       printData(Styled(group.title, Colour::kBold));
     bool hopeless = false;
     for (ordered_json& line : lines) {
+      requireNamedDevice(session, options.producer, line);
       told.judge(line);
       ++totals.at(resultIndex(line));
       hopeless = hopeless || (line["result"] == "fail" && (group.name == std::string("exports") ||

@@ -210,7 +210,7 @@ void dropOpenFile(const ModuleView& view, const std::string& path) {
 void put(Session& session, const FileOptions& options) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(pathFromText(options.path), error))
-    throw ToolError("there is no file " + options.path, {}, ExitCode::kUsage);
+    throw ToolError("there is no file " + options.path, "give the path of the file to send", ExitCode::kUsage);
   const ModuleView view(session, "device", Use::kControl);
   const std::string name = knownFile(view, options.name.empty() ? typeOf(view, options.path) : options.name);
   if (isFirmware(name) && !options.yes)

@@ -20,7 +20,8 @@ using Clock = std::chrono::steady_clock;
 std::string contentOf(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::exists(file, error))
-    throw ToolError("there is no file " + pathText(file), {}, ExitCode::kUsage);
+    throw ToolError("there is no file " + pathText(file), "give the path of a description, .xml or .zip",
+                    ExitCode::kUsage);
   if (std::filesystem::is_directory(file, error))
     throw ToolError(pathText(file) + " is a folder", "give a description, .xml or .zip", ExitCode::kUsage);
   std::ifstream stream(file, std::ios::binary);

@@ -118,7 +118,9 @@ void examineFolder(Session& session, const std::string& folder, SearchPathExamin
   const std::vector<fs::path> loaded = loadedFrom(session, folder);
   if (loaded.empty())
     result.findings.push_back({Level::kNote, folder + ": no producer in it (*.cti); folders below it are not searched",
-                               std::string("take it out of ") + kVariable + ", or install the producer again"});
+                               session.options().producer.empty()
+                                   ? std::string("take it out of ") + kVariable + ", or install the producer again"
+                                   : "name a producer, or the folder that holds it: --producer FILE.cti"});
   else
     result.findings.push_back({Level::kGood, folder + ": " + std::to_string(loaded.size()) + " producer file" +
                                                  (loaded.size() == 1 ? "" : "s")});
