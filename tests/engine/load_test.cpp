@@ -259,6 +259,16 @@ TEST(Load, OpensGroupsAndStructsAndIgnoresExtensions) {
   EXPECT_EQ(map.get<IRegister>("S1").GetAddress(), 0x18);
 }
 
+TEST(Load, KeepsARegistersOwnFormulaUnderATakenName) {
+  TestMap map(kInteger + reg("IntReg", "R", "<IntSwissKnife Name=\"K\"><Formula>4</Formula></IntSwissKnife>") +
+              reg("IntReg", "S", "<IntSwissKnife Name=\"K\"><Formula>8</Formula></IntSwissKnife>") +
+              reg("IntReg", "R", "<IntSwissKnife Name=\"K2\"><Formula>12</Formula></IntSwissKnife>"));
+  EXPECT_TRUE(hasWarning(map, "'K' is defined twice"));
+  EXPECT_EQ(map.get<IRegister>("R").GetAddress(), 4);
+  EXPECT_EQ(map.get<IRegister>("S").GetAddress(), 8) << "not what the other node of that name computes";
+  EXPECT_EQ(map.integer("K").GetValue(), 4);
+}
+
 TEST(Load, NamesAndRelations) {
   TestMap map(
       "<Category Name=\"Root\" NameSpace=\"Standard\"><pFeature>Sub</pFeature><pFeature>E</pFeature></Category>"

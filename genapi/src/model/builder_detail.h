@@ -131,6 +131,7 @@ class ModelLinker {
   NodeIndex resolveDuplicate(NodeIndex first, NodeIndex second);
   void mergeCategories();
   void removeDropped();
+  void keepInnerFormulas();
   NodeIndex defaultPort() const;
   void resolveReferences();
   bool resolve(NodeRecord& record, Property& property, NodeIndex impliedPort);

@@ -130,7 +130,22 @@ void ModelLinker::mergeCategories() {
   }
 }
 
+// A register needs the formula within it, whatever other node has its name: the address would be another one.
+void ModelLinker::keepInnerFormulas() {
+  for (NodeIndex i = 0; i < model_.nodes_.size(); ++i) {
+    if (dropped_[i]) {
+      continue;
+    }
+    for (const Property& property : model_.properties(model_.nodes_[i])) {
+      if (property.element() == Element::IntSwissKnife && property.target != kNoNode) {
+        dropped_[property.target] = false;
+      }
+    }
+  }
+}
+
 void ModelLinker::removeDropped() {
+  keepInnerFormulas();
   std::vector<NodeIndex> moved(model_.nodes_.size(), kNoNode);
   std::vector<NodeRecord> kept;
   kept.reserve(model_.nodes_.size());
