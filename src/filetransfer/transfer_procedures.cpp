@@ -28,7 +28,7 @@ void touchHeartbeat(const FileAccessContext& context, std::uint64_t timeout) {
   oviFeatureParameter limits;
   double current = 0;
   const oviErr code = OVI::oviGetFeatureParameter(context.device, kFeature, &limits, kCamera);
-  if (code != OVI_SUCCESS || limits.featureType != OVI_FEATURE_FLOAT ||
+  if (code != OVI_SUCCESS || limits.featureType != OVI_FEATURE_FLOAT || !limits.isFeature ||
       OVI::oviGetFeatureFloat(context.device, kFeature, &current, kCamera) != OVI_SUCCESS) {
     OVI_LOG_DEBUG(kUpdateSite) << "The camera has no " << kFeature << " to adjust.";
     return;

@@ -47,6 +47,10 @@ ScopedTimeout::ScopedTimeout(std::uint64_t device, const char* feature, std::uin
     : device_(device),
       feature_(feature) {
   oviErr code = OVI::oviGetFeatureParameter(device, feature, &old_, OVI_MODULE_LOCAL_DEVICE);
+  // The record of any other node has neither value nor limits: 0 would be written.
+  if (code == OVI_SUCCESS && (!old_.isFeature || old_.accessMode != OVI_ACCESS_READ_WRITE)) {
+    code = OVI_ERR_NO_ACCESS;
+  }
   if (code == OVI_SUCCESS && old_.featureType == OVI_FEATURE_INTEGER) {
     constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     const auto wanted = static_cast<std::int64_t>(std::min(value, kLargest));

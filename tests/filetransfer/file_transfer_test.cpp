@@ -394,16 +394,17 @@ class KnownProducerTransfer : public FileTransfer {
 
   KnownProducerTransfer() : FileTransfer("gevtls2i") {}
 
-  void arrange() {
-    const auto feature = [](const std::string& name, std::size_t address) {
-      return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue><Min>100</Min><Max>1500</Max></Integer>" +
-             "<IntReg Name=\"" + name + "Reg\"><Address>" + std::to_string(address) +
+  void arrange(const std::string& features = "GVCPAckTimeout HeartbeatTimeout", int minimum = 100) {
+    const auto feature = [minimum](const std::string& name, std::size_t address) {
+      return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue><Min>" + std::to_string(minimum) +
+             "</Min><Max>1500</Max></Integer>" + "<IntReg Name=\"" + name + "Reg\"><Address>" +
+             std::to_string(address) +
              "</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
              "<Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>";
     };
     Space& local = script().localDevice;
-    local.description = describe("GVCPAckTimeout HeartbeatTimeout",
-                                 feature("GVCPAckTimeout", kAcknowledge) + feature("HeartbeatTimeout", kHeartbeat));
+    local.description =
+        describe(features, feature("GVCPAckTimeout", kAcknowledge) + feature("HeartbeatTimeout", kHeartbeat));
     local.memory[kAcknowledge] = 150;
     local.memory[kHeartbeat] = 120;
     local.onWrite = [this](std::uint64_t address, std::size_t) {
@@ -449,6 +450,13 @@ TEST_F(KnownProducerTransfer, TimeoutsAreAdjustedAndRestored) {
   oviIsFeatureCachingDisabled(&disabled);
   EXPECT_EQ(disabled, 1);
   oviSetFeatureCachingDisabled(0);
+}
+
+TEST_F(KnownProducerTransfer, ATimeoutOutsideTheTreeIsLeftAlone) {
+  arrange("HeartbeatTimeout", 0);
+  writeFile("files/in", {1, 2, 3});
+  EXPECT_EQ(download(), OVI_SUCCESS);
+  EXPECT_THAT(writes, testing::ElementsAre("Heartbeat=2", "Heartbeat=120")) << "the other one's limits are not known";
 }
 
 }  // namespace
