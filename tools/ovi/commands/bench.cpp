@@ -224,7 +224,7 @@ void addBench(CLI::App& app, CommonOptions& common, Action& action) {
   auto options = std::make_shared<BenchOptions>();
   addNumberOption(*command, "-s,--seconds", options->seconds, "SECONDS",
                   "How long with the library, and then without it; 5 when not given");
-  addNumberOption(*command, "--buffers", options->buffers, "N", "Buffers of the stream");
+  addNumberOption(*command, "--buffers", options->buffers, "N", "Buffers of the stream; 16 when not given");
   command->add_flag("--touch", options->touch, "Read every byte of every image");
   command->add_option("--of-producer", options->producer)->group("");
   addCameraOption(*command, common);

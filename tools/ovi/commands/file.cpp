@@ -249,7 +249,8 @@ void addFile(CLI::App& app, CommonOptions& common, Action& action) {
   CLI::App* getCommand = command->add_subcommand("get", "Read a file of the camera");
   getCommand->add_option("NAME", options->name, "The camera's file")->required();
   getCommand->add_option("FILE", options->path, "The file to write")->required();
-  addNumberOption(*getCommand, "--silence", options->silence, "MS", "Milliseconds that the camera may be silent");
+  addNumberOption(*getCommand, "--silence", options->silence, "MS",
+                  "Milliseconds that the camera may be silent; 5000 when not given");
   addCameraOption(*getCommand, common);
   getCommand->footer("Examples:\n  ovi file get UserSet1 settings.bin");
   getCommand->callback([=, &action] { action = [=](Session& session) { get(session, *options); }; });
@@ -261,7 +262,8 @@ void addFile(CLI::App& app, CommonOptions& common, Action& action) {
   putCommand->add_option("--read-back", options->readBack, "Afterwards read it again into this file")
       ->type_name("FILE");
   putCommand->add_flag("--yes", options->yes, "Write firmware, which may disable a camera");
-  addNumberOption(*putCommand, "--silence", options->silence, "MS", "Milliseconds that the camera may be silent");
+  addNumberOption(*putCommand, "--silence", options->silence, "MS",
+                  "Milliseconds that the camera may be silent; 5000 when not given");
   addCameraOption(*putCommand, common);
   putCommand->footer("Examples:\n  ovi file put settings.bin --as UserSet1\n  ovi file put firmware.bin --yes");
   putCommand->callback([=, &action] { action = [=](Session& session) { put(session, *options); }; });

@@ -72,6 +72,7 @@ void writeOptions(std::ostream& page, const CLI::App& command) {
 // The text under a command's help: sentences, and examples that are indented.
 void writeFooter(std::ostream& page, const std::string& footer) {
   std::istringstream lines(footer);
+  page << ".PP\n";  // It belongs to the command, not to its last option.
   bool inExamples = false;
   for (std::string line; std::getline(lines, line);) {
     const bool example = line.starts_with("  ");
