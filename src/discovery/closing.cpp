@@ -1,6 +1,7 @@
 // The end of the library's use, asked for by the application or by the end of the process.
 #include "discovery/closing.h"
 
+#include <atomic>
 #include <vector>
 
 #include "core/global_state.h"
@@ -33,11 +34,17 @@ void closeModules() {
     device->close();
 }
 
+std::atomic<unsigned long> openingProcess{0};  // The latest that has loaded producers.
+
 void closeAtExit() {
   if (!isInitialized())
     return;
   setInitialized(false);  // First, so that threads which go on calling find nothing to do any more.
   detachCallback();
+  // A forked child has the producers but not their threads: their closing would wait for them for ever, and belongs to
+  // the parent.
+  if (platform::processId() != openingProcess)
+    return;
   endAllWaits();
   closeModules();
   TLDiscovery::instance().closeAtExit();
@@ -57,6 +64,7 @@ oviErr oviClose() {
 }
 
 void closeProducersAtExit() {
+  openingProcess = platform::processId();
   platform::callAtExit(closeAtExit);
 }
 

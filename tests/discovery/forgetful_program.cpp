@@ -1,4 +1,10 @@
-// Opens a device of the producers in a folder and returns from main without closing anything.
+// Opens a device of the producers in a folder and returns from main without closing anything. A child that it forks
+// does the same first.
+#ifndef _WIN32
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -41,5 +47,10 @@ int main(int argc, char** argv) {
   std::puts("ready");
   std::fflush(stdout);
   inMain = false;
+#ifndef _WIN32
+  const pid_t child = fork();
+  if (child != 0)
+    waitpid(child, nullptr, 0);
+#endif
   return 0;
 }

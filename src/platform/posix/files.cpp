@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "host_file.h"
+#include "platform/platform.h"
 
 namespace OVI::platform {
 namespace {
@@ -22,7 +23,7 @@ namespace {
 /** A new file beside the target, with the target's mode when there is one. */
 int createBeside(const std::string& path, const struct stat* old, std::string& name) {
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    name = nameBeside(path, static_cast<unsigned long>(::getpid()), attempt);
+    name = nameBeside(path, processId(), attempt);
     const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor >= 0 && old != nullptr)
       static_cast<void>(::fchmod(descriptor, old->st_mode & 07777));

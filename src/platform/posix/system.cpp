@@ -1,4 +1,6 @@
 // Folders, files, commands and the clock.
+#include <unistd.h>
+
 #include <ctime>
 
 #include <cstdio>
@@ -21,6 +23,10 @@ std::string environmentOr(const char* name, const char* fallback) {
 
 void callAtExit(void (*function)()) noexcept {
   static_cast<void>(std::atexit(function));
+}
+
+unsigned long processId() noexcept {
+  return static_cast<unsigned long>(::getpid());
 }
 
 std::optional<std::string> publicDocuments() {

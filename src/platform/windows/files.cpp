@@ -8,13 +8,14 @@
 #include <utility>
 
 #include "host_file.h"
+#include "platform/platform.h"
 
 namespace OVI::platform {
 namespace {
 
 HANDLE createBeside(const std::string& path, std::string& name) {
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-    name = nameBeside(path, ::GetCurrentProcessId(), attempt);
+    name = nameBeside(path, processId(), attempt);
     const HANDLE handle =
         ::CreateFileA(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle != INVALID_HANDLE_VALUE || ::GetLastError() != ERROR_FILE_EXISTS)

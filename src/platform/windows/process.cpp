@@ -35,6 +35,10 @@ void callAtExit(void (*function)()) noexcept {
   }
 }
 
+unsigned long processId() noexcept {
+  return ::GetCurrentProcessId();
+}
+
 std::optional<std::string> runAndRead(const std::string& program, const std::string& argument) {
   const auto close = [](std::FILE* pipe) { _pclose(pipe); };
   const std::unique_ptr<std::FILE, decltype(close)> pipe(_popen((program + " " + argument).c_str(), "r"), close);

@@ -27,6 +27,9 @@ void unload(LibraryHandle library) noexcept;
  */
 void callAtExit(void (*function)()) noexcept;
 
+/** The number of this process. A forked child has another one than its parent. */
+unsigned long processId() noexcept;
+
 /** The system's words for the calling thread's last failed call of this header, as the system gives them. */
 std::string lastErrorText();
 
