@@ -54,8 +54,8 @@ class Library {
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
 
-  /// Finds cameras. The search path is added to the environment's, or replaces it. An exception of the progress
-  /// function leaves the call once the discovery is over.
+  /// Finds cameras. The search path is added to the environment's, or replaces it; an empty one is that of the call
+  /// before. An exception of the progress function leaves the call once the discovery is over.
   std::vector<DeviceInfo> discover(Milliseconds timeout = Milliseconds(1000), const DiscoveryFunction& progress = {},
                                    const std::string& searchPath = {}, bool searchPathOnly = false) const {
     const auto info = std::make_unique<oviDiscoveryInfo>();
