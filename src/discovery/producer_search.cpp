@@ -5,6 +5,7 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
 #include <boost/filesystem.hpp>
+#include <utility>
 
 #include "Base/GCException.h"
 #include "Base/GCUtilities.h"
@@ -53,11 +54,12 @@ void findCTIFiles(const std::string& directory, std::vector<std::string>& outFil
   }
   fs::directory_iterator entry(directory, error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    const fs::path& path = entry->path();
+    std::string file = entry->path().string();
     boost::system::error_code entryError;  // An entry that vanishes meanwhile is no producer.
-    if (path.extension() == ".cti" && fs::is_regular_file(entry->status(entryError)) &&
-        !isExcludedProducer(path.filename().string()))
-      outFiles.push_back(path.string());
+    // Taken from the text: to compare paths ends the process when there is no memory for it.
+    if (file.ends_with(".cti") && fs::is_regular_file(entry->status(entryError)) &&
+        !isExcludedProducer(entry->path().filename().string()))
+      outFiles.push_back(std::move(file));
   }
   if (error)
     OVI_LOG_WARNING(kFilesSite) << "Could not read all of the folder " << directory << ": " << error.message();
