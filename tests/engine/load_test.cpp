@@ -20,6 +20,14 @@ bool hasWarning(const TestMap& map, const std::string& text) {
 
 const std::string kInteger = "<Integer Name=\"A\"><Value>7</Value></Integer>";
 
+/** A global object of an application, which loads a description when main is over. */
+const struct LateLoader {
+  ~LateLoader() {
+    INodeMap* const map = CNodeMapFactory(gcstring(describe(kInteger).c_str()), CacheUsage_Automatic).CreateNodeMap();
+    dynamic_cast<IDestroy&>(*map).Destroy();
+  }
+} kLateLoader;
+
 }  // namespace
 
 TEST(Load, TellsWhatTheDescriptionSaysOfTheDevice) {

@@ -20,7 +20,7 @@ using ContentKey = std::vector<ContentHash::Value>;
 class Cache {
  public:
   static Cache& instance() {
-    static Cache cache;
+    static Cache& cache = *new Cache;  // Threads and global objects that outlive main may still load a description.
     return cache;
   }
 
