@@ -2,10 +2,14 @@
 #include "platform/platform.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -50,6 +54,11 @@ TEST(Platform, FilesAreReadWholeOrNotAtAll) {
   EXPECT_EQ(readFile("read.bin", 5), std::nullopt);
   EXPECT_EQ(readFile("missing.bin"), std::nullopt);
   std::remove("read.bin");
+#ifndef _WIN32
+  ASSERT_EQ(mkfifo("read.pipe", 0600), 0);
+  EXPECT_EQ(readFile("read.pipe"), std::nullopt) << "without waiting for somebody to write into it";
+  std::remove("read.pipe");
+#endif
 }
 
 TEST(Platform, CommandsAreRunAndTheirOutputIsRead) {

@@ -1,4 +1,5 @@
 // Folders, files, commands and the clock.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <ctime>
@@ -59,6 +60,10 @@ std::optional<std::string> runAndRead(const std::string& program, const std::str
 }
 
 std::optional<std::string> readFile(const std::string& path, std::uint64_t limit) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return std::nullopt;  // A camera may name the file: a pipe or a terminal would be waited for, for ever.
+  }
   std::ifstream file(path, std::ios::binary);
   std::string content;
   char block[4096];

@@ -52,7 +52,10 @@ std::string tempDirectory();
  * when no program can be started, an empty text when there is none of that name. */
 std::optional<std::string> runAndRead(const std::string& program, const std::string& argument);
 
-/** A file's whole content; nothing when it cannot be read or holds more than `limit` bytes. Others may have it open. */
+/**
+ * A file's whole content; nothing when it cannot be read, holds more than `limit` bytes or, outside Windows, is no
+ * regular file. Others may have it open.
+ */
 std::optional<std::string> readFile(const std::string& path, std::uint64_t limit = UINT64_MAX);
 
 /** Time of a clock that never goes back, from an arbitrary start. */
