@@ -1257,7 +1257,9 @@ OVI_API oviErr OVI_CALL oviReleaseImage(uint64_t streamHandle, oviNewBufferEvent
 
 /**
  * Ends the waits for an event that are under way on other threads, with Aborted (-109), and drops what is queued. A
- * thread that has just read an event, or that comes to wait only now, meets it with its next wait.
+ * thread that has just read an event, or that comes to wait only now, meets it with its next wait. The buffers of
+ * images that are dropped are filled again after the next oviStopAcquisition only: to go on meanwhile, wait with a
+ * time-out instead.
  *
  * @param eventHandle  of oviRegisterEvent
  * @return Success; NotInitialized (-100); InvalidParameter (-105) for 0; NotFound (-104); the producer's error
