@@ -23,8 +23,8 @@
 
 #include "gentl_interface/GenTL.h"
 #include "journeys.h"
+#include "modules/functions.h"
 #include "outputs.h"
-#include "ovi_virtual/functions.h"
 #include "ovi_virtual/hostility.h"
 #include "platform/platform.h"
 #include "watchdog.h"

@@ -6,12 +6,12 @@
 #include <type_traits>
 
 #include "modules/failure.h"
+#include "modules/functions.h"
 #include "modules/handle_table.h"
 #include "modules/hostility.h"
 #include "modules/info.h"
 #include "modules/last_error.h"
 #include "modules/library.h"
-#include "ovi_virtual/functions.h"
 
 namespace vcam {
 

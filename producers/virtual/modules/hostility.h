@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "ovi_virtual/functions.h"
+#include "modules/functions.h"
 
 namespace vcam {
 
